@@ -1,0 +1,42 @@
+# How every target of the project is compiled, and the one way to make a folder of src/ a library.
+
+add_library(reelcrate_options INTERFACE)
+target_compile_options(reelcrate_options INTERFACE -Wall -Wextra -Werror)
+target_compile_definitions(
+  reelcrate_options
+  INTERFACE QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_NARROWING_CONVERSIONS_IN_CONNECT
+            QT_NO_KEYWORDS)
+if(REELCRATE_SANITIZERS)
+  set(_sanitize -fsanitize=${REELCRATE_SANITIZERS} -fno-omit-frame-pointer)
+  target_compile_options(reelcrate_options INTERFACE ${_sanitize})
+  target_link_options(reelcrate_options INTERFACE ${_sanitize})
+endif()
+
+# What executables are linked with, besides.
+add_library(reelcrate_program INTERFACE)
+target_link_libraries(reelcrate_program INTERFACE reelcrate_options)
+if(REELCRATE_SANITIZERS STREQUAL "thread")
+  target_sources(reelcrate_program INTERFACE ${CMAKE_CURRENT_LIST_DIR}/tsan_clone.cpp)
+endif()
+
+# reelcrate_library(NAME [USES FOLDER...])
+#
+# Makes src/NAME a library. Its headers are included as "NAME/header.h", and only by NAME itself
+# and by the folders that USE it: each folder has an include root of its own that holds nothing but
+# a link to the folder, so that an include against the direction of the arrows does not compile.
+function(reelcrate_library name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "USES")
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.cpp
+       ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.h)
+  set(root ${PROJECT_BINARY_DIR}/include-roots/${name})
+  file(MAKE_DIRECTORY ${root})
+  file(CREATE_LINK ${CMAKE_CURRENT_SOURCE_DIR}/${name} ${root}/${name} SYMBOLIC)
+
+  add_library(reelcrate_${name} STATIC ${sources})
+  add_library(reelcrate::${name} ALIAS reelcrate_${name})
+  target_include_directories(reelcrate_${name} PUBLIC ${root})
+  target_link_libraries(reelcrate_${name} PUBLIC Qt6::Core PRIVATE reelcrate_options)
+  foreach(used IN LISTS arg_USES)
+    target_link_libraries(reelcrate_${name} PUBLIC reelcrate::${used})
+  endforeach()
+endfunction()

@@ -1,0 +1,37 @@
+# shellcheck shell=bash
+# Lines that the scripts share; sourced, never run. All talk goes to standard
+# error, so that standard output belongs to what a script is asked to do.
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+
+say() { printf '%s\n' "$*" >&2; }
+
+die() {
+    say "$*"
+    exit 1
+}
+
+# quietly COMMAND...: nothing on success, the whole output when it fails.
+quietly() {
+    local log status=0
+    log=$(mktemp)
+    "$@" >"$log" 2>&1 </dev/null || status=$?
+    if [ "$status" -ne 0 ]; then
+        cat "$log" >&2
+        say "Failed with status $status: $*"
+    fi
+    rm -f "$log"
+    return "$status"
+}
+
+# build PRESET: what changed since the last build. Configures the first time
+# and after the presets were edited; Ninja itself sees edits of CMakeLists.txt.
+build() (
+    cd "$root" || exit
+    if [ ! -f "build/$1/build.ninja" ] || [ CMakePresets.json -nt "build/$1/build.ninja" ]; then
+        say "Configuring build/$1 ..."
+        quietly cmake --preset "$1" || exit
+    fi
+    say "Building build/$1 ..."
+    quietly cmake --build --preset "$1"
+)

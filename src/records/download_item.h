@@ -1,0 +1,34 @@
+#pragma once
+
+#include "records/queue_status.h"
+#include "records/source_type.h"
+
+#include <QString>
+#include <QUuid>
+
+/// One row of the queue. A plain value, copied freely; found again by `id`, never by position.
+namespace reelcrate {
+
+struct DownloadItem {
+    QUuid id = QUuid::createUuid();
+    QString url;
+    SourceType source = SourceType::link;
+    QueueStatus status = QueueStatus::waiting;
+    QString detail = QStringLiteral("Ready");  ///< one line of status under the row's title
+    QString outputPath;                        ///< absolute; empty until the file is known
+    QString title;
+    QString duration;      ///< display form such as 3:45; empty when unknown
+    QString thumbnailURL;  ///< empty when there is none
+    bool isResolvingInfo = false;
+    double progress = 0.0;         ///< 0 to 1
+    bool hasRealProgress = false;  ///< the shown progress is the tool's own percentage
+
+    friend bool operator==(const DownloadItem&, const DownloadItem&) = default;
+};
+
+/// The standard upper-case text form of a row's id, without braces.
+inline QString idText(const QUuid& id) {
+    return id.toString(QUuid::WithoutBraces).toUpper();
+}
+
+}  // namespace reelcrate
