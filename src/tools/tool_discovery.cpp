@@ -1,0 +1,111 @@
+#include "tools/tool_discovery.h"
+
+#include "tools/shell_quote.h"
+#include "tools/shell_runner.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+#include <utility>
+
+namespace reelcrate {
+
+namespace {
+
+const QString engineFolder = QStringLiteral("DownloaderEngine/bin");
+const QString readyOnSystem = QStringLiteral("Ready - already on this Mac");
+const QString toolsFolder = QStringLiteral("Tools/bin");
+
+QString joined(const QString& folder, const QString& rest) {
+    return folder + u'/' + rest;
+}
+
+}  // namespace
+
+ToolPlaces ToolPlaces::ofThisMachine() {
+    ToolPlaces places;
+    places.home = QDir::homePath();
+    places.appSupport = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+    if (places.appSupport.isEmpty())
+        places.appSupport = joined(places.home, QStringLiteral("Library/Application Support"));
+    const QDir resources(QCoreApplication::applicationDirPath() +
+                         QStringLiteral("/../lib/reelcrate"));
+    if (resources.exists())
+        places.resourceFolder = resources.canonicalPath();
+    return places;
+}
+
+bool ResolvedTool::isFromSystem() const {
+    return detail == readyOnSystem;
+}
+
+ToolDiscovery::ToolDiscovery(ShellRunner& shell, ToolPlaces places)
+    : m_shell(shell), m_places(std::move(places)) {}
+
+QString ToolDiscovery::appSupportBinDirectory() const {
+    return joined(m_places.appSupport, QStringLiteral("Reelcrate/Tools/bin"));
+}
+
+QStringList ToolDiscovery::toolCandidates(const QString& command) const {
+    QStringList candidates;
+    if (m_places.resourceFolder) {
+        candidates.append(joined(joined(*m_places.resourceFolder, engineFolder), command));
+        candidates.append(joined(joined(*m_places.resourceFolder, toolsFolder), command));
+    }
+    candidates.append(joined(appSupportBinDirectory(), command));
+    return candidates;
+}
+
+QString ToolDiscovery::candidateDetail(const QString& path) const {
+    if (m_places.resourceFolder && path.startsWith(*m_places.resourceFolder))
+        return QStringLiteral("Ready - bundled with app");
+    return QStringLiteral("Ready - installed privately");
+}
+
+QStringList ToolDiscovery::systemPlaces() const {
+    return m_places.systemFolders + QStringList{m_places.home + QStringLiteral("/.local/bin")};
+}
+
+std::optional<QString> ToolDiscovery::systemToolPath(const QString& command) const {
+    // The assignment stands inside the command because a login shell's profile resets the path.
+    const QString lookup = QStringLiteral("PATH=") + shellQuoted(systemPlaces().join(u':')) +
+                           QStringLiteral(" command -v ") + shellQuoted(command);
+    const CommandResult result = m_shell.runShellSync(lookup, std::nullopt);
+    // The last line: what stands before it was printed by the user's profile.
+    QString path = result.output.trimmed().section(u'\n', -1).trimmed();
+    if (result.status != 0 || path.isEmpty())
+        return std::nullopt;
+    return path;
+}
+
+std::optional<ResolvedTool> ToolDiscovery::resolvedTool(const QString& command) const {
+    for (const QString& candidate : toolCandidates(command)) {
+        const QFileInfo file(candidate);
+        if (file.isFile() && file.isExecutable())
+            return ResolvedTool{candidate, candidateDetail(candidate)};
+    }
+    if (auto path = systemToolPath(command))
+        return ResolvedTool{*std::move(path), readyOnSystem};
+    return std::nullopt;
+}
+
+std::optional<QString> ToolDiscovery::toolPath(const QString& command) const {
+    if (auto tool = resolvedTool(command))
+        return std::move(tool->path);
+    return std::nullopt;
+}
+
+QString ToolDiscovery::toolSearchPath() const {
+    QStringList folders{appSupportBinDirectory()};
+    if (m_places.resourceFolder) {
+        folders.append(joined(*m_places.resourceFolder, engineFolder));
+        folders.append(joined(*m_places.resourceFolder, toolsFolder));
+    }
+    folders.append(systemPlaces());
+    folders.removeDuplicates();
+    return folders.join(u':');
+}
+
+}  // namespace reelcrate

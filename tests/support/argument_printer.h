@@ -1,0 +1,60 @@
+#pragma once
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QStringList>
+#include <QTemporaryDir>
+
+/// A stand-in for a tool, that tells how a command line called it.
+namespace reelcrate {
+
+struct Invocation {
+    QString searchPath;
+    QStringList arguments;
+};
+
+class ArgumentPrinter {
+public:
+    explicit ArgumentPrinter(const QString& name) : m_path(m_folder.filePath(name)) {
+        QFile script(m_path);
+        if (script.open(QIODevice::WriteOnly))
+            script.write("#!/bin/bash\nprintf '%s\\0' \"$PATH\" \"$@\"\n");
+        script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    }
+
+    QString path() const { return m_path; }
+    QString folder() const { return m_folder.path(); }
+
+    /// Runs the line in an empty folder, whose content afterwards is `leftBehind`.
+    Invocation run(const QString& line) {
+        const QTemporaryDir empty;
+        QProcess shell;
+        shell.setWorkingDirectory(empty.path());
+        shell.start(QStringLiteral("/bin/bash"), {QStringLiteral("-c"), line});
+        shell.waitForFinished();
+        leftBehind = QDir(empty.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
+        QStringList words = QString::fromUtf8(shell.readAllStandardOutput()).split(QChar(u'\0'));
+        words.removeLast();
+        return words.isEmpty() ? Invocation() : Invocation{words.takeFirst(), words};
+    }
+
+    QStringList leftBehind;
+
+private:
+    QTemporaryDir m_folder;
+    QString m_path;
+};
+
+/// Texts that a shell takes apart, runs or expands unless they are quoted.
+inline const QStringList hostileTexts{
+    QStringLiteral("it's"),
+    QStringLiteral("$(touch harmed) `touch harmed` $HOME ${PATH}"),
+    QStringLiteral("a; touch harmed & touch harmed | touch harmed > harmed"),
+    QStringLiteral("line\nbreak\r\n\ttab"),
+    QStringLiteral("%(id)s 100% * ? [a-z] ~ ! # \\ \" '\"'"),
+    QStringLiteral("-o harmed --exec 'touch harmed'"),
+    QStringLiteral("\U0001F3B5\U0001F469\u200D\U0001F3A4 caf\u00E9 \u4E2D\u6587"),
+};
+
+}  // namespace reelcrate

@@ -1,0 +1,80 @@
+#include "support/machine.h"
+
+#include <QDeadlineTimer>
+#include <QDir>
+#include <QFile>
+#include <QTest>
+#include <QThread>
+
+namespace reelcrate {
+
+namespace {
+
+constexpr int tooLongMs = 20'000;
+
+}  // namespace
+
+bool waitUntil(const std::function<bool()>& condition) {
+    return QTest::qWaitFor(condition, tooLongMs);
+}
+
+bool pollUntil(const std::function<bool()>& condition) {
+    const QDeadlineTimer end(tooLongMs);
+    while (!condition()) {
+        if (end.hasExpired())
+            return false;
+        QThread::msleep(10);
+    }
+    return true;
+}
+
+bool writeFile(const QString& path, const QByteArray& content) {
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
+}
+
+QByteArray readFile(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+Machine::Machine() : m_formerHome(qgetenv("HOME")) {
+    qputenv("HOME", QFile::encodeName(m_folder.path()));  // whose login profile is nobody's
+    QDir().mkpath(toolFolder());
+}
+
+Machine::~Machine() {
+    qputenv("HOME", m_formerHome);
+}
+
+ToolPlaces Machine::places() const {
+    ToolPlaces places;
+    places.home = m_folder.path();
+    places.appSupport = path(QStringLiteral("share"));
+    return places;
+}
+
+QString Machine::toolFolder() const {
+    return path(QStringLiteral("share/Reelcrate/Tools/bin"));
+}
+
+void Machine::install(const QString& tool) {
+    installScript(tool, readFile(QStringLiteral(TESTS_DIRECTORY "/fakes/") + tool));
+}
+
+void Machine::installScript(const QString& tool, const QByteArray& script) {
+    const QString path = toolFolder() + u'/' + tool;
+    writeFile(path, script);
+    QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+}
+
+QStringList Machine::calls() const {
+    const QByteArray calls = readFile(toolFolder() + QStringLiteral("/calls"));
+    return QString::fromUtf8(calls).split(u'\n', Qt::SkipEmptyParts);
+}
+
+void Machine::tell(const QString& file, const QByteArray& content) {
+    writeFile(toolFolder() + u'/' + file, content);
+}
+
+}  // namespace reelcrate

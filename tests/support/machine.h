@@ -1,0 +1,51 @@
+#pragma once
+
+#include "tools/process_supervisor.h"
+#include "tools/tool_discovery.h"
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+#include <QTemporaryDir>
+
+#include <functional>
+
+namespace reelcrate {
+
+/// Waits in the event loop until the condition holds; false when that takes too long.
+bool waitUntil(const std::function<bool()>& condition);
+
+/// The pace of the tests' waiting for other processes, where there is no event to wait for.
+bool pollUntil(const std::function<bool()>& condition);
+
+bool writeFile(const QString& path, const QByteArray& content);
+QByteArray readFile(const QString& path);
+
+/// A machine for one test: a home of its own, no tools but those that the test installs, and
+/// nothing left of it afterwards.
+class Machine {
+public:
+    Machine();
+    ~Machine();
+    Q_DISABLE_COPY_MOVE(Machine)
+
+    QString path(const QString& name) const { return m_folder.filePath(name); }
+    ToolPlaces places() const;
+    QString toolFolder() const;
+
+    /// Puts a stand-in from tests/fakes into the private tool folder.
+    void install(const QString& tool);
+    void installScript(const QString& tool, const QByteArray& script);
+
+    /// What the stand-ins were asked, a line each; a file that the stand-ins know.
+    QStringList calls() const;
+    void tell(const QString& file, const QByteArray& content = {});
+
+    ProcessSupervisor supervisor;
+
+private:
+    QTemporaryDir m_folder;
+    QByteArray m_formerHome;
+};
+
+}  // namespace reelcrate

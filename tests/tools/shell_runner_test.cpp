@@ -1,0 +1,177 @@
+#include "tools/shell_runner.h"
+
+#include "base/background_tasks.h"
+#include "support/machine.h"
+#include "support/printers.h"
+#include "tools/shell_quote.h"
+
+#include <QElapsedTimer>
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <csignal>
+
+namespace reelcrate {
+namespace {
+
+class ShellRunnerTest : public testing::Test {
+protected:
+    /// The process ids that the child wrote to a file, a line each, when there are `count`.
+    QList<pid_t> processesIn(const QString& file, qsizetype count) {
+        QList<pid_t> ids;
+        EXPECT_TRUE(pollUntil([&] {
+            ids.clear();
+            for (const QByteArray& line : readFile(file).split('\n')) {
+                if (!line.isEmpty())
+                    ids.append(line.toInt());
+            }
+            return ids.size() == count;
+        }));
+        return ids;
+    }
+
+    static bool isAlive(pid_t process) {
+        if (::kill(process, 0) != 0)
+            return errno != ESRCH;
+        // A dead process that nobody has asked after yet is dead.
+        const QByteArray stat = readFile(QStringLiteral("/proc/%1/stat").arg(process));
+        return !stat.isEmpty() && !stat.contains(") Z ");
+    }
+
+    Machine machine;
+    ShellRunner shell{machine.supervisor};
+};
+
+TEST_F(ShellRunnerTest, ReportsStatusAndMergedOutput) {
+    const struct {
+        const char* command;
+        int status;
+        QString output;
+    } cases[] = {
+        {"true", 0, {}},
+        {"echo to-error >&2", 0, QStringLiteral("to-error\n")},
+        {"echo a; echo b >&2; echo c; exit 3", 3, QStringLiteral("a\nb\nc\n")},
+        {"cat; echo end", 0, QStringLiteral("end\n")},  // nothing to read, and no waiting for it
+        {"printf 'a\\xff'; sleep 0.3; printf b", 0, QStringLiteral("b")},
+        {"printf '\\xef\\xbb\\xbfx'", 0, QStringLiteral("\ufeffx")},
+        {"exec >&- 2>&-; sleep 0.5; exit 4", 4, {}},  // silent long before it ends
+        {"no-such-tool-anywhere 2>/dev/null", 127, {}},
+    };
+    for (const auto& [command, status, output] : cases) {
+        SCOPED_TRACE(command);
+        const CommandResult result = shell.runShellSync(QString::fromUtf8(command), 30.0);
+        EXPECT_EQ(result.status, status);
+        EXPECT_EQ(result.output, output);
+    }
+}
+
+TEST_F(ShellRunnerTest, DeathByASignalIsNoSuccess) {
+    EXPECT_NE(shell.runShellSync(QStringLiteral("kill -9 $$"), {}).status, 0);
+}
+
+TEST_F(ShellRunnerTest, StopsAtTheTimeLimit) {
+    const CommandResult silent = shell.runShellSync(QStringLiteral("sleep 60"), 0.2);
+    EXPECT_EQ(silent.status, CommandResult::timedOut);
+    EXPECT_EQ(silent.output, QStringLiteral("Command timed out."));
+
+    const CommandResult talking = shell.runShellSync(QStringLiteral("echo so far; sleep 60"), 1.0);
+    EXPECT_EQ(talking.status, CommandResult::timedOut);
+    EXPECT_EQ(talking.output, QStringLiteral("so far\n"));
+}
+
+TEST_F(ShellRunnerTest, KillsWhatIgnoresTheRequestToTerminate) {
+    const QString ids = machine.path(QStringLiteral("ids"));
+    const CommandResult result = shell.runShellSync(
+        QStringLiteral(
+            "trap '' TERM; sleep 60 & echo $! >> %1; echo $$ >> %1; while :; do sleep 1; done")
+            .arg(ids),
+        0.5);
+    EXPECT_EQ(result.status, CommandResult::timedOut);
+    for (pid_t process : processesIn(ids, 2))
+        EXPECT_TRUE(pollUntil([&] { return !isAlive(process); }));
+}
+
+TEST_F(ShellRunnerTest, AGrandchildThatHoldsThePipeIsNotWaitedForAndEnded) {
+    const QString ids = machine.path(QStringLiteral("ids"));
+    QElapsedTimer timer;
+    timer.start();
+    const CommandResult result =
+        shell.runShellSync(QStringLiteral("sleep 600 & echo $! > %1; echo done").arg(ids), {});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.output, QStringLiteral("done\n"));
+    EXPECT_LT(timer.elapsed(), 300'000);  // far below the grandchild's life
+    EXPECT_TRUE(pollUntil([&] { return !isAlive(processesIn(ids, 1).first()); }));
+}
+
+TEST_F(ShellRunnerTest, StreamsPiecesThatEndAtCharacters) {
+    QStringList pieces;
+    const CommandResult result = shell.runShellStreaming(
+        QStringLiteral("printf 'x\\xf0\\x9f'; sleep 0.3; printf '\\x8e\\xb5'; sleep 0.3; echo y"),
+        [&](const QString& piece) { pieces.append(piece); });
+    const QStringList expected{QStringLiteral("x"), QStringLiteral("🎵"), QStringLiteral("y\n")};
+    EXPECT_EQ(pieces, expected);
+    EXPECT_EQ(result.output, expected.join(QString()));
+}
+
+TEST_F(ShellRunnerTest, LosesNothingOfALongOutput) {
+    constexpr qsizetype size = 50'000'000;
+    qsizetype streamed = 0;
+    const CommandResult result =
+        shell.runShellStreaming(QStringLiteral("head -c %1 /dev/zero | tr '\\0' x").arg(size),
+                                [&](const QString& piece) { streamed += piece.size(); });
+    EXPECT_EQ(result.output.size(), size);
+    EXPECT_EQ(streamed, size);
+}
+
+TEST_F(ShellRunnerTest, EndingStopsWhatRunsAndStartsNothingMore) {
+    const QString ids = machine.path(QStringLiteral("ids"));
+    const QString half = machine.path(QStringLiteral("half.mp3"));
+    const QString whole = machine.path(QStringLiteral("whole.mp3"));
+    ASSERT_TRUE(writeFile(half, "half") && writeFile(whole, "whole"));
+    UnfinishedFiles unfinished(machine.supervisor);
+    unfinished.announce(half);
+    {
+        UnfinishedFiles finished(machine.supervisor);
+        finished.announce(whole);
+        finished.keep();
+    }
+    BackgroundTasks background;
+    std::atomic<int> status = 0;
+    background.run([&](const std::stop_token&) {
+        status = shell
+                     .runShellStreaming(
+                         QStringLiteral("trap '' TERM; sleep 600 & echo $! >> %1; echo $$ >> %1; "
+                                        "while :; do sleep 1; done")
+                             .arg(ids),
+                         {})
+                     .status;
+    });
+    const QList<pid_t> processes = processesIn(ids, 2);
+    shell.endEverything();
+    for (pid_t process : processes)
+        EXPECT_FALSE(isAlive(process));
+    background.join();
+    EXPECT_NE(status, 0);
+    EXPECT_FALSE(QFile::exists(half));
+    EXPECT_TRUE(QFile::exists(whole));
+
+    const CommandResult late = shell.runShellSync(QStringLiteral("touch %1").arg(half), {});
+    EXPECT_EQ(late.status, CommandResult::couldNotStart);
+    EXPECT_FALSE(QFile::exists(half));
+}
+
+TEST_F(ShellRunnerTest, QuotedTextIsOneUnchangedWord) {
+    for (const QString& text :
+         {QString(), QStringLiteral("it's"), QStringLiteral("a  b"),
+          QStringLiteral("$(id) `id` $HOME"), QStringLiteral("%(title)s * [x] ? ! \\ \" \n\t;&|<>"),
+          QStringLiteral("''"), QStringLiteral("日本 🎵")}) {
+        const CommandResult result =
+            shell.runShellSync(QStringLiteral("printf '<%s>' ") + shellQuoted(text), {});
+        EXPECT_EQ(result.output, u'<' + text + u'>');
+    }
+    EXPECT_EQ(shellQuoted(QStringLiteral("it's")), QStringLiteral("'it'\\''s'"));
+}
+
+}  // namespace
+}  // namespace reelcrate
