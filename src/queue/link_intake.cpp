@@ -1,0 +1,35 @@
+#include "queue/link_intake.h"
+
+#include "queue/links.h"
+#include "queue/queue_store.h"
+
+namespace reelcrate {
+
+namespace {
+
+DownloadItem rowForLink(const QString& link) {
+    DownloadItem row;
+    row.url = link;
+    row.source = classifySource(link);
+    row.isResolvingInfo = true;
+    if (playlistLike(link, row.source)) {
+        row.detail = QStringLiteral("Reading playlist songs...");
+        row.title = QStringLiteral("Reading playlist...");
+    } else {
+        row.detail = QStringLiteral("Loading info...");
+    }
+    return row;
+}
+
+}  // namespace
+
+QList<DownloadItem> newRowsForLinks(const QStringList& links, const QueueStore& queue) {
+    QList<DownloadItem> rows;
+    for (const QString& link : links) {
+        if (queue.countWithUrl(link) == 0)
+            rows.append(rowForLink(link));
+    }
+    return rows;
+}
+
+}  // namespace reelcrate
