@@ -1,0 +1,90 @@
+#pragma once
+
+#include "records/download_item.h"
+#include "records/media_records.h"
+
+#include <QList>
+#include <QObject>
+#include <QString>
+
+#include <chrono>
+#include <functional>
+#include <optional>
+#include <stop_token>
+
+/// Reads what queued links stand for, paced and with retries, and rewrites the queue with the
+/// results: a song's row gets its title, a playlist's row makes way for one row per song.
+///
+/// Main thread, except where a function says otherwise. The reading itself runs in the background,
+/// one task per batch; results find their row again by id, and are dropped when it is gone.
+/// Failures arrive in the rows and in the summary.
+namespace reelcrate {
+
+class BackgroundTasks;
+class MainQueue;
+class MediaProbe;
+class QueueStore;
+class SpotifyExpansion;
+
+struct ResolutionTiming {
+    using Seconds = std::chrono::duration<double>;
+
+    Seconds minimumPerLink{1.1};
+    Seconds retryPause{1.2};            ///< after every failed attempt ...
+    Seconds retryPausePerAttempt{0.8};  ///< ... and this for each attempt made so far
+};
+
+/// The absolute path of the file that an earlier download of the entry left, or nothing.
+using FindDownloaded = std::function<std::optional<QString>(const PlaylistEntry&)>;
+
+class ResolutionDriver : public QObject {
+    Q_OBJECT
+
+public:
+    static constexpr int maxMetadataResolveAttempts = 3;
+
+    /// `lookAtDownloads` is called once for each result with songs in it, so that what it returns
+    /// may answer from one look at the event folder.
+    ResolutionDriver(QueueStore& queue, const MediaProbe& probe, const SpotifyExpansion& spotify,
+                     std::function<FindDownloaded()> lookAtDownloads, BackgroundTasks& background,
+                     MainQueue& mainQueue, ResolutionTiming timing = {});
+
+    /// Reads the links of these rows, one after another, in the background.
+    void resolveInfo(const QList<DownloadItem>& items);
+
+    /// Background threads. Up to three attempts with pauses in between; after a stop request the
+    /// last attempt's resolution is returned early.
+    QueueResolution resolveQueueEntryWithRetries(const DownloadItem& item,
+                                                 const std::stop_token& stop = {}) const;
+
+    /// Rewrites the queue by what reading `item`, the row at `index`, has yielded.
+    void applyResolution(const QueueResolution& resolution, const DownloadItem& item,
+                         qsizetype index);
+
+    /// Whether trying a failed row again means reading its link again rather than downloading it.
+    static bool shouldRetryInfoForFailedItem(const DownloadItem& item);
+
+    /// Resets the row and reads its link again.
+    void retryResolveInfo(const DownloadItem& item);
+
+Q_SIGNALS:
+    void summaryChanged(const QString& text) const;
+
+private:
+    void resolveBatch(const QList<DownloadItem>& items, const std::stop_token& stop);
+    QueueResolution resolveOnce(const DownloadItem& item) const;
+    void showReading(const DownloadItem& item);
+    void showRetry(const QUuid& id, int failedAttempt) const;
+    void keepRow(const QueueResolution& resolution, const DownloadItem& item, qsizetype index);
+    QList<PlaylistEntry> newEntries(const QueueResolution& resolution, qsizetype index) const;
+
+    QueueStore& m_queue;
+    const MediaProbe& m_probe;
+    const SpotifyExpansion& m_spotify;
+    std::function<FindDownloaded()> m_lookAtDownloads;
+    BackgroundTasks& m_background;
+    MainQueue& m_mainQueue;
+    const ResolutionTiming m_timing;
+};
+
+}  // namespace reelcrate
