@@ -1,0 +1,29 @@
+#pragma once
+
+#include "records/download_item.h"
+#include "records/download_mode.h"
+
+#include <QString>
+
+#include <optional>
+
+/// The one shell command line that downloads a row into the event folder with yt-dlp. A pure
+/// function; any thread; it never fails: without its tools the command itself does.
+namespace reelcrate {
+
+inline constexpr int concurrentFragmentDownloads = 8;
+inline constexpr int videoConcurrentFragmentDownloads = 12;
+
+/// Where the tools are, as far as they were found.
+struct DownloadTools {
+    std::optional<QString> ytDlp;   ///< absolute path
+    std::optional<QString> ffmpeg;  ///< absolute path
+    QString searchPath;             ///< colon-separated folders, put before the inherited ones
+};
+
+/// `eventFolder` is an absolute path. With each step of its progress the command prints a line
+/// "RCR_PROGRESS:" with the percentage.
+QString downloadCommand(const DownloadItem& item, const QString& eventFolder, DownloadMode mode,
+                        const DownloadTools& tools);
+
+}  // namespace reelcrate

@@ -1,0 +1,152 @@
+#include "download/download_runs.h"
+
+#include "base/main_queue.h"
+#include "download/download_run.h"
+#include "download/file_names.h"
+#include "queue/queue_store.h"
+
+#include <QFile>
+#include <QSet>
+
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+
+namespace reelcrate {
+
+namespace {
+
+bool isStartable(const DownloadItem& row) {
+    return row.status == QueueStatus::waiting || row.status == QueueStatus::failed;
+}
+
+/// Absent on success, otherwise the system's description.
+std::optional<QString> createFolders(const QString& path) {
+    std::error_code error;
+    std::filesystem::create_directories(QFile::encodeName(path).toStdString(), error);
+    if (!error)
+        return std::nullopt;
+    return QString::fromStdString(error.message());
+}
+
+}  // namespace
+
+DownloadRuns::DownloadRuns(QueueStore& queue, ShellRunner& shell, const ToolDiscovery& discovery,
+                           ProcessSupervisor& supervisor, BackgroundTasks& background,
+                           MainQueue& mainQueue, DownloadTiming timing)
+    : m_queue(queue),
+      m_background(background),
+      m_mainQueue(mainQueue),
+      m_timing(timing),
+      m_crawls(queue),
+      m_stages(queue, m_crawls),
+      m_trimmer(shell, discovery, supervisor),
+      m_parts{shell, discovery, supervisor, m_trimmer, mainQueue, m_stages, m_log} {
+    connect(&m_log, &RunLog::cleared, this, &DownloadRuns::runLogCleared);
+    connect(&m_log, &RunLog::appended, this, &DownloadRuns::runLogAppended);
+}
+
+DownloadRuns::~DownloadRuns() = default;
+
+void DownloadRuns::startDownloads(const RunTarget& target) {
+    QList<QUuid> itemIDs;
+    for (const DownloadItem& row : m_queue.rows()) {
+        if (isStartable(row))
+            itemIDs.append(row.id);
+    }
+    startDownloadRun(itemIDs, target);
+}
+
+QList<DownloadItem> DownloadRuns::eligibleRows(const QList<QUuid>& itemIDs) const {
+    const QSet<QUuid> wanted(itemIDs.begin(), itemIDs.end());
+    QList<DownloadItem> rows;
+    std::copy_if(
+        m_queue.rows().begin(), m_queue.rows().end(), std::back_inserter(rows),
+        [&](const DownloadItem& row) { return wanted.contains(row.id) && isStartable(row); });
+    return rows;
+}
+
+void DownloadRuns::startDownloadRun(const QList<QUuid>& itemIDs, const RunTarget& target) {
+    const QList<DownloadItem> rows = eligibleRows(itemIDs);
+    const QString nouns = noun(target.mode, false);
+    const qsizetype freeSlots =
+        maxParallelDownloads - m_queue.countWithStatus(QueueStatus::running);
+    if (freeSlots < 1) {
+        Q_EMIT summaryChanged(QStringLiteral("Already downloading %1 %2 at once")
+                                  .arg(maxParallelDownloads)
+                                  .arg(nouns));
+        return;
+    }
+    if (rows.isEmpty())
+        return;
+
+    setActiveDownloadRuns(m_activeDownloadRuns + 1);
+    m_log.clear();
+    Q_EMIT summaryChanged(QStringLiteral("Preparing event folder"));
+    if (!createEventFolder(target)) {
+        setActiveDownloadRuns(std::max(m_activeDownloadRuns - 1, 0));
+        return;
+    }
+
+    const qsizetype slotCount = std::min(freeSlots, rows.size());
+    for (qsizetype i = 0; i < rows.size(); ++i) {
+        if (i < slotCount)
+            m_stages.prepare(rows.at(i).id, target.mode);
+        else
+            m_stages.waitForSlot(rows.at(i).id);
+    }
+    Q_EMIT summaryChanged(
+        rows.size() == 1
+            ? QStringLiteral("Downloading selected ") + noun(target.mode, true)
+            : QStringLiteral("Downloading up to %1 %2 at once").arg(slotCount).arg(nouns));
+
+    const RunPlan plan{target.mode, target.eventFolder, rows.size(), m_timing};
+    m_runs.push_back(std::make_unique<DownloadRun>(m_parts, plan, rows, slotCount, m_background));
+    DownloadRun* run = m_runs.back().get();
+    connect(run, &DownloadRun::summaryChanged, this, &DownloadRuns::summaryChanged);
+    // Queued: the run that is finished must have returned before it can go.
+    connect(
+        run, &DownloadRun::finished, this, [this, run] { finishRun(run); }, Qt::QueuedConnection);
+    run->start();
+}
+
+/// False, with the reason in the log, when the run has no folder to write into.
+bool DownloadRuns::createEventFolder(const RunTarget& target) {
+    std::optional<QString> error;
+    if (holdsShellVariable(target.outputFolder)) {
+        // The downloader would write to where the variable's value leads.
+        error = QStringLiteral(
+                    "The downloader reads the \"$\" in %1 as the start of a variable's "
+                    "name. Choose another folder.")
+                    .arg(target.outputFolder);
+    } else {
+        error = createFolders(target.eventFolder);
+    }
+    if (error)
+        m_log.append(QStringLiteral("Could not create output folders: ") + *error + u'\n');
+    return !error;
+}
+
+void DownloadRuns::finishRun(const DownloadRun* run) {
+    const DownloadMode mode = run->mode();
+    std::erase_if(m_runs, [run](const auto& owned) { return owned.get() == run; });
+    setActiveDownloadRuns(std::max(m_activeDownloadRuns - 1, 0));
+    if (m_activeDownloadRuns == 0) {
+        Q_EMIT summaryChanged(QStringLiteral("Download run finished"));
+        return;
+    }
+    const qsizetype running = m_queue.countWithStatus(QueueStatus::running);
+    Q_EMIT summaryChanged(
+        QStringLiteral("Downloading %1 %2 at once").arg(running).arg(noun(mode, running == 1)));
+}
+
+void DownloadRuns::setActiveDownloadRuns(int count) {
+    m_activeDownloadRuns = count;
+    Q_EMIT activeDownloadRunsChanged();
+}
+
+void DownloadRuns::appendRunLog(const QString& text) {
+    m_mainQueue.post([this, text] { m_log.append(text); });
+}
+
+}  // namespace reelcrate

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "records/download_item.h"
+#include "records/download_mode.h"
+
+#include <QList>
+#include <QString>
+
+#include <optional>
+#include <variant>
+
+/// What the output of a download says: where the file is, and what to show on the row. Pure
+/// functions of pieces of output as they arrive, each holding one line, several, or a part of one.
+/// Any thread; text that says nothing known is no failure.
+namespace reelcrate {
+
+/// The path that the last telling line of the piece names, as it is printed.
+std::optional<QString> outputPath(const QString& piece);
+
+/// The row's text for the piece: the stage that its last line tells, or that line, shortened.
+QString downloadDetail(const QString& piece, DownloadMode mode);
+
+/// The tool's own percentage.
+struct RealProgress {
+    double progress = 0;  ///< of the whole row; never below what it had
+    QString detail;
+
+    friend bool operator==(const RealProgress&, const RealProgress&) = default;
+};
+
+/// A stage without a percentage: the row's progress crawls to the target.
+struct StageBegun {
+    QString detail;
+    double target = 0;
+    double durationSeconds = 0;
+
+    friend bool operator==(const StageBegun&, const StageBegun&) = default;
+};
+
+struct DetailOnly {
+    QString detail;
+
+    friend bool operator==(const DetailOnly&, const DetailOnly&) = default;
+};
+
+/// What a piece of output does to its row; the first alternative: nothing.
+using OutputEffect = std::variant<std::monostate, RealProgress, StageBegun, DetailOnly>;
+
+/// Of `row` the id, title, source and progress count. `piece` is trimmed and not empty.
+OutputEffect outputEffect(const DownloadItem& row, DownloadMode mode, const QString& piece);
+
+/// A path that a line of output names.
+struct NamedPath {
+    QString path;
+    bool isWritten = false;  ///< from now on, or it was there already
+
+    friend bool operator==(const NamedPath&, const NamedPath&) = default;
+};
+
+/// Finds the paths in a stream of pieces, also where a line is split between two. One thread at a
+/// time.
+class OutputPathReader {
+public:
+    /// Takes the next piece, with its line breaks. Returns the paths that its lines name, in their
+    /// order; a path in a line that is not complete yet may be a beginning of what it will be.
+    QList<NamedPath> read(const QString& piece);
+
+private:
+    QString m_unfinishedLine;
+};
+
+}  // namespace reelcrate

@@ -1,0 +1,164 @@
+#include "download/row_download.h"
+
+#include "base/background_tasks.h"
+#include "base/main_queue.h"
+#include "download/download_command.h"
+#include "download/finished_files.h"
+#include "download/output_parsing.h"
+#include "download/row_stages.h"
+#include "download/run_log.h"
+#include "download/silence_trim.h"
+#include "tools/process_supervisor.h"
+#include "tools/shell_runner.h"
+#include "tools/tool_discovery.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <utility>
+
+namespace reelcrate {
+
+namespace {
+
+/// Text that names the user's home folder is shown with "~" instead.
+QString withoutHome(QString text, const QString& home) {
+    if (!home.isEmpty() && home != QStringLiteral("/"))
+        text.replace(home, QStringLiteral("~"));
+    return text;
+}
+
+bool isInside(const QString& path, const QString& folder) {
+    return path.startsWith(QDir::cleanPath(folder) + u'/');
+}
+
+/// Where yt-dlp writes a file anew while it adds tags or a cover to it.
+QString rewrittenPath(const QString& path) {
+    const QFileInfo file(path);
+    return file.path() + u'/' + file.completeBaseName() + QStringLiteral(".temp.") + file.suffix();
+}
+
+}  // namespace
+
+QString downloadCommandFor(const DownloadItem& item, const QString& eventFolder, DownloadMode mode,
+                           const ToolDiscovery& discovery) {
+    return downloadCommand(
+        item, eventFolder, mode,
+        {discovery.toolPath(QStringLiteral("yt-dlp")), discovery.toolPath(QStringLiteral("ffmpeg")),
+         discovery.toolSearchPath()});
+}
+
+/// Follows the downloader's output of one row: logs it, shows it on the row, and remembers the file
+/// that it names. On the thread that runs the command.
+class RowDownload::Output {
+public:
+    Output(RowDownload& download, QStringList beforeFiles)
+        : m_download(download),
+          m_beforeFiles(std::move(beforeFiles)),
+          m_unfinished(download.m_parts.supervisor) {}
+
+    void read(const QString& piece) {
+        for (const auto& [path, isWritten] : m_paths.read(piece))
+            believe(QDir::cleanPath(path), isWritten);
+        m_download.post([&log = m_download.m_parts.log, piece] { log.append(piece); });
+        const QString trimmed = piece.trimmed();
+        if (trimmed.isEmpty())
+            return;
+        m_download.post([&stages = m_download.m_parts.stages, item = m_download.m_item,
+                         mode = m_download.m_plan.mode,
+                         trimmed] { stages.applyDownloadOutput(item, mode, trimmed); });
+    }
+
+    /// The row has ended by itself: what it left are files like any others.
+    void keepFiles() { m_unfinished.keep(); }
+
+    /// The file that the tool named or else, as far as can be told, the one that is new.
+    QString finishedPath() const {
+        return m_path.isEmpty() ? bestOutputPath(m_beforeFiles, m_download.m_plan.eventFolder)
+                                : m_path;
+    }
+
+private:
+    /// A title may hold any text, also one that looks like the line of a path.
+    void believe(const QString& path, bool isWritten) {
+        if (!isInside(path, m_download.m_plan.eventFolder))
+            return;
+        m_path = path;
+        // A conversion writes straight into the file's final name. If the program ends before the
+        // row does, what stands there would pass for a finished song from then on.
+        if (isWritten && !std::binary_search(m_beforeFiles.begin(), m_beforeFiles.end(), path)) {
+            m_unfinished.announce(path);
+            m_unfinished.announce(rewrittenPath(path));
+        }
+    }
+
+    RowDownload& m_download;
+    const QStringList m_beforeFiles;
+    UnfinishedFiles m_unfinished;
+    OutputPathReader m_paths;
+    QString m_path;
+};
+
+RowDownload::RowDownload(DownloadParts parts, RunPlan plan, DownloadItem item, qsizetype position)
+    : m_parts(parts), m_plan(std::move(plan)), m_item(std::move(item)), m_position(position) {}
+
+void RowDownload::run(const std::stop_token& stop) {
+    post([&stages = m_parts.stages, id = m_item.id, mode = m_plan.mode] {
+        stages.prepareAgain(id, mode);
+    });
+    Output output(*this, regularFiles(m_plan.eventFolder));
+    const QString command =
+        downloadCommandFor(m_item, m_plan.eventFolder, m_plan.mode, m_parts.discovery);
+    logCommand(command);
+    const CommandResult result = m_parts.shell.runShellStreaming(
+        command, [&output](const QString& piece) { output.read(piece); });
+    if (stop.stop_requested())
+        return;
+    if (result.status == 0) {
+        finish(output, stop);
+    } else {
+        output.keepFiles();
+        post([&stages = m_parts.stages, item = m_item, printed = result.output] {
+            stages.fail(item, printed);
+        });
+    }
+}
+
+void RowDownload::finish(Output& output, const std::stop_token& stop) {
+    const bool isSong = m_plan.mode == DownloadMode::audio;
+    if (isSong) {
+        enterStage(QStringLiteral("Examining Song to Trim"), 0.9, 2);
+        if (!pauseFor(stop, m_plan.timing.examining))
+            return;
+        enterStage(QStringLiteral("Trimming Song"), 0.96, 5);
+    }
+    const SilenceTrimResult trimmed =
+        m_parts.trimmer.trimEdgeSilenceIfNeeded(output.finishedPath(), m_plan.mode);
+    if (stop.stop_requested())
+        return;
+    output.keepFiles();
+    enterStage(isSong ? QStringLiteral("Saving MP3") : QStringLiteral("Saving MP4"), 0.99, 1);
+    if (!pauseFor(stop, isSong ? m_plan.timing.savingAudio : m_plan.timing.savingVideo))
+        return;
+    post([&stages = m_parts.stages, id = m_item.id, trimmed] { stages.complete(id, trimmed); });
+}
+
+void RowDownload::logCommand(const QString& command) {
+    const QString line =
+        QStringLiteral("Running %1/%2: ").arg(m_position + 1).arg(m_plan.rowCount) +
+        withoutHome(command, m_parts.discovery.places().home) + u'\n';
+    post([&log = m_parts.log, line] { log.append(line); });
+}
+
+void RowDownload::enterStage(const QString& detail, double target, double duration) {
+    post([&stages = m_parts.stages, id = m_item.id, detail, target, duration] {
+        stages.enterStage(id, detail, target, duration);
+    });
+}
+
+void RowDownload::post(std::function<void()> block) {
+    m_parts.mainQueue.post(std::move(block));
+}
+
+}  // namespace reelcrate

@@ -1,0 +1,134 @@
+#include "download/row_stages.h"
+
+#include "download/output_parsing.h"
+#include "download/progress_crawls.h"
+#include "download/progress_seed.h"
+#include "queue/queue_store.h"
+
+#include <algorithm>
+#include <variant>
+
+namespace reelcrate {
+
+namespace {
+
+double startProgress(const DownloadItem& row) {
+    constexpr int startSalt = 7;
+    return progressSeed(row, startSalt) * 0.04 + 0.02;
+}
+
+QString preparingText(DownloadMode mode) {
+    return byMode(mode, QStringLiteral("Preparing Song for Download"),
+                  QStringLiteral("Preparing Video for Download"));
+}
+
+QString failureText(const DownloadItem& item, const QString& output) {
+    if (item.source == SourceType::spotify)
+        return QStringLiteral(
+            "Could not find a matching YouTube result for this Spotify reference.");
+    const QString lowered = output.toLower();
+    if (lowered.contains(u"private") || lowered.contains(u"login"))
+        return QStringLiteral("This link may require a browser login or may not be public.");
+    return QStringLiteral("Download failed. Check the link or try again.");
+}
+
+template <typename... Cases>
+struct Overloaded : Cases... {
+    using Cases::operator()...;
+};
+template <typename... Cases>
+Overloaded(Cases...) -> Overloaded<Cases...>;
+
+}  // namespace
+
+RowStages::RowStages(QueueStore& queue, ProgressCrawls& crawls)
+    : m_queue(queue), m_crawls(crawls) {}
+
+void RowStages::waitForSlot(const QUuid& id) {
+    m_queue.update(id, [](DownloadItem& row) {
+        row.status = QueueStatus::queued;
+        row.detail = QStringLiteral("Waiting for open download slot");
+        row.progress = 0;
+        row.hasRealProgress = false;
+    });
+}
+
+void RowStages::prepare(const QUuid& id, DownloadMode mode) {
+    prepareFrom(id, mode, 0);
+}
+
+void RowStages::prepareAgain(const QUuid& id, DownloadMode mode) {
+    if (const DownloadItem* row = m_queue.find(id))
+        prepareFrom(id, mode, row->progress);
+}
+
+void RowStages::prepareFrom(const QUuid& id, DownloadMode mode, double lowestProgress) {
+    const DownloadItem* found = m_queue.find(id);
+    if (found == nullptr)
+        return;
+    const auto [target, duration] = preparationProgressProfile(*found);
+    m_queue.update(id, [&](DownloadItem& row) {
+        row.status = QueueStatus::running;
+        row.detail = preparingText(mode);
+        row.progress = std::max(startProgress(row), lowestProgress);
+        row.hasRealProgress = false;
+    });
+    m_crawls.crawlQueueProgress(id, target, duration);
+}
+
+void RowStages::enterStage(const QUuid& id, const QString& detail, double target, double duration) {
+    const bool there = m_queue.update(id, [&](DownloadItem& row) {
+        row.detail = detail;
+        row.hasRealProgress = false;
+    });
+    if (there)
+        m_crawls.crawlQueueProgress(id, target, duration);
+}
+
+void RowStages::applyDownloadOutput(const DownloadItem& item, DownloadMode mode,
+                                    const QString& piece) {
+    const DownloadItem* row = m_queue.find(item.id);
+    if (row == nullptr)
+        return;
+    std::visit(Overloaded{
+                   [](std::monostate) {},
+                   [&](const RealProgress& real) {
+                       m_queue.update(item.id, [&](DownloadItem& changed) {
+                           changed.progress = real.progress;
+                           changed.hasRealProgress = true;
+                           changed.detail = real.detail;
+                       });
+                   },
+                   [&](const StageBegun& stage) {
+                       enterStage(item.id, stage.detail, stage.target, stage.durationSeconds);
+                   },
+                   [&](const DetailOnly& text) {
+                       m_queue.update(item.id,
+                                      [&](DownloadItem& changed) { changed.detail = text.detail; });
+                   },
+               },
+               outputEffect(*row, mode, piece));
+}
+
+void RowStages::complete(const QUuid& id, const SilenceTrimResult& result) {
+    m_crawls.cancel(id);
+    m_queue.update(id, [&](DownloadItem& row) {
+        row.status = QueueStatus::complete;
+        row.progress = 1.0;
+        row.hasRealProgress = false;
+        row.detail = result.detail;
+        row.outputPath = result.outputPath;
+    });
+}
+
+void RowStages::fail(const DownloadItem& item, const QString& output) {
+    m_crawls.cancel(item.id);
+    m_queue.update(item.id, [&](DownloadItem& row) {
+        row.status = QueueStatus::failed;
+        row.progress = 0;
+        row.hasRealProgress = false;
+        row.detail = failureText(item, output);
+    });
+}
+
+}  // namespace reelcrate

@@ -1,0 +1,97 @@
+#include "download/download_command.h"
+
+#include "support/argument_printer.h"
+#include "support/rows.h"
+#include "support/texts.h"
+
+#include <QRegularExpression>
+
+namespace reelcrate {
+namespace {
+
+const QString folder = QStringLiteral("/music/Event");
+
+class DownloadCommand : public testing::Test {
+protected:
+    /// What the tool is called with, quotes around arguments with a blank in them.
+    QString arguments(DownloadMode mode) {
+        QStringList words = tool.run(downloadCommand(video, folder, mode, tools)).arguments;
+        words.replaceInStrings(QRegularExpression(text("^(.* .*)$")), text("'\\1'"));
+        return words.join(u' ');
+    }
+
+    /// The output path and the target.
+    QStringList lastTwo(const DownloadItem& row, const QString& eventFolder = folder) {
+        const QString line = downloadCommand(row, eventFolder, DownloadMode::audio, tools);
+        return tool.run(line).arguments.mid(21);
+    }
+
+    ArgumentPrinter tool{QStringLiteral("yt-dlp")};
+    const DownloadTools tools{tool.path(), QStringLiteral("/opt/my tools/ffmpeg"),
+                              QStringLiteral("/opt")};
+    const DownloadItem video =
+        makeRow(SourceType::youtube, text("Unused"), text("https://youtu.be/x?a=1&b"));
+    const DownloadItem song = makeRow(SourceType::spotify, text("AC/DC: Back in Black?"));
+};
+
+TEST_F(DownloadCommand, AsksForAnMP3OrAnMP4) {
+    const QString progress = text(
+        "--no-update --newline --no-colors --progress --progress-delta 0.2 "
+        "--progress-template download:RCR_PROGRESS:%(progress._percent_str)s --ignore-errors");
+    EXPECT_EQ(arguments(DownloadMode::audio),
+              progress + text(" --concurrent-fragments 8 -x --audio-format mp3 --audio-quality 0 "
+                              "--embed-thumbnail --add-metadata --ffmpeg-location '/opt/my tools' "
+                              "-o '/music/Event/%(title).180B [%(id)s].%(ext)s' "
+                              "https://youtu.be/x?a=1&b"));
+    EXPECT_EQ(arguments(DownloadMode::video),
+              progress + text(" --concurrent-fragments 12 --embed-metadata --ffmpeg-location "
+                              "'/opt/my tools' -f b[ext=mp4][height<=1080]/"
+                              "bv*[ext=mp4][height<=1080]+ba[ext=m4a]/b[ext=mp4]/"
+                              "bv*[ext=mp4]+ba[ext=m4a]/bv*+ba/b --merge-output-format mp4 "
+                              "-o '/music/Event/%(title).180B [%(id)s].%(ext)s' "
+                              "https://youtu.be/x?a=1&b"));
+}
+
+TEST_F(DownloadCommand, SearchesForASpotifySong) {
+    EXPECT_EQ(lastTwo(song),
+              QStringList({text("/music/Event/AC-DC- Back in Black- [%(id)s].%(ext)s"),
+                           text("ytsearch1:AC/DC: Back in Black? official audio")}));
+}
+
+TEST_F(DownloadCommand, FindsItsToolOnTheSearchPathAndLeavesTheConverterOut) {
+    for (const DownloadMode mode : allDownloadModes) {
+        const QString line =
+            downloadCommand(video, folder, mode, {std::nullopt, std::nullopt, tool.folder()});
+        EXPECT_FALSE(line.contains(u"  ") || line.contains(u"--ffmpeg-location"));
+        const Invocation call = tool.run(line);
+        EXPECT_EQ(call.searchPath, tool.folder() + u':' + qEnvironmentVariable("PATH"));
+        EXPECT_EQ(call.arguments.value(call.arguments.size() - 1), video.url);
+    }
+}
+
+TEST_F(DownloadCommand, DoublesPercentSignsOfTheFolder) {
+    EXPECT_EQ(lastTwo(video, text("/100% it's %(id)s")).value(0),
+              text("/100%% it's %%(id)s/%(title).180B [%(id)s].%(ext)s"));
+    EXPECT_EQ(lastTwo(video, text("/")).value(0), text("/%(title).180B [%(id)s].%(ext)s"));
+}
+
+TEST_F(DownloadCommand, HandsHostileLinksAndTitlesOverUnchanged) {
+    for (const QString& hostile : hostileTexts + QStringList(QString(300, QChar(0x4E2D)))) {
+        SCOPED_TRACE(hostile.toStdString());
+        EXPECT_EQ(lastTwo(makeRow(SourceType::link, hostile, hostile)),
+                  QStringList({text("/music/Event/%(title).180B [%(id)s].%(ext)s"), hostile}));
+        EXPECT_EQ(tool.leftBehind, QStringList());
+
+        const QStringList call = lastTwo(makeRow(SourceType::spotify, hostile));
+        ASSERT_EQ(call.size(), 2);
+        EXPECT_EQ(call.last(), text("ytsearch1:") + hostile + text(" official audio"));
+        EXPECT_EQ(tool.leftBehind, QStringList());
+        const QRegularExpression form(text(R"(^/music/Event/([^/%\n]+) \[%\(id\)s\]\.%\(ext\)s$)"));
+        const QString stem = form.match(call.first()).captured(1);
+        EXPECT_FALSE(stem.isEmpty() || stem.contains(u"$H") || stem.contains(u"${"));
+        EXPECT_LE(stem.toUtf8().size(), 180);
+    }
+}
+
+}  // namespace
+}  // namespace reelcrate

@@ -1,0 +1,255 @@
+#include "download/finished_files.h"
+
+#include "base/text.h"
+#include "download/file_names.h"
+#include "download/finished_file_index.h"
+#include "support/texts.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <chrono>
+#include <random>
+
+namespace reelcrate {
+namespace {
+
+namespace fs = std::filesystem;
+
+QString text(const char* utf8) {
+    return QString::fromUtf8(utf8);
+}
+
+PlaylistEntry titled(const QString& title) {
+    return {text("u"), SourceType::spotify, title, {}, {}};
+}
+
+PlaylistEntry video(const char* url, const char* title = "") {
+    return {text(url), SourceType::youtube, text(title), {}, {}};
+}
+
+class FinishedFiles : public testing::Test {
+protected:
+    /// Makes a file, as many nanoseconds older than the first one as `age` says.
+    QString add(const QString& name, int age = 0) {
+        QString path = m_folder.filePath(name);
+        QDir().mkpath(path.left(path.lastIndexOf(u'/')));
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
+        file.close();
+        fs::last_write_time(path.toStdString(), m_newest - std::chrono::nanoseconds(age));
+        return path;
+    }
+
+    QString find(const PlaylistEntry& entry, DownloadMode mode = DownloadMode::audio) const {
+        return FinishedFileIndex(folder(), mode).existingDownloadedFile(entry).value_or(QString());
+    }
+
+    QString folder() const { return m_folder.path(); }
+
+    QTemporaryDir m_folder;
+    const fs::file_time_type m_newest = fs::file_time_type::clock::now();
+};
+
+TEST_F(FinishedFiles, AreListedByPathWithoutUnfinishedOnesAndLinks) {
+    const QStringList expected{
+        add(text(".hidden/x.mp3")), add(text(".part")), add(text("B.mp3")),
+        add(text("a.part.mp4")),    add(text("b")),     add(text("c/d/e.PARTS")),
+        add(text("\U0001F3B5.mp3"))};
+    add(text("x.mp4.part"));
+    add(text("x.PART"));
+    add(text("c/x.ytdl"));
+    const QTemporaryDir elsewhere;
+    QFile(elsewhere.filePath(text("far.mp3"))).open(QIODevice::WriteOnly);
+    QFile::link(elsewhere.path(), m_folder.filePath(text("link")));
+    QFile::link(expected.at(2), m_folder.filePath(text("link.mp3")));
+    EXPECT_EQ(regularFiles(folder()), expected);
+    EXPECT_EQ(regularFiles(folder() + text("/none")), QStringList());
+    EXPECT_EQ(regularFiles(expected.first()), QStringList());
+}
+
+TEST_F(FinishedFiles, NameAndExtensionAreToldByTheLastDot) {
+    expectTexts(
+        nameWithoutExtension,
+        {{"/x.y/a.b.mp3", "a.b"}, {"/x/.mp3", ".mp3"}, {"/x.y/a", "a"}, {"/x/.a.mp3", ".a"}});
+    for (const char* path : {"/x/a.MP3", "/x/a.b.flac", "/x/.a.m4a"})
+        EXPECT_TRUE(hasFinishedExtension(text(path), DownloadMode::audio)) << path;
+    for (const char* path : {"/x/.mp3", "/x.mp3/a", "/x/a.mp4", "/x/mp3"})
+        EXPECT_FALSE(hasFinishedExtension(text(path), DownloadMode::audio)) << path;
+    EXPECT_TRUE(hasFinishedExtension(text("/x/a.webm"), DownloadMode::video));
+    EXPECT_FALSE(hasFinishedExtension(text("/x/a.m4a"), DownloadMode::video));
+}
+
+TEST_F(FinishedFiles, DatesAreFineAndUnreadableOnesOld) {
+    EXPECT_GT(modificationDate(add(text("new"))), modificationDate(add(text("old"), 1)));
+    EXPECT_EQ(modificationDate(folder() + text("/none")), fs::file_time_type::min());
+}
+
+TEST_F(FinishedFiles, BestOutputPathIsTheNewestNewFile) {
+    add(text("before.mp3"), 1);
+    const QStringList before = regularFiles(folder());
+    EXPECT_EQ(bestOutputPath(before, folder()), folder());
+    add(text("c.mp3"), 9);
+    add(text("newer.mp3.part"), 1);
+    EXPECT_EQ(bestOutputPath(before, folder()), m_folder.filePath(text("c.mp3")));
+    add(text("b.mp3"), 7);
+    add(text("a.mp3"), 8);
+    add(text("d.mp3"), 7);
+    EXPECT_EQ(bestOutputPath(before, folder()), m_folder.filePath(text("b.mp3")));
+    EXPECT_EQ(bestOutputPath({}, folder()), m_folder.filePath(text("before.mp3")));
+}
+
+TEST(NormalizedDownloadKey, KeepsLettersAndDigitsOutsideBrackets) {
+    expectTexts(normalizedDownloadKey,
+                {{"Caf\u00E9 Del Mar (Remix)", "cafedelmarremix"},
+                 {"Cafe\u0301 Del Mar Remix [xyz]", "cafedelmarremix"},
+                 {"a[b[c]d]e", "ade"},
+                 {"a[]b]c[d", "abcd"},
+                 {"a[][b]c", "ac"},
+                 {"[[[", ""},
+                 {"\u03A3\u0391\u03A3 \u03C3\u03B1\u03C2", "\u03C3\u03B1\u03C3\u03C3\u03B1\u03C3"},
+                 {"\u0130stanbul \u0141\u00F3d\u017A", "istanbul\u0142odz"},
+                 {"\u4E2D\u6587 \u304C", "\u4E2D\u6587\u304B"},
+                 {"\u2160\u00BD 7_8-9", "\u2170\u00BD789"},
+                 {"\U0001F3B5 \U0001D400x\U000101FD", "\U0001D400x"}});
+    EXPECT_EQ(normalizedDownloadKey(QString(200'000, u'[')), QString());
+}
+
+TEST(ExistingDownloadID, IsOnlyKnownForTheVideoSite) {
+    EXPECT_EQ(existingDownloadID(video("https://youtu.be/%20abc%20")), text("abc"));
+    EXPECT_FALSE(existingDownloadID(video("https://www.youtube.com/watch?v=%20")));
+    EXPECT_FALSE(existingDownloadID(video("https://youtu.be")));
+    EXPECT_FALSE(existingDownloadID(video("https://a.example/httpish")));
+    PlaylistEntry other = video("https://youtu.be/abc");
+    other.source = SourceType::link;
+    EXPECT_FALSE(existingDownloadID(other));
+}
+
+TEST_F(FinishedFiles, AreRecognisedByIdentifier) {
+    const QString newer = add(text("Other [AbC] [x].mp3"), 1);
+    add(text("Other [abc].mp3"), 2);
+    const QString bracket = add(text("Odd [a[b]].mp3"), 3);
+    EXPECT_EQ(find(video("https://youtu.be/aBc", "Unlike any")), newer);
+    EXPECT_EQ(find(video("https://youtu.be/ab", "Unlike any")), QString());
+    EXPECT_EQ(find(video("https://youtu.be/abc"), DownloadMode::video), QString());
+    EXPECT_EQ(find(video("https://a.example/x?v=a[b]", "Unlike any")), bracket);
+    EXPECT_EQ(find(video("https://a.example/x?v=b", "Unlike any")), bracket);
+}
+
+TEST_F(FinishedFiles, AreRecognisedByTitle) {
+    const QString cafe = add(text("Cafe Del Mar Remix [xyz].mp3"), 5);
+    const QString hidden = add(text("sub/.Hello World.flac"), 6);
+    const QString prefix = add(text("Long Way.mp3"), 7);
+    add(text("Short.mp3"), 8);
+    add(text("Hey.mp3"), 9);
+    const std::pair<const char*, QString> cases[] = {
+        {"Caf\u00E9 Del Mar (Remix)", cafe},
+        {"DEL MAR", cafe},
+        {"hello: world!", hidden},
+        {"Artist - Long Way", prefix},  // 13 characters around the file's 7
+        {"A Long Way 1", QString()},    // 10 are too few to hold another key
+        {"Hey!", QString()},
+        {"Short", QString()},
+        {"Short Story", QString()},
+        {"", QString()},
+    };
+    for (const auto& [title, path] : cases) {
+        SCOPED_TRACE(title);
+        EXPECT_EQ(find(titled(text(title))), path);
+    }
+    const QString newest = add(text("The Del Mar.mp3"), 4);
+    EXPECT_EQ(find(titled(text("Del Mar"))), newest);
+    EXPECT_EQ(find(video("https://youtu.be/XYZ", "Del Mar")), cafe);
+    EXPECT_EQ(FinishedFileIndex(folder() + text("/none"), DownloadMode::audio)
+                  .existingDownloadedFile(titled(text("Del Mar"))),
+              std::nullopt);
+}
+
+TEST_F(FinishedFiles, LongTitlesMatchTheNamesTheyWereCutTo) {
+    const QString title(300, QChar(0x4E2D));
+    const QString path = add(spotifyFileStem(title) + text(" [xyz].mp3"));
+    EXPECT_EQ(find(titled(title)), path);
+    EXPECT_EQ(find(titled(text(" "))), QString());
+    const QString match = add(text("Spotify Match [xyz].mp3"));
+    EXPECT_EQ(find(titled(text(" "))), match);
+}
+
+struct KnownFile {
+    QString path;
+    QString name;
+    QString key;
+};
+
+QList<KnownFile> finishedNewestFirst(const QString& folder) {
+    QStringList paths = regularFiles(folder);
+    paths.removeIf(
+        [](const QString& path) { return !hasFinishedExtension(path, DownloadMode::audio); });
+    std::stable_sort(paths.begin(), paths.end(), [](const QString& a, const QString& b) {
+        return modificationDate(a) > modificationDate(b);
+    });
+    QList<KnownFile> files;
+    for (const QString& path : std::as_const(paths)) {
+        const QString name = nameWithoutExtension(path);
+        files.append({path, name.toLower(), normalizedDownloadKey(name)});
+    }
+    return files;
+}
+
+/// The rule itself, by a look at each file.
+QString findOneByOne(const PlaylistEntry& entry, const QList<KnownFile>& newestFirst) {
+    if (const auto id = existingDownloadID(entry)) {
+        for (const KnownFile& file : newestFirst) {
+            if (file.name.contains(u'[' + id->toLower() + u']'))
+                return file.path;
+        }
+    }
+    const QStringList keys{normalizedDownloadKey(entry.title),
+                           normalizedDownloadKey(safeOutputStem(entry.title))};
+    for (const KnownFile& file : newestFirst) {
+        for (const QString& key : keys) {
+            const bool matches =
+                file.key.contains(key) || (characterCount(key) >= 12 && key.contains(file.key));
+            if (matches && characterCount(key) >= 6 && characterCount(file.key) >= 6)
+                return file.path;
+        }
+    }
+    return {};
+}
+
+TEST_F(FinishedFiles, IndexAnswersAsALookAtEachFileDoes) {
+    std::mt19937 random(2026);
+    const auto pick = [&](int below) { return static_cast<int>(random() % below); };
+    const auto word = [&](int shortest, int longest) {
+        const QStringList letters{text("a"), text("B"),          text("b"), text("\u00E9 "),
+                                  text("e"), text("\U0001D400"), text("["), text("]")};
+        QString made;
+        for (int i = shortest + pick(longest - shortest + 1); i > 0; --i)
+            made += letters.at(pick(40) == 0 ? 5 + pick(3) : pick(5));
+        return made;
+    };
+    for (int i = 0; i < 700; ++i) {
+        const QString id = pick(3) == 0 ? text(" [") + word(1, 4) + u']' : QString();
+        add(word(3, 14) + id + (pick(9) == 0 ? text(".mp4") : text(".mp3")), pick(60));
+    }
+    const QList<KnownFile> newestFirst = finishedNewestFirst(folder());
+    const FinishedFileIndex index(folder(), DownloadMode::audio);
+    int found = 0;
+    for (int i = 0; i < 1500; ++i) {
+        PlaylistEntry entry = titled(word(4, 24));
+        if (pick(2) == 0) {
+            entry.source = SourceType::youtube;
+            entry.url = text("https://a.example/?v=") + word(1, 4);
+        }
+        SCOPED_TRACE((entry.title + u' ' + entry.url).toStdString());
+        const QString expected = findOneByOne(entry, newestFirst);
+        ASSERT_EQ(index.existingDownloadedFile(entry).value_or(QString()), expected);
+        found += expected.isEmpty() ? 0 : 1;
+    }
+    EXPECT_GT(found, 300);
+    EXPECT_LT(found, 1400);
+}
+
+}  // namespace
+}  // namespace reelcrate
