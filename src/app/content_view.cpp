@@ -1,0 +1,345 @@
+#include "app/content_view.h"
+
+#include "base/text.h"
+#include "download/finished_file_index.h"
+#include "queue/link_intake.h"
+
+#include <QDate>
+#include <QDir>
+#include <QStandardPaths>
+
+#include <memory>
+#include <utility>
+
+namespace reelcrate {
+
+const QString ContentView::appVersion = QStringLiteral("4.8");
+
+ContentViewSetup ContentViewSetup::ofThisMachine() {
+    ContentViewSetup setup;
+    setup.toolPlaces = ToolPlaces::ofThisMachine();
+    setup.desktopFolder = QStandardPaths::writableLocation(QStandardPaths::DesktopLocation);
+    const QString mirror = qEnvironmentVariable("REELCRATE_TOOL_MIRROR");
+    if (!mirror.isEmpty())
+        setup.installerSources = setup.installerSources.fromMirror(mirror);
+    return setup;
+}
+
+ContentView::ContentView(ProcessSupervisor& supervisor, ContentViewSetup setup)
+    : m_setup(std::move(setup)),
+      m_shell(supervisor),
+      m_discovery(m_shell, m_setup.toolPlaces),
+      m_readiness(m_shell, m_discovery, m_background, m_mainQueue),
+      m_installer(m_shell, m_discovery, m_readiness, m_background, m_mainQueue,
+                  m_setup.installerSources),
+      m_probe(m_shell, m_discovery),
+      m_spotify(m_shell, m_discovery),
+      m_resolution(
+          m_queue, m_probe, m_spotify, [this] { return lookAtDownloads(); }, m_background,
+          m_mainQueue, m_setup.resolutionTiming),
+      m_downloads(m_queue, m_shell, m_discovery, supervisor, m_background, m_mainQueue,
+                  m_setup.downloadTiming),
+      m_editor(
+          m_queue, [this] { return activeDownloadRuns() > 0; }, m_setup.textEditing),
+      m_update(appVersion, appBuild, m_setup.updateScan) {
+    connect(&m_readiness, &ToolReadiness::toolsChanged, this, &ContentView::toolsChanged);
+    connect(&m_installer, &ToolInstaller::isInstallingToolsChanged, this,
+            &ContentView::toolsChanged);
+    connect(&m_readiness, &ToolReadiness::toolLogCleared, this, &ContentView::toolLogCleared);
+    connect(&m_readiness, &ToolReadiness::toolLogAppended, this, &ContentView::toolLogAppended);
+    connect(&m_readiness, &ToolReadiness::summaryChanged, this, &ContentView::setActiveSummary);
+    connect(&m_resolution, &ResolutionDriver::summaryChanged, this, &ContentView::setActiveSummary);
+    connect(&m_downloads, &DownloadRuns::summaryChanged, this, &ContentView::setActiveSummary);
+    connect(&m_update, &UpdateScan::summaryChanged, this, &ContentView::setActiveSummary);
+    connect(&m_update, &UpdateScan::updateChanged, this, &ContentView::updateChanged);
+    connect(&m_update, &UpdateScan::finished, this, &ContentView::updateScanFinished);
+    connect(&m_editor, &QueueEditor::summaryChanged, this, &ContentView::setActiveSummary);
+    connect(&m_editor, &QueueEditor::selectionChanged, this, &ContentView::selectionChanged);
+    connect(&m_downloads, &DownloadRuns::activeDownloadRunsChanged, this,
+            &ContentView::activeDownloadRunsChanged);
+    connect(&m_downloads, &DownloadRuns::runLogCleared, this, &ContentView::runLogCleared);
+    connect(&m_downloads, &DownloadRuns::runLogAppended, this, &ContentView::runLogAppended);
+}
+
+ContentView::~ContentView() {
+    shutDown();
+}
+
+void ContentView::shutDown() {
+    // The stop request first: a task whose child is killed must know that this is no failure.
+    m_background.requestStop();
+    m_shell.endEverything();
+    m_background.join();
+    m_mainQueue.close();
+}
+
+void ContentView::setEventName(const QString& name) {
+    m_eventName = name;
+    Q_EMIT eventNameChanged();
+}
+
+void ContentView::setPastedLinks(const QString& text) {
+    m_pastedLinks = text;
+    Q_EMIT pastedLinksChanged();
+}
+
+void ContentView::setDownloadMode(DownloadMode mode) {
+    m_downloadMode = mode;
+    Q_EMIT downloadModeChanged();
+}
+
+void ContentView::setOutputFolder(const QString& folder) {
+    m_outputFolder = folder;
+    Q_EMIT outputFolderChanged();
+}
+
+void ContentView::setActiveSummary(const QString& text) {
+    m_activeSummary = text;
+    Q_EMIT activeSummaryChanged();
+}
+
+qsizetype ContentView::activeQueueDownloadCount() const {
+    return m_queue.countWithStatus(QueueStatus::running);
+}
+
+qsizetype ContentView::selectedVisibleQueueItemCount() const {
+    return m_editor.selection().visible(m_queue).size();
+}
+
+QString ContentView::defaultEventName() {
+    return QDate::currentDate().toString(QStringLiteral("M-d-yy")) + QStringLiteral(" Playlist");
+}
+
+QString ContentView::defaultOutputFolder() const {
+    const QString desktop = m_setup.desktopFolder.isEmpty()
+                                ? m_setup.toolPlaces.home + QStringLiteral("/Desktop")
+                                : m_setup.desktopFolder;
+    return QDir(desktop).filePath(QStringLiteral("Reelcrate Downloads"));
+}
+
+QString ContentView::eventFolder() const {
+    return eventFolderPath(m_outputFolder, m_eventName, defaultEventName());
+}
+
+// Link intake
+
+void ContentView::addSongsFromFieldOrClipboard() {
+    QString text = m_pastedLinks.trimmed();
+    if (text.isEmpty() && m_setup.clipboardText)
+        text = m_setup.clipboardText();
+    const QStringList links = extractLinks(text);
+    if (links.isEmpty()) {
+        setActiveSummary(QStringLiteral("Copy a share link, then click Add Songs"));
+        return;
+    }
+    setPastedLinks(QString());
+    resolveInfo(addLinksToQueue(links));
+}
+
+QList<DownloadItem> ContentView::addLinksToQueue(const QStringList& links) {
+    if (links.isEmpty())
+        return {};
+    QList<DownloadItem> rows = newRowsForLinks(links, m_queue);
+    if (rows.isEmpty()) {
+        setActiveSummary(QStringLiteral("No new links added"));
+        return {};
+    }
+    m_queue.append(rows);
+    setActiveSummary(QStringLiteral("Reading %1 link").arg(rows.size()) +
+                     pluralSuffix(rows.size()));
+    return rows;
+}
+
+// Selection and deletion
+
+void ContentView::updateQueueSelection(const QUuid& id, KeyModifiers modifiers) {
+    m_editor.updateQueueSelection(id, modifiers);
+}
+
+bool ContentView::moveQueueSelection(int direction, bool extending) {
+    return m_editor.moveQueueSelection(direction, extending);
+}
+
+bool ContentView::selectAllQueueItemsFromUserAction() {
+    return m_editor.selectAllQueueItemsFromUserAction();
+}
+
+bool ContentView::clearQueueSelectionFromUserAction() {
+    return m_editor.clearQueueSelectionFromUserAction();
+}
+
+bool ContentView::deleteQueueItems(const QSet<QUuid>& ids) {
+    return m_editor.deleteQueueItems(ids);
+}
+
+bool ContentView::deleteSelectedQueueItemsFromUserAction() {
+    return m_editor.deleteSelectedQueueItemsFromUserAction();
+}
+
+void ContentView::clearQueue() {
+    m_editor.clearQueue();
+    m_downloads.clearRunLog();
+}
+
+void ContentView::clickQueueArea() {
+    m_editor.clickQueueArea();
+}
+
+bool ContentView::handleKeyDown(const KeyEvent& event) {
+    return m_editor.handleKeyDown(event);
+}
+
+// Commands and tools
+
+CommandResult ContentView::runShellSync(const QString& command, std::optional<double> timeout) {
+    return m_shell.runShellSync(command, timeout);
+}
+
+CommandResult ContentView::runShellStreaming(const QString& command,
+                                             const ShellRunner::OutputHandler& onOutput) {
+    return m_shell.runShellStreaming(command, onOutput);
+}
+
+void ContentView::checkTools() {
+    m_readiness.checkTools();
+}
+
+std::optional<ResolvedTool> ContentView::resolvedTool(const QString& command) const {
+    return m_discovery.resolvedTool(command);
+}
+
+QStringList ContentView::toolCandidates(const QString& command) const {
+    return m_discovery.toolCandidates(command);
+}
+
+QString ContentView::candidateDetail(const QString& path) const {
+    return m_discovery.candidateDetail(path);
+}
+
+std::optional<QString> ContentView::systemToolPath(const QString& command) const {
+    return m_discovery.systemToolPath(command);
+}
+
+QString ContentView::toolSearchPath() const {
+    return m_discovery.toolSearchPath();
+}
+
+QString ContentView::appSupportBinDirectory() const {
+    return m_discovery.appSupportBinDirectory();
+}
+
+QList<ToolState> ContentView::missingRequiredTools() const {
+    return m_readiness.missingRequiredTools();
+}
+
+QList<ToolState> ContentView::missingInstallableTools() const {
+    return m_readiness.missingInstallableTools();
+}
+
+bool ContentView::coreToolsReady() const {
+    return m_readiness.coreToolsReady();
+}
+
+QString ContentView::setupDetailText() const {
+    return m_readiness.setupDetailText();
+}
+
+void ContentView::installMissingTools() {
+    m_installer.installMissingTools();
+}
+
+void ContentView::performSetup() {
+    m_installer.performSetup();
+}
+
+CommandResult ContentView::installOptionalSpotifyTool(
+    const ShellRunner::OutputHandler& onOutput) const {
+    return m_installer.installOptionalSpotifyTool(onOutput);
+}
+
+// Reading links
+
+std::optional<MediaInfo> ContentView::fetchMediaInfo(const QString& link) const {
+    return m_probe.fetchMediaInfo(link);
+}
+
+QList<PlaylistEntry> ContentView::fetchYouTubePlaylistEntries(const QString& link) const {
+    return m_probe.fetchYouTubePlaylistEntries(link);
+}
+
+QueueResolution ContentView::resolveSpotifyEntries(const QString& link) const {
+    return m_spotify.resolveSpotifyEntries(link);
+}
+
+void ContentView::resolveInfo(const QList<DownloadItem>& items) {
+    m_resolution.resolveInfo(items);
+}
+
+QueueResolution ContentView::resolveQueueEntryWithRetries(const DownloadItem& item,
+                                                          const std::stop_token& stop) const {
+    return m_resolution.resolveQueueEntryWithRetries(item, stop);
+}
+
+void ContentView::applyResolution(const QueueResolution& resolution, const DownloadItem& item,
+                                  qsizetype index) {
+    m_resolution.applyResolution(resolution, item, index);
+}
+
+bool ContentView::shouldRetryInfoForFailedItem(const DownloadItem& item) {
+    return ResolutionDriver::shouldRetryInfoForFailedItem(item);
+}
+
+void ContentView::retryResolveInfo(const DownloadItem& item) {
+    m_resolution.retryResolveInfo(item);
+}
+
+// Downloading
+
+RunTarget ContentView::runTarget() const {
+    return {m_downloadMode, m_outputFolder, eventFolder()};
+}
+
+void ContentView::startDownloads() {
+    m_downloads.startDownloads(runTarget());
+}
+
+void ContentView::startDownloadRun(const QList<QUuid>& itemIDs) {
+    m_downloads.startDownloadRun(itemIDs, runTarget());
+}
+
+QString ContentView::commandFor(const DownloadItem& item, const QString& eventFolder,
+                                DownloadMode mode) const {
+    return downloadCommandFor(item, eventFolder, mode, m_discovery);
+}
+
+void ContentView::appendRunLog(const QString& text) {
+    m_downloads.appendRunLog(text);
+}
+
+FindDownloaded ContentView::lookAtDownloads() const {
+    const auto index = std::make_shared<FinishedFileIndex>(eventFolder(), m_downloadMode);
+    return [index](const PlaylistEntry& entry) { return index->existingDownloadedFile(entry); };
+}
+
+std::optional<QString> ContentView::existingDownloadedFile(const PlaylistEntry& entry) const {
+    return lookAtDownloads()(entry);
+}
+
+QString ContentView::sanitizedFolderName(const QString& name) {
+    return reelcrate::sanitizedFolderName(name, defaultEventName());
+}
+
+SilenceTrimResult ContentView::trimEdgeSilenceIfNeeded(const QString& outputPath,
+                                                       DownloadMode mode) const {
+    return m_downloads.trimmer().trimEdgeSilenceIfNeeded(outputPath, mode);
+}
+
+void ContentView::scanForUpdate() {
+    m_update.scanForUpdate();
+}
+
+void ContentView::crawlQueueProgress(const QUuid& itemID, double target, double duration) {
+    m_downloads.crawls().crawlQueueProgress(itemID, target, duration);
+}
+
+}  // namespace reelcrate

@@ -1,0 +1,260 @@
+#pragma once
+
+#include "base/background_tasks.h"
+#include "base/main_queue.h"
+#include "download/download_command.h"
+#include "download/download_runs.h"
+#include "download/file_names.h"
+#include "download/finished_files.h"
+#include "download/output_parsing.h"
+#include "download/progress_seed.h"
+#include "queue/links.h"
+#include "queue/queue_editor.h"
+#include "queue/queue_store.h"
+#include "records/download_item.h"
+#include "records/download_mode.h"
+#include "records/media_records.h"
+#include "resolve/media_probe.h"
+#include "resolve/media_values.h"
+#include "resolve/resolution_driver.h"
+#include "resolve/spotify_expansion.h"
+#include "resolve/spotify_songs.h"
+#include "tools/process_supervisor.h"
+#include "tools/shell_runner.h"
+#include "tools/tool_discovery.h"
+#include "tools/tool_installer.h"
+#include "tools/tool_readiness.h"
+#include "update/update_scan.h"
+
+#include <QHash>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+#include <QUuid>
+
+#include <functional>
+#include <optional>
+#include <stop_token>
+
+/// The one controller: owns the parts that hold all state, names every operation, and passes what
+/// one part reports to whom it concerns. The front ends show its state and call its operations.
+///
+/// Main thread, except where a function says "background threads": those block while a tool runs.
+/// No operation fails by itself: outcomes are the summary line, the rows and the logs.
+namespace reelcrate {
+
+/// What the controller finds around it. Tests put their own in its place.
+struct ContentViewSetup {
+    ToolPlaces toolPlaces;
+    QString desktopFolder;                   ///< empty when the system names none
+    std::function<QString()> clipboardText;  ///< empty function: there is no clipboard
+    TextEditing* textEditing = nullptr;      ///< null: no text is edited; outlives the controller
+    InstallerSources installerSources = InstallerSources::ofThisPlatform();
+    UpdateScanSetup updateScan;
+    ResolutionTiming resolutionTiming;
+    DownloadTiming downloadTiming;
+
+    /// The machine's and the user's own. Needs a QCoreApplication.
+    static ContentViewSetup ofThisMachine();
+};
+
+class ContentView : public QObject {
+    Q_OBJECT
+
+public:
+    static const QString appVersion;
+    static constexpr int appBuild = 48;
+    static constexpr int maxParallelDownloads = DownloadRuns::maxParallelDownloads;
+    static const QStringList& coreToolCommands() { return ToolReadiness::coreToolCommands; }
+    static const QStringList& optionalToolCommands() { return ToolReadiness::optionalToolCommands; }
+    static constexpr int concurrentFragmentDownloads = reelcrate::concurrentFragmentDownloads;
+    static constexpr int videoConcurrentFragmentDownloads =
+        reelcrate::videoConcurrentFragmentDownloads;
+    static constexpr int maxMetadataResolveAttempts = ResolutionDriver::maxMetadataResolveAttempts;
+
+    /// `supervisor` is forked off by main before there are threads, and outlives the controller.
+    ContentView(ProcessSupervisor& supervisor, ContentViewSetup setup);
+    ~ContentView() override;
+
+    /// Ends all background work and every child: at most about three seconds. Rows stay as they
+    /// are; nothing changes any more after this. Also done by the destructor.
+    void shutDown();
+
+    // State
+
+    const QList<ToolState>& toolStates() const { return m_readiness.toolStates(); }
+    const QString& toolLog() const { return m_readiness.toolLog(); }
+    bool isCheckingTools() const { return m_readiness.isCheckingTools(); }
+    bool isInstallingTools() const { return m_installer.isInstallingTools(); }
+    const QString& eventName() const { return m_eventName; }
+    void setEventName(const QString& name);
+    const QString& pastedLinks() const { return m_pastedLinks; }
+    void setPastedLinks(const QString& text);
+    DownloadMode downloadMode() const { return m_downloadMode; }
+    void setDownloadMode(DownloadMode mode);
+    const QString& outputFolder() const { return m_outputFolder; }
+    void setOutputFolder(const QString& folder);
+    const QueueStore& queue() const { return m_queue; }
+    const QSet<QUuid>& selectedQueueItemIDs() const { return m_editor.selection().ids; }
+    std::optional<QUuid> selectionAnchorQueueItemID() const { return m_editor.selection().anchor; }
+    std::optional<QUuid> selectionFocusQueueItemID() const { return m_editor.selection().focus; }
+    bool queueKeyboardScopeActive() const { return m_editor.selection().keyboardScopeActive; }
+    int activeDownloadRuns() const { return m_downloads.activeDownloadRuns(); }
+    const QString& runLog() const { return m_downloads.runLog().text(); }
+    const QString& activeSummary() const { return m_activeSummary; }
+    QHash<QUuid, QUuid> progressCrawlTokens() { return m_downloads.crawls().progressCrawlTokens(); }
+
+    qsizetype activeQueueDownloadCount() const;
+    qsizetype selectedVisibleQueueItemCount() const;
+
+    const QString& updateMessage() const { return m_update.updateMessage(); }
+    bool isScanningForUpdate() const { return m_update.isScanningForUpdate(); }
+
+    // Defaults
+
+    /// Today's date and what the event is, for example "11-16-26 Playlist".
+    static QString defaultEventName();
+    QString defaultOutputFolder() const;
+
+    // Link intake
+
+    void addSongsFromFieldOrClipboard();
+    static constexpr auto extractLinks = &reelcrate::extractLinks;
+    QList<DownloadItem> addLinksToQueue(const QStringList& links);
+    static constexpr auto isYouTubePlaylistLink = &reelcrate::isYouTubePlaylistLink;
+    static constexpr auto playlistLike = &reelcrate::playlistLike;
+    static constexpr auto videoID = &reelcrate::videoID;
+
+    // Selection and deletion; see QueueEditor
+
+    void updateQueueSelection(const QUuid& id, KeyModifiers modifiers);
+    bool moveQueueSelection(int direction, bool extending);
+    bool selectAllQueueItemsFromUserAction();
+    bool clearQueueSelectionFromUserAction();
+    bool deleteQueueItems(const QSet<QUuid>& ids);
+    bool deleteSelectedQueueItemsFromUserAction();
+    void clearQueue();
+    void clickQueueArea();
+    bool handleKeyDown(const KeyEvent& event);
+
+    // Commands and tools. Background threads, except for the checks and their results.
+
+    CommandResult runShellSync(const QString& command, std::optional<double> timeout);
+    CommandResult runShellStreaming(const QString& command,
+                                    const ShellRunner::OutputHandler& onOutput);
+    void checkTools();
+    std::optional<ResolvedTool> resolvedTool(const QString& command) const;
+    QStringList toolCandidates(const QString& command) const;
+    QString candidateDetail(const QString& path) const;
+    std::optional<QString> systemToolPath(const QString& command) const;
+    QString toolSearchPath() const;
+    QString appSupportBinDirectory() const;
+    QList<ToolState> missingRequiredTools() const;
+    QList<ToolState> missingInstallableTools() const;
+    bool coreToolsReady() const;
+    QString setupDetailText() const;
+    void installMissingTools();
+    void performSetup();
+    CommandResult installOptionalSpotifyTool(const ShellRunner::OutputHandler& onOutput) const;
+
+    // Reading links. The fetching and listing ones: background threads.
+
+    std::optional<MediaInfo> fetchMediaInfo(const QString& link) const;
+    QList<PlaylistEntry> fetchYouTubePlaylistEntries(const QString& link) const;
+    static constexpr auto durationText = &reelcrate::durationText;
+    static constexpr auto thumbnailURL = &reelcrate::thumbnailURL;
+    static constexpr auto stringValue = &reelcrate::stringValue;
+    static constexpr auto formatDuration = &reelcrate::formatDuration;
+    QueueResolution resolveSpotifyEntries(const QString& link) const;
+    static constexpr auto playlistEntriesFromSpotifyJSON =
+        &reelcrate::playlistEntriesFromSpotifyJSON;
+    static constexpr auto spotifyFailureMessage = &reelcrate::spotifyFailureMessage;
+    static constexpr auto spotifyArtistName = &reelcrate::spotifyArtistName;
+    static constexpr auto spotifySearchQuery = &reelcrate::spotifySearchQuery;
+    void resolveInfo(const QList<DownloadItem>& items);
+    QueueResolution resolveQueueEntryWithRetries(const DownloadItem& item,
+                                                 const std::stop_token& stop = {}) const;
+    void applyResolution(const QueueResolution& resolution, const DownloadItem& item,
+                         qsizetype index);
+    static bool shouldRetryInfoForFailedItem(const DownloadItem& item);
+    void retryResolveInfo(const DownloadItem& item);
+
+    // Downloading
+
+    void startDownloads();
+    void startDownloadRun(const QList<QUuid>& itemIDs);
+    /// Background threads: it looks the tools up.
+    QString commandFor(const DownloadItem& item, const QString& eventFolder,
+                       DownloadMode mode) const;
+    static constexpr auto safeOutputStem = &reelcrate::safeOutputStem;
+    static constexpr auto downloadDetail = &reelcrate::downloadDetail;
+    static constexpr auto outputPath = &reelcrate::outputPath;
+    /// Any thread.
+    void appendRunLog(const QString& text);
+    std::optional<QString> existingDownloadedFile(const PlaylistEntry& entry) const;
+    static constexpr auto existingDownloadID = &reelcrate::existingDownloadID;
+    static constexpr auto bestOutputPath = &reelcrate::bestOutputPath;
+    static QString sanitizedFolderName(const QString& name);
+    static constexpr auto regularFiles = &reelcrate::regularFiles;
+    /// Background threads.
+    SilenceTrimResult trimEdgeSilenceIfNeeded(const QString& outputPath, DownloadMode mode) const;
+    void crawlQueueProgress(const QUuid& itemID, double target, double duration);
+    static constexpr auto preparationProgressProfile = &reelcrate::preparationProgressProfile;
+    static constexpr auto progressSeed = &reelcrate::progressSeed;
+    static constexpr auto modificationDate = &reelcrate::modificationDate;
+
+    // Updates
+
+    void scanForUpdate();
+    static constexpr auto releaseNoteSummary = &reelcrate::releaseNoteSummary;
+
+    /// The folder that downloads go into: the event's, inside the output folder.
+    QString eventFolder() const;
+
+Q_SIGNALS:
+    /// Of the records, or of whether a check or an installation is under way.
+    void toolsChanged();
+    void toolLogCleared();
+    void toolLogAppended(const QString& text);
+    void activeSummaryChanged();
+    void selectionChanged();
+    void eventNameChanged();
+    void pastedLinksChanged();
+    void downloadModeChanged();
+    void outputFolderChanged();
+    void activeDownloadRunsChanged();
+    /// Of the message, or of whether a scan is under way.
+    void updateChanged();
+    void updateScanFinished(const reelcrate::UpdateOutcome& outcome);
+    void runLogCleared();
+    void runLogAppended(const QString& text);
+
+private:
+    void setActiveSummary(const QString& text);
+    FindDownloaded lookAtDownloads() const;
+    RunTarget runTarget() const;
+
+    const ContentViewSetup m_setup;
+    QString m_eventName = defaultEventName();
+    QString m_pastedLinks;
+    DownloadMode m_downloadMode = DownloadMode::audio;
+    QString m_outputFolder = defaultOutputFolder();
+    QString m_activeSummary = QStringLiteral("Ready");
+
+    // In the order of their dependence: each part knows only parts above it.
+    MainQueue m_mainQueue;
+    QueueStore m_queue;
+    ShellRunner m_shell;
+    ToolDiscovery m_discovery;
+    BackgroundTasks m_background;
+    ToolReadiness m_readiness;
+    ToolInstaller m_installer;
+    MediaProbe m_probe;
+    SpotifyExpansion m_spotify;
+    ResolutionDriver m_resolution;
+    DownloadRuns m_downloads;
+    QueueEditor m_editor;
+    UpdateScan m_update;
+};
+
+}  // namespace reelcrate

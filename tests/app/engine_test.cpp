@@ -1,0 +1,382 @@
+// The whole engine behind its controller, on stand-in tools and with short pauses.
+
+#include "app/content_view.h"
+#include "support/machine.h"
+#include "support/printers.h"
+
+#include <QDir>
+#include <QSignalSpy>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace reelcrate {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+
+ContentViewSetup quickSetup(const Machine& machine) {
+    ContentViewSetup setup;
+    setup.toolPlaces = machine.places();
+    setup.desktopFolder = machine.path(QStringLiteral("Desktop"));
+    setup.resolutionTiming = {10ms, 10ms, 1ms};
+    setup.downloadTiming = {1ms, 1ms, 1ms};
+    return setup;
+}
+
+class EngineTest : public testing::Test {
+protected:
+    EngineTest() {
+        for (const char* tool : {"yt-dlp", "ffmpeg", "spotdl"})
+            machine.install(QString::fromLatin1(tool));
+        view.setEventName(QStringLiteral("Prom"));
+        QObject::connect(&view, &ContentView::activeSummaryChanged,
+                         [this] { summaries.append(view.activeSummary()); });
+        QObject::connect(&view.queue(), &QueueStore::rowChanged, [this](qsizetype index) {
+            const QString& detail = row(index).detail;
+            if (details.isEmpty() || details.last() != detail)
+                details.append(detail);
+        });
+    }
+
+    static QString link(const char* kind, const QString& name) {
+        return QStringLiteral("http://site/%1/%2").arg(QString::fromLatin1(kind), name);
+    }
+
+    const DownloadItem& row(qsizetype index) const { return view.queue().rows().at(index); }
+
+    QStringList titles() const {
+        QStringList titles;
+        for (const DownloadItem& row : view.queue().rows())
+            titles.append(row.title);
+        return titles;
+    }
+
+    qsizetype countWith(QueueStatus status) const { return view.queue().countWithStatus(status); }
+
+    /// Rows that are ready to download without having been read.
+    void addReadRows(const QStringList& links) {
+        view.addLinksToQueue(links);
+        for (const DownloadItem& added : view.queue().rows()) {
+            const MediaInfo info{added.url.section(u'/', -1), {}, {}, added.url};
+            view.applyResolution({{{added.url, added.source, info.title, {}, {}}}, {}}, added,
+                                 view.queue().indexOf(added.id));
+        }
+        summaries.clear();
+        details.clear();
+    }
+
+    void addAndRead(const QString& text) {
+        view.setPastedLinks(text);
+        view.addSongsFromFieldOrClipboard();
+        ASSERT_TRUE(waitUntil([this] { return !isReading(); }));
+    }
+
+    bool isReading() const {
+        return std::any_of(view.queue().rows().begin(), view.queue().rows().end(),
+                           [](const DownloadItem& row) { return row.isResolvingInfo; });
+    }
+
+    void downloadAll() {
+        view.startDownloads();
+        ASSERT_TRUE(waitUntil([this] { return view.activeDownloadRuns() == 0; }));
+    }
+
+    QString eventFile(const QString& name) const { return view.eventFolder() + u'/' + name; }
+
+    Machine machine;
+    QStringList summaries;
+    QStringList details;
+    ContentView view{machine.supervisor, quickSetup(machine)};
+};
+
+TEST_F(EngineTest, ReadsALinkAndDownloadsIt) {
+    addAndRead(QStringLiteral("Our song: %1).").arg(link("song", QStringLiteral("first"))));
+    ASSERT_EQ(view.queue().size(), 1);
+    EXPECT_EQ(row(0).title, QStringLiteral("first"));
+    EXPECT_EQ(row(0).duration, QStringLiteral("3:45"));
+    EXPECT_EQ(row(0).detail, QStringLiteral("Ready to download"));
+    EXPECT_TRUE(view.pastedLinks().isEmpty());
+
+    details.clear();
+    downloadAll();
+    EXPECT_EQ(row(0).status, QueueStatus::complete);
+    EXPECT_EQ(row(0).detail, QStringLiteral("Saved; trimmed silent start/end"));
+    EXPECT_EQ(row(0).outputPath, eventFile(QStringLiteral("first [first].mp3")));
+    EXPECT_EQ(row(0).progress, 1.0);
+    EXPECT_EQ(readFile(row(0).outputPath), "trimmed\nsound of first\n");
+    EXPECT_EQ(QDir(view.eventFolder()).entryList(QDir::Files | QDir::Hidden).size(), 1);
+    const QStringList stages{QStringLiteral("Preparing Song for Download"),
+                             QStringLiteral("Downloading Song"),
+                             QStringLiteral("Examining Song to Trim"),
+                             QStringLiteral("Trimming Song"),
+                             QStringLiteral("Saving MP3"),
+                             QStringLiteral("Saved; trimmed silent start/end")};
+    EXPECT_EQ(details, stages);
+    EXPECT_TRUE(view.progressCrawlTokens().isEmpty());
+    EXPECT_TRUE(view.runLog().startsWith(QStringLiteral("Running 1/1: PATH='~/share/")))
+        << view.runLog().toStdString();
+    EXPECT_TRUE(view.runLog().contains(QStringLiteral("RCR_PROGRESS: 50.0%\n")));
+    const QStringList expected{
+        QStringLiteral("Reading 1 link"),         QStringLiteral("Added 1 song"),
+        QStringLiteral("Preparing event folder"), QStringLiteral("Downloading selected song"),
+        QStringLiteral("Finalizing downloads"),   QStringLiteral("Download run finished")};
+    EXPECT_EQ(summaries, expected);
+}
+
+TEST_F(EngineTest, RunsSixSideBySideInQueueOrder) {
+    QStringList links;
+    for (int i = 1; i <= 9; ++i)
+        links.append(link("hold", QStringLiteral("song%1").arg(i)));
+    addReadRows(links);
+    view.startDownloads();
+    EXPECT_EQ(countWith(QueueStatus::running), 6);
+    EXPECT_EQ(countWith(QueueStatus::queued), 3);
+    EXPECT_EQ(row(6).detail, QStringLiteral("Waiting for open download slot"));
+    EXPECT_EQ(view.activeSummary(), QStringLiteral("Downloading up to 6 songs at once"));
+    view.startDownloads();
+    EXPECT_EQ(view.activeSummary(), QStringLiteral("Already downloading 6 songs at once"));
+    EXPECT_EQ(view.activeDownloadRuns(), 1);
+
+    ASSERT_TRUE(waitUntil([this] { return machine.calls().size() == 6; }));
+    machine.tell(QStringLiteral("go"));
+    ASSERT_TRUE(waitUntil([this] { return view.activeDownloadRuns() == 0; }));
+    EXPECT_EQ(countWith(QueueStatus::complete), 9);
+    const QStringList calls = machine.calls();
+    EXPECT_THAT(calls.mid(6), testing::UnorderedElementsAre(QStringLiteral("download song7"),
+                                                            QStringLiteral("download song8"),
+                                                            QStringLiteral("download song9")));
+    EXPECT_TRUE(
+        summaries.contains(QStringLiteral("Finished 2 of 9; downloading up to 6 songs at once")));
+    EXPECT_EQ(summaries.last(), QStringLiteral("Download run finished"));
+}
+
+TEST_F(EngineTest, ASecondRunGetsTheSlotsThatAreLeft) {
+    QStringList links;
+    for (int i = 1; i <= 8; ++i)
+        links.append(link("hold", QStringLiteral("song%1").arg(i)));
+    addReadRows(links);
+    QList<QUuid> ids;
+    for (const DownloadItem& each : view.queue().rows())
+        ids.append(each.id);
+
+    view.startDownloadRun(ids.first(4));
+    view.setDownloadMode(DownloadMode::video);
+    view.startDownloadRun(ids);  // of these, the four that are not running yet
+    EXPECT_EQ(view.activeSummary(), QStringLiteral("Downloading up to 2 videos at once"));
+    EXPECT_EQ(view.activeDownloadRuns(), 2);
+    EXPECT_EQ(countWith(QueueStatus::running), 6);
+    EXPECT_EQ(countWith(QueueStatus::queued), 2);
+    machine.tell(QStringLiteral("go"));
+    ASSERT_TRUE(waitUntil([this] { return view.activeDownloadRuns() == 0; }));
+    EXPECT_EQ(countWith(QueueStatus::complete), 8);
+    EXPECT_EQ(row(7).detail, QStringLiteral("Saved to Prom"));
+}
+
+TEST_F(EngineTest, EachFailureHasItsText) {
+    addReadRows({link("broken", QStringLiteral("a")), link("private", QStringLiteral("b")),
+                 QStringLiteral("https://open.spotify.com/broken/c"),
+                 link("outside", QStringLiteral("d")), link("nameless", QStringLiteral("e"))});
+    const QString failed = QStringLiteral("Download failed. Check the link or try again.");
+    downloadAll();
+    EXPECT_EQ(row(0).detail, failed);
+    EXPECT_EQ(row(0).status, QueueStatus::failed);
+    EXPECT_EQ(row(0).progress, 0.0);
+    EXPECT_EQ(row(1).detail,
+              QStringLiteral("This link may require a browser login or may not be public."));
+    // A path that leads outside the event folder is not believed, what the tool says next is.
+    EXPECT_EQ(row(3).outputPath, eventFile(QStringLiteral("d [d].mp3")));
+    EXPECT_EQ(row(4).status, QueueStatus::complete);
+
+    // What failed can be tried again; what is complete is left alone.
+    const QStringList before = machine.calls();
+    downloadAll();
+    EXPECT_EQ(machine.calls().size(), before.size() + countWith(QueueStatus::failed));
+}
+
+TEST_F(EngineTest, ASpotifyRowIsSearchedForAndFailsInItsOwnWords) {
+    machine.tell(QStringLiteral("spotdl.txt"),
+                 readFile(QStringLiteral(TESTS_DIRECTORY "/data/spotdl_playlist.txt")));
+    addAndRead(QStringLiteral("https://open.spotify.com/playlist/x"));
+    ASSERT_GT(view.queue().size(), 1);
+    EXPECT_EQ(row(0).source, SourceType::spotify);
+    machine.installScript(QStringLiteral("yt-dlp"), "#!/bin/bash\necho login \"$*\"; exit 1\n");
+    view.startDownloadRun({row(0).id});
+    ASSERT_TRUE(waitUntil([this] { return view.activeDownloadRuns() == 0; }));
+    EXPECT_EQ(
+        row(0).detail,
+        QStringLiteral("Could not find a matching YouTube result for this Spotify reference."));
+    EXPECT_TRUE(view.runLog().contains(QStringLiteral("ytsearch1:") + row(0).title +
+                                       QStringLiteral(" official audio")));
+}
+
+TEST_F(EngineTest, ReadingIsTriedThreeTimesAndRetriedOnRequest) {
+    addAndRead(link("flaky", QStringLiteral("late")) + u' ' +
+               link("unreadable", QStringLiteral("never")));
+    EXPECT_EQ(row(0).title, QStringLiteral("late"));
+    EXPECT_EQ(row(1).status, QueueStatus::failed);
+    EXPECT_EQ(row(1).title, row(1).url);
+    EXPECT_EQ(row(1).detail,
+              QStringLiteral("Could not load link info. Check that the link is public."));
+    EXPECT_EQ(machine.calls().count(QStringLiteral("read never")), 3);
+    for (const char* notice : {"Temporary read issue. Trying again 2 of 3...",
+                               "Temporary read issue. Trying again 3 of 3..."})
+        EXPECT_TRUE(details.contains(QString::fromLatin1(notice)));
+    EXPECT_TRUE(summaries.contains(QStringLiteral("Trying link again")));
+    EXPECT_EQ(summaries.last(), QStringLiteral("Playlist needs attention"));
+
+    EXPECT_TRUE(ContentView::shouldRetryInfoForFailedItem(row(1)));
+    view.retryResolveInfo(row(1));
+    EXPECT_EQ(row(1).detail, QStringLiteral("Reading link again..."));
+    ASSERT_TRUE(waitUntil([this] { return !isReading(); }));
+    EXPECT_EQ(machine.calls().count(QStringLiteral("read never")), 6);
+}
+
+TEST_F(EngineTest, PermanentFailuresAreNotTriedAgain) {
+    machine.tell(QStringLiteral("spotdl.txt"),
+                 readFile(QStringLiteral(TESTS_DIRECTORY "/data/spotdl_429.txt")));
+    addAndRead(QStringLiteral("https://open.spotify.com/album/x"));
+    EXPECT_EQ(row(0).status, QueueStatus::failed);
+    EXPECT_EQ(row(0).title, QStringLiteral("Spotify library playlist"));
+    EXPECT_EQ(machine.calls().size(), 1);
+}
+
+TEST_F(EngineTest, APlaylistMakesWayForItsSongs) {
+    machine.tell(QStringLiteral("playlist.json"), R"({"entries": [
+        {"title": "One Long Title", "url": "http://site/song/one"},
+        {"title": "Another Title", "url": "http://site/song/two"},
+        {"title": "In The Queue", "url": "http://site/song/queued"}]})");
+    QDir().mkpath(view.eventFolder());
+    writeFile(eventFile(QStringLiteral("One Long Title [x].mp3")), "sound");
+    writeFile(eventFile(QStringLiteral("Another Title [y].mp3.part")), "sound");
+    const QString playlist = QStringLiteral("http://site/playlist/all?from=youtube.com");
+    addReadRows({link("song", QStringLiteral("before")), link("song", QStringLiteral("queued"))});
+    addAndRead(playlist + QStringLiteral(" ") + link("song", QStringLiteral("after")));
+    const QStringList expected{QStringLiteral("before"), QStringLiteral("queued"),
+                               QStringLiteral("One Long Title"), QStringLiteral("Another Title"),
+                               QStringLiteral("after")};
+    EXPECT_EQ(titles(), expected);
+    EXPECT_EQ(row(2).detail, QStringLiteral("Already Downloaded"));
+    EXPECT_EQ(row(2).status, QueueStatus::complete);
+    EXPECT_EQ(row(2).outputPath, eventFile(QStringLiteral("One Long Title [x].mp3")));
+    EXPECT_EQ(row(3).status, QueueStatus::waiting);
+    EXPECT_TRUE(summaries.contains(QStringLiteral("Added 1; 1 already downloaded")));
+
+    addAndRead(playlist);
+    EXPECT_EQ(view.queue().size(), 6);
+    EXPECT_EQ(row(5).title, QStringLiteral("Playlist link"));
+    EXPECT_EQ(row(5).status, QueueStatus::waiting);
+    EXPECT_EQ(row(5).detail, QStringLiteral("Those songs are already in the queue."));
+    EXPECT_EQ(summaries.last(), QStringLiteral("No new songs added"));
+}
+
+TEST_F(EngineTest, RowsThatAreGoneStayGone) {
+    // One is deleted while it is read; the queue is cleared while another is downloaded.
+    addReadRows({link("song", QStringLiteral("stays"))});
+    view.setPastedLinks(link("slowread", QStringLiteral("gone")));
+    view.addSongsFromFieldOrClipboard();
+    ASSERT_TRUE(
+        waitUntil([this] { return machine.calls().contains(QStringLiteral("read gone")); }));
+    EXPECT_TRUE(view.deleteQueueItems({row(1).id}));
+    machine.tell(QStringLiteral("go-read"));
+    addAndRead(link("song", QStringLiteral("next")));
+    EXPECT_EQ(titles(), (QStringList{QStringLiteral("stays"), QStringLiteral("next")}));
+
+    addReadRows({link("hold", QStringLiteral("held"))});
+    view.startDownloads();
+    EXPECT_FALSE(view.deleteQueueItems({row(0).id}));
+    view.clearQueue();
+    EXPECT_EQ(view.activeSummary(), QStringLiteral("Ready"));
+    machine.tell(QStringLiteral("go"));
+    ASSERT_TRUE(waitUntil([this] { return view.activeDownloadRuns() == 0; }));
+    EXPECT_EQ(view.queue().size(), 0);
+    EXPECT_EQ(summaries.last(), QStringLiteral("Download run finished"));
+    EXPECT_TRUE(QFile::exists(eventFile(QStringLiteral("held [held].mp3"))));
+}
+
+TEST_F(EngineTest, AnEmptyListingIsReadAsTheVideoThatTheLinkNames) {
+    addAndRead(QStringLiteral("http://site/song/watched?list=x&from=youtube.com"));
+    EXPECT_EQ(machine.calls().size(), 2);
+    EXPECT_EQ(row(0).source, SourceType::youtube);
+    EXPECT_EQ(row(0).status, QueueStatus::waiting);
+}
+
+TEST_F(EngineTest, IntakeSaysWhatItFound) {
+    view.addSongsFromFieldOrClipboard();  // an empty field, and no clipboard here
+    EXPECT_EQ(view.activeSummary(), QStringLiteral("Copy a share link, then click Add Songs"));
+    view.setPastedLinks(QStringLiteral("HTTPS://SITE/X no link"));
+    view.addSongsFromFieldOrClipboard();
+    EXPECT_FALSE(view.pastedLinks().isEmpty());
+
+    const QString song = link("song", QStringLiteral("a"));
+    EXPECT_EQ(view.addLinksToQueue({song, song}).size(), 2);
+    EXPECT_EQ(view.activeSummary(), QStringLiteral("Reading 2 links"));
+    EXPECT_TRUE(view.addLinksToQueue({song}).isEmpty());
+    EXPECT_EQ(view.activeSummary(), QStringLiteral("No new links added"));
+    EXPECT_TRUE(view.addLinksToQueue({}).isEmpty());
+}
+
+TEST_F(EngineTest, AFolderThatCannotBeMadeEndsTheRun) {
+    addReadRows({link("song", QStringLiteral("a"))});
+    const QString home = machine.path(QStringLiteral("out"));
+    ASSERT_TRUE(writeFile(home, "a file"));
+    for (const QString& folder : {home, machine.path(QStringLiteral("$HOME/x"))}) {
+        SCOPED_TRACE(folder.toStdString());
+        view.setOutputFolder(folder);
+        view.startDownloads();
+        EXPECT_EQ(view.activeDownloadRuns(), 0);
+        EXPECT_EQ(view.activeSummary(), QStringLiteral("Preparing event folder"));
+        EXPECT_TRUE(view.runLog().startsWith(QStringLiteral("Could not create output folders: ")));
+        EXPECT_EQ(row(0).status, QueueStatus::waiting);
+    }
+    EXPECT_FALSE(QDir(machine.path(QStringLiteral("$HOME"))).exists());
+}
+
+TEST_F(EngineTest, AFailedTrimKeepsTheDownload) {
+    const struct {
+        const char* ffmpeg;
+        QByteArray content;
+    } cases[] = {
+        {"#!/bin/bash\nexit 1\n", "sound of a\n"},
+        {"#!/bin/bash\n: > \"${!#}\"\n", "sound of a\n"},  // an empty file
+        {"#!/bin/bash\necho half > \"${!#}\"; exit 1\n", "sound of a\n"},
+    };
+    addReadRows({link("song", QStringLiteral("a"))});
+    downloadAll();
+    const QString file = row(0).outputPath;
+    for (const auto& [ffmpeg, content] : cases) {
+        SCOPED_TRACE(ffmpeg);
+        machine.installScript(QStringLiteral("ffmpeg"), ffmpeg);
+        writeFile(file, content);
+        const SilenceTrimResult result = view.trimEdgeSilenceIfNeeded(file, DownloadMode::audio);
+        EXPECT_EQ(result.detail, QStringLiteral("Saved; silence trim skipped"));
+        EXPECT_EQ(readFile(file), content);
+        EXPECT_EQ(QDir(view.eventFolder()).entryList(QDir::Files | QDir::Hidden).size(), 1);
+    }
+    EXPECT_EQ(view.trimEdgeSilenceIfNeeded(view.eventFolder(), DownloadMode::audio).detail,
+              QStringLiteral("Saved to Reelcrate Downloads"));
+}
+
+TEST_F(EngineTest, ShuttingDownLeavesNoStumpAndChangesNoRow) {
+    addReadRows({link("converting", QStringLiteral("a")), link("song", QStringLiteral("b"))});
+    const QString earlier = eventFile(QStringLiteral("c [c].mp3"));
+    QDir().mkpath(view.eventFolder());
+    writeFile(earlier, "an earlier song");
+    view.startDownloads();
+    ASSERT_TRUE(waitUntil([this] { return countWith(QueueStatus::complete) == 1; }));
+    ASSERT_TRUE(waitUntil([this] {
+        return QFile::exists(machine.toolFolder() + QStringLiteral("/converts")) &&
+               row(0).detail == QStringLiteral("Downloading Song");
+    }));
+    view.shutDown();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(row(0).status, QueueStatus::running);
+    EXPECT_THAT(QDir(view.eventFolder()).entryList(QDir::Files),
+                ElementsAre(QStringLiteral("b [b].mp3"), QStringLiteral("c [c].mp3")));
+}
+
+}  // namespace
+}  // namespace reelcrate
