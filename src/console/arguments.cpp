@@ -1,0 +1,109 @@
+#include "console/arguments.h"
+
+#include <QCommandLineParser>
+
+#include <utility>
+
+namespace reelcrate {
+
+namespace {
+
+const QString event = QStringLiteral("event");
+const QString output = QStringLiteral("output");
+const QString mode = QStringLiteral("mode");
+const QString json = QStringLiteral("json");
+const QString headless = QStringLiteral("headless");
+const QString setup = QStringLiteral("setup");
+const QString checkUpdate = QStringLiteral("check-update");
+const QString help = QStringLiteral("help");
+const QString version = QStringLiteral("version");
+
+void describe(QCommandLineParser& parser) {
+    parser.setApplicationDescription(
+        QStringLiteral("Downloads the songs behind share links into one folder named after an "
+                       "event.\n\n"
+                       "Exit status: 0 all songs are complete; 1 some need attention; 2 wrong "
+                       "usage;\n3 yt-dlp or ffmpeg is missing; 130, 143 ended by Ctrl-C or by a "
+                       "request to terminate."));
+    parser.addOptions({
+        {headless, QStringLiteral("Work without a window.")},
+        {event, QStringLiteral("Name of the event, and of its folder (default: today's date)."),
+         QStringLiteral("NAME")},
+        {output,
+         QStringLiteral("Folder that holds the event's folder (default: \"Reelcrate Downloads\" on "
+                        "the desktop)."),
+         QStringLiteral("DIR")},
+        {mode, QStringLiteral("MP3 for songs or MP4 for videos (default: MP3)."),
+         QStringLiteral("MP3|MP4")},
+        {json, QStringLiteral("Print the queue as JSON at the end, and nothing else, on standard "
+                              "output.")},
+        {setup, QStringLiteral("With --headless: install the tools that are missing, and end.")},
+        {checkUpdate, QStringLiteral("Tell whether there is a newer version, and end.")},
+        {{QStringLiteral("h"), help}, QStringLiteral("Show this help.")},
+        {{QStringLiteral("v"), version}, QStringLiteral("Show the program's version.")},
+    });
+    parser.addPositionalArgument(
+        QStringLiteral("LINK"),
+        QStringLiteral("Links, or any text with links in it; - reads text from standard input."),
+        QStringLiteral("LINK..."));
+}
+
+std::optional<QString> valueOf(const QCommandLineParser& parser, const QString& option) {
+    if (!parser.isSet(option))
+        return std::nullopt;
+    return parser.value(option);
+}
+
+Arguments::Action actionOf(const QCommandLineParser& parser) {
+    using Action = Arguments::Action;
+    const std::pair<QString, Action> actions[] = {{help, Action::showHelp},
+                                                  {version, Action::showVersion},
+                                                  {checkUpdate, Action::checkUpdate},
+                                                  {setup, Action::setUp}};
+    for (const auto& [option, action] : actions) {
+        if (parser.isSet(option))
+            return action;
+    }
+    return Action::download;
+}
+
+}  // namespace
+
+Arguments parseArguments(const QStringList& commandLine) {
+    QCommandLineParser parser;
+    describe(parser);
+    Arguments arguments;
+    if (!parser.parse(commandLine)) {
+        arguments.usageError = parser.errorText();
+        return arguments;
+    }
+    arguments.action = actionOf(parser);
+    arguments.headless = parser.isSet(headless);
+    arguments.json = parser.isSet(json);
+    arguments.eventName = valueOf(parser, event);
+    arguments.outputFolder = valueOf(parser, output);
+    arguments.texts = parser.positionalArguments();
+
+    const QString modeName = valueOf(parser, mode).value_or(rawValue(DownloadMode::audio));
+    const auto chosenMode = downloadModeFromRawValue(modeName.toUpper());
+    if (chosenMode)
+        arguments.mode = *chosenMode;
+    else
+        arguments.usageError = QStringLiteral("Unknown mode '%1': use MP3 or MP4.").arg(modeName);
+    if (arguments.outputFolder && arguments.outputFolder->isEmpty())
+        arguments.usageError = QStringLiteral("The output folder has no name.");
+    const bool downloads = arguments.action == Arguments::Action::download;
+    if (downloads && arguments.headless && arguments.texts.isEmpty())
+        arguments.usageError = QStringLiteral("No link given.");
+    if (arguments.action == Arguments::Action::setUp && !arguments.headless)
+        arguments.usageError = QStringLiteral("--setup goes with --headless.");
+    return arguments;
+}
+
+QString helpText() {
+    QCommandLineParser parser;
+    describe(parser);
+    return parser.helpText();
+}
+
+}  // namespace reelcrate

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "records/download_mode.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+/// What the command line asks for. Pure, but for the help text's use of the application's name.
+namespace reelcrate {
+
+struct Arguments {
+    enum class Action { showHelp, showVersion, checkUpdate, setUp, download };
+
+    Action action = Action::download;
+    bool headless = false;
+    bool json = false;
+    std::optional<QString> eventName;
+    std::optional<QString> outputFolder;
+    DownloadMode mode = DownloadMode::audio;
+    QStringList texts;  ///< texts with links in them; "-" stands for standard input
+
+    QString usageError;  ///< empty unless the command line is wrong
+};
+
+/// `commandLine` begins with the program's name.
+Arguments parseArguments(const QStringList& commandLine);
+
+QString helpText();
+
+}  // namespace reelcrate

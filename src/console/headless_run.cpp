@@ -1,0 +1,139 @@
+#include "console/headless_run.h"
+
+#include "app/content_view.h"
+#include "console/progress_display.h"
+#include "console/row_text.h"
+#include "console/standard_input.h"
+#include "console/termination_signals.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QJsonDocument>
+
+#include <algorithm>
+#include <cstdio>
+#include <utility>
+
+namespace reelcrate {
+
+namespace {
+
+const QString standardInput = QStringLiteral("-");
+
+void print(std::FILE* stream, const QByteArray& bytes) {
+    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stream);
+    std::fflush(stream);
+}
+
+void complain(const QString& text) {
+    if (!text.isEmpty())
+        print(stderr, text.trimmed().toUtf8() + '\n');
+}
+
+}  // namespace
+
+HeadlessRun::HeadlessRun(ContentView& view, const Arguments& arguments)
+    : m_view(view), m_json(arguments.json), m_texts(arguments.texts) {
+    view.setDownloadMode(arguments.mode);
+    if (arguments.eventName)
+        view.setEventName(*arguments.eventName);
+    if (arguments.outputFolder)
+        view.setOutputFolder(QDir::cleanPath(QDir().absoluteFilePath(*arguments.outputFolder)));
+
+    // Later, so that each step sees the outcome of a whole operation and not its middle.
+    m_advance.setSingleShot(true);
+    connect(&m_advance, &QTimer::timeout, this, &HeadlessRun::advance);
+    const auto advanceLater = [this] { m_advance.start(0); };
+    connect(&view, &ContentView::toolsChanged, this, advanceLater);
+    connect(&view, &ContentView::activeDownloadRunsChanged, this, advanceLater);
+    connect(&view.queue(), &QueueStore::rowReplaced, this, advanceLater);
+    connect(&view.queue(), &QueueStore::rowChanged, this,
+            [advanceLater](qsizetype, QueueStore::Fields fields) {
+                if (fields & QueueStore::IsResolvingInfo)
+                    advanceLater();
+            });
+}
+
+HeadlessRun::~HeadlessRun() = default;
+
+void HeadlessRun::start() {
+    m_display = ProgressDisplay::on(m_json ? stderr : stdout, m_view);
+    if (!m_texts.contains(standardInput)) {
+        m_view.checkTools();
+        return;
+    }
+    m_input = std::make_unique<StandardInput>();
+    connect(m_input.get(), &StandardInput::finished, this, [this](const QString& text) {
+        m_texts.replace(m_texts.indexOf(standardInput), text);
+        m_view.checkTools();
+    });
+}
+
+void HeadlessRun::advance() {
+    if (m_phase == Phase::checkingTools && !m_view.isCheckingTools())
+        addLinks();
+    if (m_phase == Phase::reading && !isReading())
+        startDownloads();
+    if (m_phase == Phase::downloading && m_view.activeDownloadRuns() == 0)
+        end(allRowsAreComplete() ? allComplete : someNeedAttention);
+}
+
+void HeadlessRun::addLinks() {
+    if (!m_view.coreToolsReady()) {
+        complain(m_view.toolLog());
+        complain(m_view.setupDetailText());
+        end(toolsMissing);
+        return;
+    }
+    m_phase = Phase::reading;
+    m_view.setPastedLinks(m_texts.join(u'\n'));
+    m_view.addSongsFromFieldOrClipboard();
+}
+
+bool HeadlessRun::isReading() const {
+    const auto& rows = m_view.queue().rows();
+    return std::any_of(rows.begin(), rows.end(),
+                       [](const DownloadItem& row) { return row.isResolvingInfo; });
+}
+
+void HeadlessRun::startDownloads() {
+    m_phase = Phase::downloading;
+    m_view.startDownloads();
+    // A run that has ended here already never began: its log says why.
+    if (m_view.activeDownloadRuns() == 0)
+        complain(m_view.runLog());
+}
+
+bool HeadlessRun::allRowsAreComplete() const {
+    const QueueStore& queue = m_view.queue();
+    return queue.size() > 0 && queue.countWithStatus(QueueStatus::complete) == queue.size();
+}
+
+void HeadlessRun::interrupt(int signalNumber) {
+    constexpr int endedBySignal = 128;
+    if (m_phase == Phase::ended)
+        return;
+    m_view.shutDown();
+    end(endedBySignal + signalNumber);
+}
+
+void HeadlessRun::end(int exitStatus) {
+    m_phase = Phase::ended;
+    m_display->finish();
+    if (m_json)
+        print(stdout, QJsonDocument(queueAsJson(m_view.queue().rows())).toJson());
+    Q_EMIT finished(exitStatus);
+}
+
+int runHeadless(ContentView& view, const Arguments& arguments) {
+    HeadlessRun run(view, arguments);
+    TerminationSignals signals;
+    QObject::connect(&signals, &TerminationSignals::received, &run, &HeadlessRun::interrupt);
+    QObject::connect(
+        &run, &HeadlessRun::finished, qApp, [](int status) { QCoreApplication::exit(status); },
+        Qt::QueuedConnection);
+    run.start();
+    return QCoreApplication::exec();
+}
+
+}  // namespace reelcrate

@@ -1,0 +1,16 @@
+#pragma once
+
+/// The command line's other tasks beside downloading. Main thread; each runs the event loop until
+/// its task is done, or ended by a signal, and returns the program's exit status.
+namespace reelcrate {
+
+class ContentView;
+
+/// Looks for the tools and installs what is missing, with the log on standard output. Zero when the
+/// core tools are ready afterwards, HeadlessRun::toolsMissing otherwise.
+int runSetup(ContentView& view);
+
+/// Prints what the update check finds. Zero when it could be checked, otherwise one.
+int runUpdateCheck(ContentView& view);
+
+}  // namespace reelcrate

@@ -1,0 +1,48 @@
+#include "console/arguments.h"
+
+#include "support/printers.h"
+
+#include <gtest/gtest.h>
+
+namespace reelcrate {
+namespace {
+
+Arguments parsed(const QStringList& words) {
+    return parseArguments(QStringList{QStringLiteral("reelcrate")} + words);
+}
+
+TEST(Arguments, WrongUsageIsToldFromRightUsage) {
+    const struct {
+        const char* words;
+        bool isRight;
+    } cases[] = {
+        {"--headless http://x", true},
+        {"--headless -", true},
+        {"--headless --mode mp4 --event E --output D --json http://x - http://y", true},
+        {"--headless", false},
+        {"--headless --mode OGG http://x", false},
+        {"--headless --output= http://x", false},
+        {"--headless --output", false},
+        {"--headless --unknown http://x", false},
+        {"--help --headless", true},
+        {"--version", true},
+    };
+    for (const auto& [words, isRight] : cases) {
+        const Arguments arguments = parsed(QString::fromUtf8(words).split(u' '));
+        EXPECT_EQ(arguments.usageError.isEmpty(), isRight) << words;
+    }
+}
+
+TEST(Arguments, TakesValuesAsTheyStand) {
+    const Arguments arguments =
+        parsed({QStringLiteral("--headless"), QStringLiteral("--event"),
+                QStringLiteral("Prom: 2026/27"), QStringLiteral("--mode"), QStringLiteral("MP4"),
+                QStringLiteral("see http://x!"), QStringLiteral("-")});
+    EXPECT_EQ(arguments.eventName, QStringLiteral("Prom: 2026/27"));
+    EXPECT_EQ(arguments.mode, DownloadMode::video);
+    EXPECT_EQ(arguments.outputFolder, std::nullopt);
+    EXPECT_EQ(arguments.texts, (QStringList{QStringLiteral("see http://x!"), QStringLiteral("-")}));
+}
+
+}  // namespace
+}  // namespace reelcrate

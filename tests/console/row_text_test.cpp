@@ -1,0 +1,41 @@
+#include "console/row_text.h"
+
+#include "support/printers.h"
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+
+namespace reelcrate {
+namespace {
+
+DownloadItem runningRow(const QString& title, double progress) {
+    DownloadItem row;
+    row.title = title;
+    row.status = QueueStatus::running;
+    row.detail = QStringLiteral("Downloading Song");
+    row.progress = progress;
+    return row;
+}
+
+TEST(RowText, ATitleIsNoCommandToTheTerminal) {
+    const QString title = QStringLiteral("a\x1b[2Jb\r\nc\u009b1md\u2028e\u202ef");
+    for (const QString& line :
+         {statusLine(runningRow(title, 0)), progressLine(runningRow(title, 0), 200)}) {
+        for (QChar c : line)
+            EXPECT_TRUE(c.isPrint() && c != QChar(0x202e)) << static_cast<int>(c.unicode());
+    }
+}
+
+TEST(RowText, ProgressFitsTheTerminal) {
+    ASSERT_NE(std::setlocale(LC_CTYPE, "C.UTF-8"), nullptr);
+    EXPECT_EQ(progressLine(runningRow(QStringLiteral("Song"), 0.5), 80),
+              QStringLiteral("[##########----------]  50%  Downloading Song  Song"));
+    EXPECT_EQ(progressLine(runningRow(QStringLiteral("Song"), 7), 29),
+              QStringLiteral("[####################] 100%  "));
+    EXPECT_EQ(fitted(QStringLiteral("日本語"), 5), QStringLiteral("日本"));
+    EXPECT_EQ(fitted(QStringLiteral("e\u0301x"), 1), QStringLiteral("e\u0301"));
+}
+
+}  // namespace
+}  // namespace reelcrate
