@@ -82,6 +82,7 @@ void HeadlessRun::addLinks() {
     if (!m_view.coreToolsReady()) {
         complain(m_view.toolLog());
         complain(m_view.setupDetailText());
+        complain(QStringLiteral("reelcrate --headless --setup installs what is missing."));
         end(toolsMissing);
         return;
     }
