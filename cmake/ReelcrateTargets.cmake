@@ -40,3 +40,27 @@ function(reelcrate_library name)
     target_link_libraries(reelcrate_${name} PUBLIC reelcrate::${used})
   endforeach()
 endfunction()
+
+# reelcrate_qml_library(NAME URI [USES FOLDER...])
+#
+# The same with the QML types that the folder holds, as the module URI. Whoever makes an engine
+# calls the module's qml_register_types_URI() first: a static library's linker drops what nobody
+# names.
+function(reelcrate_qml_library name uri)
+  reelcrate_library(${name} ${ARGN})
+  file(GLOB qml CONFIGURE_DEPENDS RELATIVE ${CMAKE_CURRENT_SOURCE_DIR}
+       ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.qml)
+  foreach(file IN LISTS qml)
+    get_filename_component(alias ${file} NAME)
+    set_source_files_properties(${file} PROPERTIES QT_RESOURCE_ALIAS ${alias})
+  endforeach()
+  qt_add_qml_module(reelcrate_${name} URI ${uri} VERSION 1.0 NO_PLUGIN DEPENDENCIES QtQuick
+                    RESOURCE_PREFIX /qt/qml
+                    QML_FILES ${qml} IMPORT_PATH ${QT_QML_OUTPUT_DIRECTORY})
+  # Qt adds the folder above, through which every header could be included.
+  get_target_property(roots reelcrate_${name} INCLUDE_DIRECTORIES)
+  list(REMOVE_ITEM roots ${CMAKE_CURRENT_SOURCE_DIR})
+  set_target_properties(reelcrate_${name} PROPERTIES INCLUDE_DIRECTORIES "${roots}")
+  # The generated registration names headers without their folder.
+  target_include_directories(reelcrate_${name} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/${name})
+endfunction()

@@ -2,7 +2,8 @@
 """The demo: eight songs on a site of this machine, four as links of their own
 and four in a playlist, are turned into finished MP3 files by the real tools.
 
-REELCRATE is the program's path. Ends with status 0 when all songs are there,
+REELCRATE is the program's path. Where there is a display, its window shows it
+all; otherwise it works without one. Ends with status 0 when all songs are there,
 with their covers, and each is shorter than its source by the silence around it.
 """
 
@@ -22,6 +23,10 @@ EVENT = "Demo Party"
 
 def say(text=""):
     print(text, flush=True)
+
+
+def has_display():
+    return bool(os.environ.get("DISPLAY") or os.environ.get("WAYLAND_DISPLAY"))
 
 
 def run_program(arguments, links, scratch):
@@ -72,7 +77,10 @@ def demo(scratch):
         for link in links:
             say(f"  {link}")
         output = Path(tempfile.mkdtemp(prefix="reelcrate-demo-"))
-        arguments = ["--headless", "--event", EVENT, "--output", str(output)]
+        arguments = ["--download"] if has_display() else ["--headless"]
+        arguments += ["--event", EVENT, "--output", str(output)]
+        if has_display():
+            say("They are read and downloaded in the window. Close it to end the demo.")
         status = run_program(arguments, links, scratch)
     folder = output / EVENT
     say()

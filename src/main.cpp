@@ -1,10 +1,13 @@
 #include "app/content_view.h"
 #include "console/arguments.h"
 #include "console/headless_run.h"
+#include "console/run_settings.h"
 #include "console/setup_run.h"
+#include "console/termination_signals.h"
 #include "tools/process_supervisor.h"
+#include "ui/reelcrate_app.h"
 
-#include <QCoreApplication>
+#include <QGuiApplication>
 #include <QTextStream>
 
 #include <clocale>
@@ -12,6 +15,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <langinfo.h>
+#include <memory>
 #include <unistd.h>
 
 using namespace reelcrate;
@@ -39,6 +43,53 @@ void print(FILE* stream, const QString& text) {
     QTextStream(stream) << text;
 }
 
+/// Whether there is a screen to show a window on. To ask the toolkit ends the program when not.
+bool hasDisplay() {
+#ifdef Q_OS_LINUX
+    return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY") ||
+           qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
+#else
+    return true;
+#endif
+}
+
+QStringList commandLine(int argc, char** argv) {
+    QStringList words;
+    for (int i = 0; i < argc; ++i)
+        words.append(QString::fromLocal8Bit(argv[i]));
+    return words;
+}
+
+/// The windowing toolkit starts only where there is a window: it takes its time.
+std::unique_ptr<QCoreApplication> makeApplication(bool withWindow, int& argc, char** argv) {
+    if (!withWindow)
+        return std::make_unique<QCoreApplication>(argc, argv);
+    QGuiApplication::setApplicationDisplayName(QStringLiteral("Reelcrate"));
+    QGuiApplication::setDesktopFileName(QStringLiteral("reelcrate"));
+    return std::make_unique<QGuiApplication>(argc, argv);
+}
+
+int runWithoutWindow(ProcessSupervisor& supervisor, const Arguments& arguments) {
+    ContentView view(supervisor, ContentViewSetup::ofThisMachine());
+    if (arguments.action == Arguments::Action::checkUpdate)
+        return runUpdateCheck(view);
+    if (arguments.action == Arguments::Action::setUp)
+        return runSetup(view);
+    return runHeadless(view, arguments);
+}
+
+int runWithWindow(ProcessSupervisor& supervisor, const Arguments& arguments) {
+    ReelcrateApp app(supervisor, ContentViewSetup::ofThisMachine(),
+                     {arguments.texts, arguments.startsDownloads});
+    applySettings(arguments, app.view());
+    TerminationSignals signals;
+    QObject::connect(&signals, &TerminationSignals::received, &app, [&app](int signalNumber) {
+        constexpr int endedBySignal = 128;
+        app.quit(endedBySignal + signalNumber);
+    });
+    return app.show() ? QCoreApplication::exec() : EXIT_FAILURE;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -46,13 +97,19 @@ int main(int argc, char** argv) {
     useUtf8();
     // Before all else: it forks, and a process with threads must not.
     ProcessSupervisor supervisor;
-    const QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("reelcrate"));
     QCoreApplication::setApplicationVersion(ContentView::appVersion);
 
-    const Arguments arguments = parseArguments(QCoreApplication::arguments());
+    const Arguments arguments = parseArguments(commandLine(argc, argv));
+    const bool showsWindow = arguments.usageError.isEmpty() && arguments.needsWindow();
+    const auto application = makeApplication(showsWindow && hasDisplay(), argc, argv);
     if (!arguments.usageError.isEmpty()) {
         print(stderr, arguments.usageError + QStringLiteral("\n\n") + helpText());
+        return HeadlessRun::wrongUsage;
+    }
+    if (showsWindow && !hasDisplay()) {
+        print(stderr, QStringLiteral("There is no display to show a window on; reelcrate "
+                                     "--headless works without one.\n"));
         return HeadlessRun::wrongUsage;
     }
     switch (arguments.action) {
@@ -69,16 +126,6 @@ int main(int argc, char** argv) {
         case Arguments::Action::download:
             break;
     }
-    ContentView view(supervisor, ContentViewSetup::ofThisMachine());
-    if (arguments.action == Arguments::Action::checkUpdate)
-        return runUpdateCheck(view);
-    if (arguments.action == Arguments::Action::setUp)
-        return runSetup(view);
-    if (!arguments.headless) {
-        print(stderr,
-              QStringLiteral("The window is not part of this version yet: use --headless.\n\n") +
-                  helpText());
-        return HeadlessRun::wrongUsage;
-    }
-    return runHeadless(view, arguments);
+    return showsWindow ? runWithWindow(supervisor, arguments)
+                       : runWithoutWindow(supervisor, arguments);
 }

@@ -6,6 +6,7 @@
 
 #include <QDate>
 #include <QDir>
+#include <QFileInfo>
 #include <QStandardPaths>
 
 #include <memory>
@@ -123,17 +124,31 @@ QString ContentView::eventFolder() const {
 
 // Link intake
 
+QString ContentView::clipboardText() const {
+    return m_setup.clipboardText ? m_setup.clipboardText() : QString();
+}
+
 void ContentView::addSongsFromFieldOrClipboard() {
-    QString text = m_pastedLinks.trimmed();
-    if (text.isEmpty() && m_setup.clipboardText)
-        text = m_setup.clipboardText();
-    const QStringList links = extractLinks(text);
-    if (links.isEmpty()) {
+    const QString field = m_pastedLinks.trimmed();
+    const QStringList links = extractLinks(field.isEmpty() ? clipboardText() : field);
+    if (!links.isEmpty())
+        setPastedLinks(QString());
+    addSongsBehind(links);
+}
+
+void ContentView::addSongs(const QString& text) {
+    addSongsBehind(extractLinks(text));
+}
+
+void ContentView::addSongsFromClipboard() {
+    addSongs(clipboardText());
+}
+
+void ContentView::addSongsBehind(const QStringList& links) {
+    if (links.isEmpty())
         setActiveSummary(QStringLiteral("Copy a share link, then click Add Songs"));
-        return;
-    }
-    setPastedLinks(QString());
-    resolveInfo(addLinksToQueue(links));
+    else
+        resolveInfo(addLinksToQueue(links));
 }
 
 QList<DownloadItem> ContentView::addLinksToQueue(const QStringList& links) {
@@ -332,6 +347,24 @@ QString ContentView::sanitizedFolderName(const QString& name) {
 SilenceTrimResult ContentView::trimEdgeSilenceIfNeeded(const QString& outputPath,
                                                        DownloadMode mode) const {
     return m_downloads.trimmer().trimEdgeSilenceIfNeeded(outputPath, mode);
+}
+
+// Files
+
+void ContentView::revealOutput(const DownloadItem& item) {
+    const QFileInfo output(item.outputPath);
+    if (item.outputPath.isEmpty())
+        openFolder(eventFolder());
+    else if (!output.exists() || output.isDir())
+        openFolder(item.outputPath);
+    else if (m_setup.showFile)
+        m_setup.showFile(item.outputPath);
+}
+
+void ContentView::openFolder(const QString& folder) {
+    QDir().mkpath(folder);
+    if (m_setup.openFolder)
+        m_setup.openFolder(folder);
 }
 
 void ContentView::scanForUpdate() {

@@ -48,7 +48,10 @@ struct ContentViewSetup {
     ToolPlaces toolPlaces;
     QString desktopFolder;                   ///< empty when the system names none
     std::function<QString()> clipboardText;  ///< empty function: there is no clipboard
-    TextEditing* textEditing = nullptr;      ///< null: no text is edited; outlives the controller
+    /// Ask the desktop to show a folder, or a file selected in its folder. Empty: there is none.
+    std::function<void(const QString& path)> openFolder;
+    std::function<void(const QString& path)> showFile;
+    TextEditing* textEditing = nullptr;  ///< null: no text is edited; outlives the controller
     InstallerSources installerSources = InstallerSources::ofThisPlatform();
     UpdateScanSetup updateScan;
     ResolutionTiming resolutionTiming;
@@ -119,6 +122,10 @@ public:
     // Link intake
 
     void addSongsFromFieldOrClipboard();
+    /// Adds the links in a text that came by another way; the link field stays as it is.
+    void addSongs(const QString& text);
+    void addSongsFromClipboard();
+    QString clipboardText() const;
     static constexpr auto extractLinks = &reelcrate::extractLinks;
     QList<DownloadItem> addLinksToQueue(const QStringList& links);
     static constexpr auto isYouTubePlaylistLink = &reelcrate::isYouTubePlaylistLink;
@@ -203,6 +210,13 @@ public:
     static constexpr auto progressSeed = &reelcrate::progressSeed;
     static constexpr auto modificationDate = &reelcrate::modificationDate;
 
+    // Files
+
+    /// Shows the row's file in the desktop's file manager, or the folder where it would be.
+    void revealOutput(const DownloadItem& item);
+    /// Creates the folder, with its parents, where it can.
+    void openFolder(const QString& folder);
+
     // Updates
 
     void scanForUpdate();
@@ -231,6 +245,7 @@ Q_SIGNALS:
 
 private:
     void setActiveSummary(const QString& text);
+    void addSongsBehind(const QStringList& links);
     FindDownloaded lookAtDownloads() const;
     RunTarget runTarget() const;
 

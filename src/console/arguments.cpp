@@ -12,6 +12,7 @@ const QString event = QStringLiteral("event");
 const QString output = QStringLiteral("output");
 const QString mode = QStringLiteral("mode");
 const QString json = QStringLiteral("json");
+const QString download = QStringLiteral("download");
 const QString headless = QStringLiteral("headless");
 const QString setup = QStringLiteral("setup");
 const QString checkUpdate = QStringLiteral("check-update");
@@ -21,7 +22,7 @@ const QString version = QStringLiteral("version");
 void describe(QCommandLineParser& parser) {
     parser.setApplicationDescription(
         QStringLiteral("Downloads the songs behind share links into one folder named after an "
-                       "event.\n\n"
+                       "event. Opens\na window, with the links added that are given.\n\n"
                        "Exit status: 0 all songs are complete; 1 some need attention; 2 wrong "
                        "usage;\n3 yt-dlp or ffmpeg is missing; 130, 143 ended by Ctrl-C or by a "
                        "request to terminate."));
@@ -37,6 +38,7 @@ void describe(QCommandLineParser& parser) {
          QStringLiteral("MP3|MP4")},
         {json, QStringLiteral("Print the queue as JSON at the end, and nothing else, on standard "
                               "output.")},
+        {download, QStringLiteral("In the window: download the links once they have been read.")},
         {setup, QStringLiteral("With --headless: install the tools that are missing, and end.")},
         {checkUpdate, QStringLiteral("Tell whether there is a newer version, and end.")},
         {{QStringLiteral("h"), help}, QStringLiteral("Show this help.")},
@@ -80,6 +82,7 @@ Arguments parseArguments(const QStringList& commandLine) {
     arguments.action = actionOf(parser);
     arguments.headless = parser.isSet(headless);
     arguments.json = parser.isSet(json);
+    arguments.startsDownloads = parser.isSet(download);
     arguments.eventName = valueOf(parser, event);
     arguments.outputFolder = valueOf(parser, output);
     arguments.texts = parser.positionalArguments();
@@ -95,6 +98,9 @@ Arguments parseArguments(const QStringList& commandLine) {
     const bool downloads = arguments.action == Arguments::Action::download;
     if (downloads && arguments.headless && arguments.texts.isEmpty())
         arguments.usageError = QStringLiteral("No link given.");
+    if (arguments.needsWindow() &&
+        (arguments.json || arguments.texts.contains(QStringLiteral("-"))))
+        arguments.usageError = QStringLiteral("--json and - go with --headless.");
     if (arguments.action == Arguments::Action::setUp && !arguments.headless)
         arguments.usageError = QStringLiteral("--setup goes with --headless.");
     return arguments;

@@ -16,12 +16,15 @@ struct Arguments {
     Action action = Action::download;
     bool headless = false;
     bool json = false;
+    bool startsDownloads = false;  ///< in the window: once the links have been read
     std::optional<QString> eventName;
     std::optional<QString> outputFolder;
     DownloadMode mode = DownloadMode::audio;
     QStringList texts;  ///< texts with links in them; "-" stands for standard input
 
     QString usageError;  ///< empty unless the command line is wrong
+
+    bool needsWindow() const { return action == Action::download && !headless; }
 };
 
 /// `commandLine` begins with the program's name.

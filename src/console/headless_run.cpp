@@ -3,11 +3,11 @@
 #include "app/content_view.h"
 #include "console/progress_display.h"
 #include "console/row_text.h"
+#include "console/run_settings.h"
 #include "console/standard_input.h"
 #include "console/termination_signals.h"
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QJsonDocument>
 
 #include <algorithm>
@@ -34,11 +34,7 @@ void complain(const QString& text) {
 
 HeadlessRun::HeadlessRun(ContentView& view, const Arguments& arguments)
     : m_view(view), m_json(arguments.json), m_texts(arguments.texts) {
-    view.setDownloadMode(arguments.mode);
-    if (arguments.eventName)
-        view.setEventName(*arguments.eventName);
-    if (arguments.outputFolder)
-        view.setOutputFolder(QDir::cleanPath(QDir().absoluteFilePath(*arguments.outputFolder)));
+    applySettings(arguments, view);
 
     // Later, so that each step sees the outcome of a whole operation and not its middle.
     m_advance.setSingleShot(true);

@@ -1,0 +1,12 @@
+#pragma once
+
+/// Where downloads go and as what, as the command line says. Main thread.
+namespace reelcrate {
+
+class ContentView;
+struct Arguments;
+
+/// What the command line leaves open stays as it is.
+void applySettings(const Arguments& arguments, ContentView& view);
+
+}  // namespace reelcrate

@@ -1,0 +1,104 @@
+import QtQuick
+import Reelcrate
+import Reelcrate.Theme
+
+/// The program's name and summary line, and what concerns the queue as a whole.
+Item {
+    id: root
+
+    required property WindowState state
+
+    implicitHeight: 82
+
+    Surface {
+        anchors.fill: parent
+        fillFrom: TechTheme.white(0.145)
+        fillMiddle: TechTheme.faded(TechTheme.cobalt, 0.245)
+        fillTo: TechTheme.black(0.46)
+    }
+    Surface {
+        id: badge
+
+        x: 24
+        anchors.verticalCenter: parent.verticalCenter
+        width: 54
+        height: 54
+        radius: 27
+        fillFrom: TechTheme.gold
+        fillTo: TechTheme.badgeBottom
+        borderFrom: TechTheme.white(0.30)
+        shadowColor: TechTheme.faded(TechTheme.gold, 0.34)
+        shadowRadius: 9
+
+        Symbol {
+            anchors.centerIn: parent
+            name: "arrow.down.circle.fill"
+            width: 36
+            height: 36
+            color: TechTheme.white(1)
+            colorTo: TechTheme.goldTop
+            vertical: true
+        }
+    }
+    Column {
+        anchors.verticalCenter: parent.verticalCenter
+        anchors.left: badge.right
+        anchors.leftMargin: 16
+        anchors.right: buttons.left
+        anchors.rightMargin: 16
+
+        PlainText {
+            text: "Reelcrate"
+            font.pixelSize: 27
+            font.weight: Font.ExtraBold
+            Accessible.ignored: false
+            Accessible.role: Accessible.Heading
+            Accessible.name: text
+        }
+        PlainText {
+            objectName: "summary"
+            width: parent.width
+            text: root.state.summary
+            color: TechTheme.muted
+            font.weight: Font.DemiBold
+            Accessible.ignored: false
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
+        }
+    }
+    Row {
+        id: buttons
+
+        anchors.verticalCenter: parent.verticalCenter
+        anchors.right: parent.right
+        anchors.rightMargin: 24
+        spacing: 16
+
+        SecondaryButtonStyle {
+            objectName: "openOutput"
+            height: 38
+            text: "Open Output"
+            symbol: "folder"
+            onClicked: root.state.openOutput()
+        }
+        QueueHeaderButtonStyle {
+            objectName: "clearQueue"
+            height: 38
+            width: 48
+            symbol: "trash"
+            symbolSize: 15
+            help: "Clear queue"
+            enabled: root.state.controls.canClearQueue
+            onClicked: root.state.clearQueue()
+        }
+        QueueDownloadButtonStyle {
+            objectName: "downloadAll"
+            height: 38
+            width: Math.max(118, implicitWidth)
+            text: "Download All"
+            symbol: "arrow.down.circle.fill"
+            enabled: root.state.controls.canDownloadAll
+            onClicked: root.state.downloadAll()
+        }
+    }
+}

@@ -1,0 +1,187 @@
+#include "ui/reelcrate_app.h"
+
+#include "theme/tech_theme.h"
+#include "ui/thumbnail_provider.h"
+#include "ui/window_sizing.h"
+
+#include <QClipboard>
+#include <QFontDatabase>
+#include <QGuiApplication>
+#include <QQuickStyle>
+#include <QQuickWindow>
+#include <QScreen>
+
+#include <algorithm>
+#include <utility>
+
+void qml_register_types_Reelcrate();
+void qml_register_types_Reelcrate_Theme();
+
+namespace reelcrate {
+
+namespace {
+
+/// The window is drawn in one typeface everywhere; where its files fail, the system's own shows.
+void useTypeface() {
+    for (const char* weight : {"Regular", "Medium", "SemiBold", "Bold", "ExtraBold"})
+        QFontDatabase::addApplicationFont(
+            QStringLiteral(":/reelcrate/fonts/Inter-%1.otf").arg(QLatin1String(weight)));
+    QFont font(QStringLiteral("Inter"));
+    font.setPixelSize(TechTheme::headline);
+    QGuiApplication::setFont(font);
+}
+
+void registerTypes() {
+    // A static library's registrations run only where they are named.
+    qml_register_types_Reelcrate();
+    qml_register_types_Reelcrate_Theme();
+    QQuickStyle::setStyle(QStringLiteral("Basic"));
+    useTypeface();
+}
+
+TechTheme* theme(QQmlEngine& engine) {
+    static const int type = qmlTypeId("Reelcrate.Theme", 1, 0, "TechTheme");
+    return engine.singletonInstance<TechTheme*>(type);
+}
+
+}  // namespace
+
+ReelcrateApp::ReelcrateApp(ProcessSupervisor& supervisor, ContentViewSetup setup, FirstLinks links)
+    : m_firstLinks(std::move(links)) {
+    static const bool registered = (registerTypes(), true);
+    Q_UNUSED(registered);
+    const QString desktopFolder = setup.desktopFolder;
+    m_view = std::make_unique<ContentView>(supervisor, completed(std::move(setup)));
+    m_state = std::make_unique<WindowState>(*m_view, desktopFolder);
+    m_sizing.setSingleShot(true);
+    connect(&m_sizing, &QTimer::timeout, this, &ReelcrateApp::sizeWindow);
+    connect(m_state.get(), &WindowState::quitRequested, this, [this] { quit(); });
+    connect(&m_state->runProgress(), &RunProgress::changed, this, &ReelcrateApp::showRunProgress);
+    connect(&m_state->runProgress(), &RunProgress::finished, this, &ReelcrateApp::announceEnd);
+    connect(m_view.get(), &ContentView::toolsChanged, this, &ReelcrateApp::addFirstLinks);
+    // Later, so that it sees the outcome of a whole operation and not its middle.
+    connect(m_state.get(), &WindowState::controlsChanged, this, &ReelcrateApp::downloadFirstLinks);
+    connect(m_view.get(), &ContentView::activeSummaryChanged, this,
+            &ReelcrateApp::downloadFirstLinks, Qt::QueuedConnection);
+}
+
+ReelcrateApp::~ReelcrateApp() {
+    m_deleteKeyMonitor.reset();
+    m_engine.reset();
+}
+
+ContentViewSetup ReelcrateApp::completed(ContentViewSetup setup) {
+    if (!setup.clipboardText)
+        setup.clipboardText = [] { return QGuiApplication::clipboard()->text(); };
+    if (!setup.openFolder)
+        setup.openFolder = [this](const QString& path) { m_fileManager.openFolder(path); };
+    if (!setup.showFile)
+        setup.showFile = [this](const QString& path) { m_fileManager.showFile(path); };
+    if (!setup.textEditing)
+        setup.textEditing = &m_textEditing;
+    return setup;
+}
+
+bool ReelcrateApp::show() {
+    m_engine = std::make_unique<QQmlApplicationEngine>();
+    m_engine->addImportPath(QStringLiteral("qrc:/qt/qml"));
+    m_engine->addImageProvider(ThumbnailProvider::name(), new ThumbnailProvider);
+    m_engine->setInitialProperties({{QStringLiteral("state"), QVariant::fromValue(m_state.get())}});
+    followMotionSetting();
+    m_engine->load(QUrl(QStringLiteral("qrc:/qt/qml/Reelcrate/MainWindow.qml")));
+    if (m_engine->rootObjects().isEmpty())
+        return false;
+    m_window = qobject_cast<QQuickWindow*>(m_engine->rootObjects().constFirst());
+    m_textEditing.setWindow(m_window);
+    connect(m_window, &QWindow::visibleChanged, this, [this](bool visible) {
+        if (visible)
+            appear();
+        else
+            disappear();
+    });
+    m_window->show();
+    return true;
+}
+
+void ReelcrateApp::appear() {
+    if (m_view->toolStates().isEmpty())
+        m_view->checkTools();
+    ensureReadableWindowSize();
+    installDeleteKeyMonitor();
+}
+
+void ReelcrateApp::disappear() {
+    m_deleteKeyMonitor.reset();
+}
+
+void ReelcrateApp::addFirstLinks() {
+    if (!m_view->isCheckingTools() && !m_firstLinks.texts.isEmpty())
+        m_view->addSongs(std::exchange(m_firstLinks.texts, {}).join(u'\n'));
+}
+
+void ReelcrateApp::downloadFirstLinks() {
+    const auto& rows = m_view->queue().rows();
+    const bool read = std::none_of(rows.begin(), rows.end(),
+                                   [](const DownloadItem& row) { return row.isResolvingInfo; });
+    if (m_firstLinks.download && !rows.isEmpty() && read) {
+        m_firstLinks.download = false;
+        m_view->startDownloads();
+    }
+}
+
+void ReelcrateApp::ensureReadableWindowSize() {
+    m_sizing.start();
+}
+
+void ReelcrateApp::sizeWindow() {
+    if (!m_window->isVisible())
+        return;
+    const QScreen* screen = m_window->screen();
+    const ReadableWindow readable =
+        readableWindow(m_window->frameGeometry(),
+                       screen ? std::optional<QRectF>(screen->availableGeometry()) : std::nullopt);
+    // The rule speaks of frames, the toolkit of what is inside them.
+    const QMargins frame = m_window->frameMargins();
+    m_window->setMinimumSize(readable.minimumSize.toSize().shrunkBy(frame));
+    if (readable.frame)
+        m_window->setGeometry(readable.frame->toRect().marginsRemoved(frame));
+}
+
+void ReelcrateApp::installDeleteKeyMonitor() {
+    if (m_deleteKeyMonitor)
+        return;
+    m_deleteKeyMonitor = std::make_unique<KeyMonitor>(*m_view, m_textEditing, *m_window);
+    connect(m_deleteKeyMonitor.get(), &KeyMonitor::focusMoved, m_state.get(),
+            &WindowState::focusMoved);
+}
+
+void ReelcrateApp::showRunProgress() {
+    m_launcherProgress.setProgress(m_state->runProgress().fraction());
+}
+
+void ReelcrateApp::announceEnd(int complete, int needAttention) {
+    if (m_window && m_window->isActive())
+        return;
+    QString text = complete == 1 ? QStringLiteral("1 song is complete.")
+                                 : QStringLiteral("%1 songs are complete.").arg(complete);
+    if (needAttention > 0)
+        text += needAttention == 1 ? QStringLiteral(" 1 needs attention.")
+                                   : QStringLiteral(" %1 need attention.").arg(needAttention);
+    m_notifications.show(QStringLiteral("Download run finished"), text);
+}
+
+void ReelcrateApp::followMotionSetting() {
+    TechTheme* shown = theme(*m_engine);
+    const auto follow = [this, shown] { shown->setAnimated(!m_motionSetting.reduceMotion()); };
+    connect(&m_motionSetting, &MotionSetting::reduceMotionChanged, shown, follow);
+    follow();
+}
+
+void ReelcrateApp::quit(int exitStatus) {
+    if (m_window)
+        m_window->hide();
+    m_view->shutDown();
+    QCoreApplication::exit(exitStatus);
+}
+
+}  // namespace reelcrate

@@ -1,0 +1,280 @@
+#include "ui/row_presentation.h"
+
+#include "queue/links.h"
+#include "theme/tech_theme.h"
+
+#include <QStringList>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace reelcrate {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+struct StatusLook {
+    QLatin1String headline;  // where the detail tells nothing better
+    QLatin1String icon;
+    QColor labelColor;
+    QColor headlineColor;
+};
+
+QColor amber() {
+    return rgb(0.55, 0.36, 0.06);
+}
+
+/// How a row looks whose link is not being read.
+const StatusLook& lookOf(QueueStatus status) {
+    // In the order of the enumeration.
+    static const std::array looks{
+        StatusLook{"Ready to Download"_L1, "arrow.down.circle.fill"_L1, TechTheme::queueMuted,
+                   TechTheme::queueText},
+        StatusLook{"Waiting to Download"_L1, "clock.fill"_L1, TechTheme::queueMuted,
+                   TechTheme::queueText},
+        StatusLook{"Downloading"_L1, "bolt.fill"_L1, TechTheme::gold, amber()},
+        StatusLook{"Complete"_L1, "checkmark.circle.fill"_L1, TechTheme::green,
+                   rgb(0.10, 0.47, 0.25)},
+        StatusLook{"Needs Attention"_L1, "exclamationmark.triangle.fill"_L1, TechTheme::orange,
+                   rgb(0.60, 0.24, 0.10)},
+    };
+    return looks.at(static_cast<std::size_t>(status));
+}
+
+struct TextRule {
+    QLatin1String detail;
+    QLatin1String text;
+};
+
+// By a part of the lower-cased detail; the first that applies decides.
+constexpr std::array completeHeadlines{
+    TextRule{"already downloaded"_L1, "Already Downloaded"_L1},
+    TextRule{"trimmed"_L1, "Saved & Trimmed"_L1},
+    TextRule{"silence trim skipped"_L1, "Saved"_L1},
+};
+
+// By the whole detail.
+constexpr std::array runningSubtitles{
+    TextRule{"Preparing Song for Download"_L1, "Finding the best source"_L1},
+    TextRule{"Preparing Video for Download"_L1, "Finding the best video source"_L1},
+    TextRule{"Downloading Song"_L1, "Getting the audio file"_L1},
+    TextRule{"Downloading Video"_L1, "Getting the video file"_L1},
+    TextRule{"Examining Song to Trim"_L1, "Checking start/end silence"_L1},
+    TextRule{"Trimming Song"_L1, "Removing silent edges"_L1},
+    TextRule{"Saving MP3"_L1, "Writing final file"_L1},
+    TextRule{"Saving MP4"_L1, "Writing final video"_L1},
+};
+
+QString completeHeadline(const DownloadItem& item) {
+    const QString lowered = item.detail.toLower();
+    for (const TextRule& rule : completeHeadlines) {
+        if (lowered.contains(rule.detail))
+            return rule.text;
+    }
+    return lookOf(item.status).headline;
+}
+
+std::optional<QString> runningSubtitle(const QString& detail) {
+    for (const TextRule& rule : runningSubtitles) {
+        if (detail == rule.detail)
+            return rule.text;
+    }
+    return std::nullopt;
+}
+
+QString completeSubtitle(const QString& detail) {
+    return detail.toLower().contains("trimmed"_L1) ? QStringLiteral("Silent start/end removed")
+                                                   : QStringLiteral("Ready in folder");
+}
+
+QString readingSubtitle(const DownloadItem& item, const QString& detail) {
+    const QString lowered = detail.toLower();
+    if (lowered.contains("trying again"_L1) || lowered.contains("temporary read issue"_L1))
+        return detail;
+    return playlistLike(item.url, item.source) ? QStringLiteral("Reading playlist songs")
+                                               : QStringLiteral("Loading song info");
+}
+
+struct WindowColors {
+    QueueStatusBackground background;
+    QColor shadow;
+    QColor stroke;
+};
+
+WindowColors windowColors(QueueStatus status) {
+    switch (status) {
+        case QueueStatus::failed:
+            return {{rgb(1.0, 0.93, 0.86), rgb(0.94, 0.82, 0.72)},
+                    rgb(0.60, 0.24, 0.10, 0.14),
+                    rgb(0.80, 0.40, 0.20, 0.42)};
+        case QueueStatus::complete:
+            return {{rgb(0.93, 0.98, 0.94), rgb(0.80, 0.92, 0.84)},
+                    rgb(0.20, 0.56, 0.30, 0.16),
+                    rgb(0.36, 0.70, 0.44, 0.45)};
+        case QueueStatus::waiting:
+        case QueueStatus::queued:
+        case QueueStatus::running:
+            break;
+    }
+    return {{white(0.94), rgb(0.94, 0.91, 0.84)},
+            faded(TechTheme::gold, 0.14),
+            faded(TechTheme::gold, 0.42)};
+}
+
+struct ActionLook {
+    QLatin1String symbol;
+    QLatin1String help;
+};
+
+// In the order of the enumeration.
+constexpr std::array actionLooks{
+    ActionLook{{}, "Loading song info"_L1},
+    ActionLook{"magnifyingglass"_L1, "Show downloaded file"_L1},
+    ActionLook{"arrow.clockwise"_L1, "Read link again"_L1},
+    ActionLook{"arrow.clockwise"_L1, "Try download again"_L1},
+    ActionLook{"arrow.down"_L1, "Download this song"_L1},
+};
+
+const ActionLook& lookOf(RowAction action) {
+    return actionLooks.at(static_cast<std::size_t>(action));
+}
+
+bool breaksLine(QChar c) {
+    return c.category() == QChar::Other_Control || c.category() == QChar::Separator_Line ||
+           c.category() == QChar::Separator_Paragraph;
+}
+
+}  // namespace
+
+QString queueRowTitle(const DownloadItem& item) {
+    QString title = item.title.isEmpty() ? item.url : item.title;
+    std::replace_if(title.begin(), title.end(), breaksLine, QChar(u' '));
+    return title;
+}
+
+QString queueStatusHeadline(const DownloadItem& item) {
+    if (item.isResolvingInfo)
+        return QStringLiteral("Reading Link");
+    if (item.status == QueueStatus::running && !item.detail.isEmpty())
+        return item.detail;
+    if (item.status == QueueStatus::complete)
+        return completeHeadline(item);
+    return lookOf(item.status).headline;
+}
+
+QColor queueDetailColor(const DownloadItem& item) {
+    const bool isReading = item.isResolvingInfo && item.status != QueueStatus::complete;
+    return isReading ? amber() : lookOf(item.status).headlineColor;
+}
+
+std::optional<QString> queueStatusSubtitle(const DownloadItem& item) {
+    const QString detail = item.detail.trimmed();
+    // What has ended says how, even while its link is read once more.
+    if (item.status == QueueStatus::failed)
+        return detail.isEmpty() ? std::nullopt : std::optional(detail);
+    if (item.status == QueueStatus::complete)
+        return completeSubtitle(detail);
+    if (item.isResolvingInfo)
+        return readingSubtitle(item, detail);
+    if (item.status == QueueStatus::running)
+        return runningSubtitle(detail);
+    return item.status == QueueStatus::waiting ? QStringLiteral("Click gold arrow to download")
+                                               : QStringLiteral("Starts when a slot opens");
+}
+
+QString queueStatusIcon(const DownloadItem& item) {
+    return item.isResolvingInfo ? "arrow.triangle.2.circlepath"_L1 : lookOf(item.status).icon;
+}
+
+QString queueStatusLabel(const DownloadItem& item) {
+    return item.isResolvingInfo ? QStringLiteral("Reading") : rawValue(item.status);
+}
+
+QColor queueStatusLabelColor(const DownloadItem& item) {
+    return item.isResolvingInfo ? TechTheme::gold : lookOf(item.status).labelColor;
+}
+
+QColor queueAccentColor(const DownloadItem& item, bool selected) {
+    switch (item.status) {
+        case QueueStatus::running:
+            return TechTheme::gold;
+        case QueueStatus::failed:
+            return rgb(0.80, 0.43, 0.16);
+        case QueueStatus::complete:
+            return rgb(0.22, 0.64, 0.32);
+        case QueueStatus::waiting:
+        case QueueStatus::queued:
+            break;
+    }
+    if (item.isResolvingInfo)
+        return TechTheme::gold;
+    return selected ? faded(TechTheme::gold, 0.86) : faded(TechTheme::queueInset, 0.80);
+}
+
+QueueStatusBackground queueStatusBackground(QueueStatus status) {
+    return windowColors(status).background;
+}
+
+QColor queueStatusShadowColor(QueueStatus status) {
+    return windowColors(status).shadow;
+}
+
+QColor queueStatusStrokeColor(QueueStatus status) {
+    return windowColors(status).stroke;
+}
+
+QString progressPercentage(double progress) {
+    return QStringLiteral("%1%").arg(std::lround(progressBarValue(progress) * 100));
+}
+
+double progressBarValue(double progress) {
+    return std::isnan(progress) ? 0.0 : std::clamp(progress, 0.0, 1.0);
+}
+
+RowAction queueRowAction(const DownloadItem& item, bool shouldRetryInfo) {
+    if (item.isResolvingInfo)
+        return RowAction::busy;
+    switch (item.status) {
+        case QueueStatus::queued:
+        case QueueStatus::running:
+            return RowAction::busy;
+        case QueueStatus::complete:
+            return RowAction::reveal;
+        case QueueStatus::failed:
+            return shouldRetryInfo ? RowAction::readAgain : RowAction::tryAgain;
+        case QueueStatus::waiting:
+            break;
+    }
+    return RowAction::download;
+}
+
+QString rowActionSymbol(RowAction action) {
+    return lookOf(action).symbol;
+}
+
+QString rowActionHelp(RowAction action) {
+    return lookOf(action).help;
+}
+
+bool rowActionEnabled(RowAction action, bool slotsFull, bool coreToolsReady) {
+    if (action == RowAction::download)
+        return !slotsFull && coreToolsReady;
+    return action != RowAction::busy;
+}
+
+bool rowIsRaised(const DownloadItem& item) {
+    return item.isResolvingInfo || item.status == QueueStatus::running;
+}
+
+QString rowAccessibleName(const DownloadItem& item) {
+    QStringList parts{queueRowTitle(item), queueStatusHeadline(item)};
+    if (const std::optional<QString> subtitle = queueStatusSubtitle(item))
+        parts.append(*subtitle);
+    if (item.status == QueueStatus::running)
+        parts.append(progressPercentage(item.progress));
+    return parts.join(QStringLiteral(", "));
+}
+
+}  // namespace reelcrate

@@ -1,0 +1,230 @@
+#include "ui/window_state.h"
+
+#include "app/content_view.h"
+
+#include <cmath>
+
+namespace reelcrate {
+
+WindowState::WindowState(ContentView& view, const QString& desktopFolder, QObject* parent)
+    : QObject(parent),
+      m_view(view),
+      m_desktopFolder(desktopFolder),
+      m_rows(view),
+      m_toolLog([&view] { return view.toolLog(); }),
+      m_runLog([&view] { return view.runLog(); }),
+      m_runProgress(view),
+      m_controls(WindowControls::of(view)) {
+    m_refresh.setSingleShot(true);
+    connect(&m_refresh, &QTimer::timeout, this, &WindowState::refreshControls);
+    const auto refreshSoon = qOverload<>(&QTimer::start);
+    connect(&view, &ContentView::toolsChanged, &m_refresh, refreshSoon);
+    connect(&view, &ContentView::updateChanged, &m_refresh, refreshSoon);
+    connect(&view, &ContentView::selectionChanged, &m_refresh, refreshSoon);
+    connect(&view, &ContentView::activeDownloadRunsChanged, &m_refresh, refreshSoon);
+    followQueue();
+
+    connect(&view, &ContentView::activeSummaryChanged, this, &WindowState::summaryChanged);
+    connect(&view, &ContentView::eventNameChanged, this, &WindowState::eventNameChanged);
+    connect(&view, &ContentView::pastedLinksChanged, this, &WindowState::pastedLinksChanged);
+    connect(&view, &ContentView::outputFolderChanged, this, &WindowState::outputFolderChanged);
+    connect(&view, &ContentView::downloadModeChanged, this, &WindowState::modeChanged);
+    connect(&view, &ContentView::toolLogAppended, &m_toolLog, &LogTail::append);
+    connect(&view, &ContentView::toolLogCleared, &m_toolLog, &LogTail::clear);
+    connect(&view, &ContentView::runLogAppended, &m_runLog, &LogTail::append);
+    connect(&view, &ContentView::runLogCleared, &m_runLog, &LogTail::clear);
+    connect(&m_runProgress, &RunProgress::changed, this, &WindowState::refreshTitle);
+}
+
+void WindowState::followQueue() {
+    const auto refreshSoon = qOverload<>(&QTimer::start);
+    const QueueStore& queue = m_view.queue();
+    connect(&queue, &QueueStore::rowsInserted, &m_refresh, refreshSoon);
+    connect(&queue, &QueueStore::rowReplaced, &m_refresh, refreshSoon);
+    connect(&queue, &QueueStore::rowsRemoved, &m_refresh, refreshSoon);
+    connect(&queue, &QueueStore::rowChanged, this, [this](qsizetype, QueueStore::Fields fields) {
+        if (fields & QueueStore::Status)
+            m_refresh.start();
+    });
+}
+
+void WindowState::refreshControls() {
+    const WindowControls controls = WindowControls::of(m_view);
+    if (controls == m_controls)
+        return;
+    m_controls = controls;
+    Q_EMIT controlsChanged();
+}
+
+void WindowState::refreshTitle() {
+    const auto fraction = m_runProgress.fraction();
+    const int percent = fraction ? static_cast<int>(std::floor(*fraction * 100)) : -1;
+    if (percent == m_shownPercent)
+        return;
+    m_shownPercent = percent;
+    Q_EMIT titleChanged();
+}
+
+QString WindowState::summary() const {
+    return m_view.activeSummary();
+}
+
+QString WindowState::title() const {
+    const QString name = QStringLiteral("Reelcrate");
+    return m_shownPercent < 0 ? name : QStringLiteral("%1% – %2").arg(m_shownPercent).arg(name);
+}
+
+QString WindowState::eventName() const {
+    return m_view.eventName();
+}
+
+void WindowState::setEventName(const QString& name) {
+    m_view.setEventName(name);
+}
+
+QString WindowState::pastedLinks() const {
+    return m_view.pastedLinks();
+}
+
+void WindowState::setPastedLinks(const QString& text) {
+    m_view.setPastedLinks(text);
+}
+
+QString WindowState::outputFolder() const {
+    return m_view.outputFolder();
+}
+
+QStringList WindowState::modes() {
+    QStringList labels;
+    for (const DownloadMode mode : allDownloadModes)
+        labels.append(rawValue(mode));
+    return labels;
+}
+
+int WindowState::mode() const {
+    return static_cast<int>(m_view.downloadMode());
+}
+
+void WindowState::setMode(int mode) {
+    m_view.setDownloadMode(allDownloadModes.at(static_cast<std::size_t>(mode)));
+}
+
+QString WindowState::version() {
+    return QStringLiteral("Version ") + ContentView::appVersion;
+}
+
+QUrl WindowState::folderPickerStart() const {
+    return m_desktopFolder.isEmpty() ? QUrl() : QUrl::fromLocalFile(m_desktopFolder);
+}
+
+void WindowState::addSongsFromFieldOrClipboard() {
+    m_view.addSongsFromFieldOrClipboard();
+}
+
+void WindowState::addSongs(const QString& text) {
+    m_view.addSongs(text);
+}
+
+void WindowState::pasteIntoField() {
+    m_view.setPastedLinks(m_view.clipboardText());
+}
+
+void WindowState::openOutput() {
+    m_view.openFolder(m_view.outputFolder());
+}
+
+void WindowState::clearQueue() {
+    m_view.clearQueue();
+}
+
+void WindowState::downloadAll() {
+    m_view.startDownloads();
+}
+
+void WindowState::setUp() {
+    if (m_view.isCheckingTools() || m_view.isInstallingTools())
+        return;
+    if (m_view.missingInstallableTools().isEmpty())
+        m_view.checkTools();
+    else
+        m_view.installMissingTools();
+}
+
+void WindowState::scanForUpdate() {
+    m_view.scanForUpdate();
+}
+
+void WindowState::chooseFolder(const QUrl& folder) {
+    if (folder.isLocalFile())
+        m_view.setOutputFolder(folder.toLocalFile());
+}
+
+void WindowState::clickQueueArea() {
+    m_view.clickQueueArea();
+}
+
+void WindowState::clickRow(const QString& itemID, int modifiers) {
+    KeyModifiers keys;
+    keys.setFlag(KeyModifier::shift, (modifiers & Qt::ShiftModifier) != 0);
+    keys.setFlag(KeyModifier::command, (modifiers & Qt::ControlModifier) != 0);
+    m_view.updateQueueSelection(QUuid(itemID), keys);
+}
+
+void WindowState::actOnRow(const QString& itemID) {
+    const DownloadItem* row = m_view.queue().find(QUuid(itemID));
+    if (!row)
+        return;
+    const DownloadItem item = *row;
+    const RowAction action = queueRowAction(item, ContentView::shouldRetryInfoForFailedItem(item));
+    if (!m_rows.isActionEnabled(action))
+        return;
+    switch (action) {
+        case RowAction::busy:
+            break;
+        case RowAction::reveal:
+            m_view.revealOutput(item);
+            break;
+        case RowAction::readAgain:
+            m_view.retryResolveInfo(item);
+            break;
+        case RowAction::tryAgain:
+        case RowAction::download:
+            m_view.startDownloadRun({item.id});
+            break;
+    }
+}
+
+bool WindowState::deletesSelection(const QString& itemID) const {
+    return m_view.selectedQueueItemIDs().contains(QUuid(itemID)) &&
+           m_view.selectedVisibleQueueItemCount() > 1;
+}
+
+void WindowState::deleteFromRow(const QString& itemID) {
+    if (deletesSelection(itemID))
+        m_view.deleteQueueItems(m_view.selectedQueueItemIDs());
+    else
+        m_view.deleteQueueItems({QUuid(itemID)});
+}
+
+int WindowState::focusedIndex() const {
+    const auto focus = m_view.selectionFocusQueueItemID();
+    return focus ? static_cast<int>(m_view.queue().indexOf(*focus)) : -1;
+}
+
+QString WindowState::focusedItemID() const {
+    const int index = focusedIndex();
+    return index < 0 ? QString() : idText(m_view.queue().rows().at(index).id);
+}
+
+int WindowState::unfinishedCount() const {
+    return static_cast<int>(m_view.queue().countWithStatus(QueueStatus::running) +
+                            m_view.queue().countWithStatus(QueueStatus::queued));
+}
+
+QString WindowState::quitQuestion() const {
+    const int count = unfinishedCount();
+    return count == 1 ? QStringLiteral("1 song is unfinished.")
+                      : QStringLiteral("%1 songs are unfinished.").arg(count);
+}
+
+}  // namespace reelcrate

@@ -1,0 +1,118 @@
+#pragma once
+
+#include "ui/log_tail.h"
+#include "ui/queue_list_model.h"
+#include "ui/run_progress.h"
+#include "ui/window_controls.h"
+
+#include <QObject>
+#include <QString>
+#include <QStringList>
+#include <QTimer>
+#include <QUrl>
+#include <QtQml/qqmlregistration.h>
+
+/// The controller as the window's QML sees it: state as properties, one operation per control.
+/// What the controls show follows a change in the next turn of the event loop, once for all changes
+/// of a turn. Main thread. The controller outlives it.
+namespace reelcrate {
+
+class ContentView;
+
+class WindowState : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("made by the program")
+
+    Q_PROPERTY(reelcrate::WindowControls controls READ controls NOTIFY controlsChanged)
+    Q_PROPERTY(reelcrate::QueueListModel* rows READ rows CONSTANT)
+    Q_PROPERTY(reelcrate::LogTail* toolLog READ toolLog CONSTANT)
+    Q_PROPERTY(reelcrate::LogTail* runLog READ runLog CONSTANT)
+    Q_PROPERTY(QString summary READ summary NOTIFY summaryChanged)
+    Q_PROPERTY(QString title READ title NOTIFY titleChanged)
+    Q_PROPERTY(QString eventName READ eventName WRITE setEventName NOTIFY eventNameChanged)
+    Q_PROPERTY(QString pastedLinks READ pastedLinks WRITE setPastedLinks NOTIFY pastedLinksChanged)
+    Q_PROPERTY(QString outputFolder READ outputFolder NOTIFY outputFolderChanged)
+    Q_PROPERTY(QStringList modes READ modes CONSTANT)
+    Q_PROPERTY(int mode READ mode WRITE setMode NOTIFY modeChanged)
+    Q_PROPERTY(QString version READ version CONSTANT)
+    Q_PROPERTY(QUrl folderPickerStart READ folderPickerStart CONSTANT)
+
+public:
+    /// `desktopFolder` is where the folder picker starts; empty when the system names none.
+    WindowState(ContentView& view, const QString& desktopFolder, QObject* parent = nullptr);
+
+    const WindowControls& controls() const { return m_controls; }
+    QueueListModel* rows() { return &m_rows; }
+    LogTail* toolLog() { return &m_toolLog; }
+    LogTail* runLog() { return &m_runLog; }
+    const RunProgress& runProgress() const { return m_runProgress; }
+    QString summary() const;
+    QString title() const;
+    QString eventName() const;
+    void setEventName(const QString& name);
+    QString pastedLinks() const;
+    void setPastedLinks(const QString& text);
+    QString outputFolder() const;
+    static QStringList modes();
+    int mode() const;
+    void setMode(int mode);
+    static QString version();
+    QUrl folderPickerStart() const;
+
+    Q_INVOKABLE void addSongsFromFieldOrClipboard();
+    Q_INVOKABLE void addSongs(const QString& text);
+    Q_INVOKABLE void pasteIntoField();
+    Q_INVOKABLE void openOutput();
+    Q_INVOKABLE void clearQueue();
+    Q_INVOKABLE void downloadAll();
+    Q_INVOKABLE void setUp();
+    Q_INVOKABLE void scanForUpdate();
+    Q_INVOKABLE void chooseFolder(const QUrl& folder);
+
+    Q_INVOKABLE void clickQueueArea();
+    /// `modifiers` are Qt's keyboard modifiers.
+    Q_INVOKABLE void clickRow(const QString& itemID, int modifiers);
+    Q_INVOKABLE void actOnRow(const QString& itemID);
+    /// Whether the row's menu offers to delete all selected rows and not this one.
+    Q_INVOKABLE bool deletesSelection(const QString& itemID) const;
+    Q_INVOKABLE void deleteFromRow(const QString& itemID);
+    /// The row that the keyboard is at; -1 and empty text for none.
+    Q_INVOKABLE int focusedIndex() const;
+    Q_INVOKABLE QString focusedItemID() const;
+
+    /// Rows that are being downloaded or wait for a slot.
+    Q_INVOKABLE int unfinishedCount() const;
+    /// What to ask before the window closes on them.
+    Q_INVOKABLE QString quitQuestion() const;
+
+Q_SIGNALS:
+    void controlsChanged();
+    void summaryChanged();
+    void titleChanged();
+    void eventNameChanged();
+    void pastedLinksChanged();
+    void outputFolderChanged();
+    void modeChanged();
+    /// An arrow key moved the focus among the rows.
+    void focusMoved();
+    /// The user wants the program to end, whatever is under way.
+    void quitRequested();
+
+private:
+    void followQueue();
+    void refreshControls();
+    void refreshTitle();
+
+    ContentView& m_view;
+    const QString m_desktopFolder;
+    QueueListModel m_rows;
+    LogTail m_toolLog;
+    LogTail m_runLog;
+    RunProgress m_runProgress;
+    WindowControls m_controls;
+    QTimer m_refresh;
+    int m_shownPercent = -1;
+};
+
+}  // namespace reelcrate
