@@ -9,6 +9,8 @@ import Reelcrate.Theme
 FocusScope {
     id: root
 
+    objectName: "queuePane"
+
     required property WindowState state
     readonly property windowControls controls: state.controls
     readonly property alias menuIsOpen: menu.visible
@@ -86,6 +88,8 @@ FocusScope {
         boundsBehavior: Flickable.StopAtBounds
         reuseItems: true
         keyNavigationEnabled: false
+        // The selection is the queue's own; a current row would take the keyboard from the list.
+        currentIndex: -1
         model: root.state.rows
         ScrollBar.vertical: GlassScrollBar {
             tint: TechTheme.queueMuted
@@ -114,9 +118,12 @@ FocusScope {
             onMenuRequested: (x, y) => menu.show(itemID, this, x, y)
         }
 
+        // Between and below the rows; what lies under the list gets no clicks.
         MouseArea {
             parent: list.contentItem
-            anchors.fill: parent
+            y: list.contentY
+            width: list.width
+            height: list.height
             z: -1
             onClicked: root.state.clickQueueArea()
         }

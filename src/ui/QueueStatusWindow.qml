@@ -5,6 +5,8 @@ import Reelcrate.Theme
 Surface {
     id: root
 
+    objectName: "statusWindow"
+
     required property string icon
     required property string headline
     required property color headlineColor

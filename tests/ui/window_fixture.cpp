@@ -1,0 +1,174 @@
+#include "window_fixture.h"
+
+#include <QDropEvent>
+#include <QMimeData>
+
+#include <vector>
+
+namespace reelcrate {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+QStringList& warnings() {
+    static QStringList warnings;
+    return warnings;
+}
+
+void keepWarning(QtMsgType type, const QMessageLogContext& /*context*/, const QString& text) {
+    // A screen that nobody sees takes no hints; a thumbnail that does not load is no fault.
+    const bool isExpected = text.startsWith(QStringLiteral("This plugin does not support")) ||
+                            text.contains(QStringLiteral("QueueThumbnail.qml"));
+    if ((type == QtWarningMsg || type == QtCriticalMsg) && !isExpected)
+        warnings().append(text);
+}
+
+}  // namespace
+
+WindowTest::WindowTest() {
+    for (const char* tool : {"yt-dlp", "ffmpeg", "spotdl"})
+        machine.install(QString::fromLatin1(tool));
+    setup.toolPlaces = machine.places();
+    setup.desktopFolder = machine.path(QStringLiteral("Desktop"));
+    setup.resolutionTiming = {10ms, 10ms, 1ms};
+    setup.downloadTiming = {1ms, 1ms, 1ms};
+    setup.clipboardText = [this] { return clipboard; };
+    setup.openFolder = [this](const QString& path) {
+        opened.append(QStringLiteral("folder ") + path);
+    };
+    setup.showFile = [this](const QString& path) { opened.append(QStringLiteral("file ") + path); };
+    warnings().clear();
+    qInstallMessageHandler(keepWarning);
+}
+
+WindowTest::~WindowTest() {
+    app.reset();
+    qInstallMessageHandler(nullptr);
+    EXPECT_EQ(warnings().join(u'\n'), QString());
+}
+
+void WindowTest::open(FirstLinks links) {
+    app = std::make_unique<ReelcrateApp>(machine.supervisor, setup, std::move(links));
+    app->view().setEventName(QStringLiteral("Prom"));
+    ASSERT_TRUE(app->show());
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(app->window()));
+    app->window()->requestActivate();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(app->window()));
+    ASSERT_TRUE(
+        waitUntil([this] { return !view().toolStates().isEmpty() && !view().isCheckingTools(); }));
+    settle();
+}
+
+QQuickItem* WindowTest::find(QQuickItem* root, const Test& test) {
+    if (test(*root))
+        return root;
+    for (QQuickItem* child : root->childItems()) {
+        if (QQuickItem* found = find(child, test))
+            return found;
+    }
+    return nullptr;
+}
+
+WindowTest::Test WindowTest::isNamed(const char* objectName) {
+    return [name = QString::fromLatin1(objectName)](const QQuickItem& item) {
+        return item.objectName() == name;
+    };
+}
+
+QQuickItem* WindowTest::item(const char* objectName) const {
+    QQuickItem* found = find(app->window()->contentItem(), isNamed(objectName));
+    EXPECT_TRUE(found) << objectName;
+    return found;
+}
+
+QQuickItem* WindowTest::withText(const char* text) const {
+    const QString sought = QString::fromLatin1(text);
+    QQuickItem* found = find(app->window()->contentItem(), [&](const QQuickItem& item) {
+        return item.isVisible() && item.property("text") == sought;
+    });
+    EXPECT_TRUE(found) << text;
+    return found;
+}
+
+QQuickItem* WindowTest::row(int index) const {
+    QQuickItem* found = nullptr;
+    QMetaObject::invokeMethod(item("queueList"), "itemAtIndex", Q_RETURN_ARG(QQuickItem*, found),
+                              Q_ARG(int, index));
+    EXPECT_TRUE(found) << "row " << index;
+    return found;
+}
+
+QQuickItem* WindowTest::inRow(int index, const char* objectName) const {
+    QQuickItem* found = find(row(index), isNamed(objectName));
+    EXPECT_TRUE(found) << objectName;
+    return found;
+}
+
+void WindowTest::click(const QQuickItem* item, Qt::MouseButton button,
+                       Qt::KeyboardModifiers modifiers) {
+    const QPointF middle = item->mapToScene({item->width() / 2, item->height() / 2});
+    QTest::mouseClick(app->window(), button, modifiers, middle.toPoint());
+    settle();
+}
+
+void WindowTest::clickRow(int index, Qt::KeyboardModifiers modifiers) {
+    const QPointF inTitle = row(index)->mapToScene({150, 20});
+    QTest::mouseClick(app->window(), Qt::LeftButton, modifiers, inTitle.toPoint());
+    settle();
+}
+
+void WindowTest::press(Qt::Key key, Qt::KeyboardModifiers modifiers) {
+    QTest::keyClick(app->window(), key, modifiers);
+    settle();
+}
+
+void WindowTest::type(const QString& text) {
+    for (const QChar letter : text)
+        QTest::keyClick(app->window(), letter.toLatin1());
+    settle();
+}
+
+void WindowTest::drop(const QString& text, bool asUrls) {
+    QMimeData data;
+    if (asUrls)
+        data.setUrls({QUrl(text)});
+    else
+        data.setText(text);
+    const QPoint place(700, 400);
+    QDragEnterEvent enter(place, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(app->window(), &enter);
+    QDropEvent drop(place, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(app->window(), &drop);
+    settle();
+}
+
+QString WindowTest::link(const char* kind, const QString& name) {
+    return QStringLiteral("http://site/%1/%2").arg(QString::fromLatin1(kind), name);
+}
+
+void WindowTest::addReadRows(const QStringList& links) {
+    for (const DownloadItem& added : view().addLinksToQueue(links)) {
+        const QString title = added.url.section(u'/', -1);
+        view().applyResolution({{{added.url, added.source, title, QStringLiteral("3:45"), {}}}, {}},
+                               added, view().queue().indexOf(added.id));
+    }
+    settle();
+}
+
+bool WindowTest::waitForEnd() const {
+    const bool ended = waitUntil([this] { return view().activeDownloadRuns() == 0; });
+    settle();
+    return ended;
+}
+
+std::vector<qsizetype> WindowTest::selectedRows() const {
+    std::vector<qsizetype> rows;
+    for (const DownloadItem& each : view().queue().rows()) {
+        if (view().selectedQueueItemIDs().contains(each.id))
+            rows.push_back(view().queue().indexOf(each.id));
+    }
+    return rows;
+}
+
+}  // namespace reelcrate

@@ -1,0 +1,393 @@
+#include "theme/tech_theme.h"
+#include "window_fixture.h"
+
+#include <QAccessible>
+#include <QClipboard>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTextDocument>
+
+namespace reelcrate {
+namespace {
+
+using testing::ElementsAre;
+
+QStringList links(const char* kind, int count) {
+    QStringList all;
+    for (int i = 1; i <= count; ++i)
+        all.append(QStringLiteral("http://site/%1/song%2").arg(QLatin1String(kind)).arg(i));
+    return all;
+}
+
+TEST_F(WindowTest, AnEmptyQueueSaysSoAndOffersWhatIsPossible) {
+    open();
+    EXPECT_TRUE(isShown("emptyQueue"));
+    EXPECT_FALSE(isEnabled("clearQueue"));
+    EXPECT_FALSE(isEnabled("downloadAll"));
+    EXPECT_TRUE(isEnabled("addSongs"));
+    EXPECT_TRUE(isEnabled("openOutput"));
+    EXPECT_EQ(text("songCount"), QStringLiteral("0"));
+    EXPECT_EQ(text("activeCount"), QStringLiteral("0 active"));
+    EXPECT_FALSE(isShown("selectedCount"));
+    EXPECT_EQ(text("outputFolder"), machine.path(QStringLiteral("Desktop/Reelcrate Downloads")));
+    EXPECT_EQ(text("summary"), view().activeSummary());
+    EXPECT_TRUE(app->hasDeleteKeyMonitor());
+
+    click("openOutput");
+    EXPECT_THAT(opened, ElementsAre(QStringLiteral("folder ") + view().outputFolder()));
+    EXPECT_TRUE(QFileInfo::exists(view().outputFolder()));
+}
+
+TEST_F(WindowTest, LinksComeInByFieldButtonsClipboardDropAndCommandLine) {
+    open({{link("song", QStringLiteral("first"))}});
+    EXPECT_TRUE(waitUntil([this] { return view().queue().size() == 1; }));
+
+    click("linkField");
+    type(link("song", QStringLiteral("typed")));
+    EXPECT_EQ(view().pastedLinks(), link("song", QStringLiteral("typed")));
+    press(Qt::Key_Return);
+    EXPECT_EQ(view().queue().size(), 2);
+    EXPECT_EQ(text("linkField"), QString());
+
+    clipboard = link("song", QStringLiteral("copied"));
+    click("pasteLink");
+    EXPECT_EQ(text("linkField"), clipboard);
+    click("addLink");
+    EXPECT_EQ(view().queue().size(), 3);
+    clipboard = link("song", QStringLiteral("large"));
+    click("addSongs");
+    EXPECT_EQ(view().queue().size(), 4);
+
+    // What comes by these ways leaves the field alone.
+    view().setPastedLinks(QStringLiteral("half a link"));
+    drop(QStringLiteral("listen: %1").arg(link("song", QStringLiteral("text"))), false);
+    EXPECT_EQ(view().queue().size(), 5);
+    drop(link("song", QStringLiteral("url")), true);
+    EXPECT_EQ(view().queue().size(), 6);
+    clipboard = link("song", QStringLiteral("key"));
+    clickRow(0);
+    press(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(view().queue().size(), 7);
+    EXPECT_EQ(text("linkField"), QStringLiteral("half a link"));
+
+    clipboard.clear();
+    click("pasteLink");
+    EXPECT_EQ(text("linkField"), QString());
+    EXPECT_TRUE(waitUntil([this] { return record(6).title == QStringLiteral("key"); }));
+    settle();
+    EXPECT_EQ(text(inRow(6, "title")), QStringLiteral("key"));
+    EXPECT_EQ(text(inRow(6, "headline")), QStringLiteral("Ready to Download"));
+}
+
+TEST_F(WindowTest, RowsAreSelectedByPointerAndKeyboard) {
+    open();
+    addReadRows(links("song", 8));
+    EXPECT_FALSE(isShown("emptyQueue"));
+    clickRow(1);
+    clickRow(4, Qt::ShiftModifier);
+    EXPECT_THAT(selectedRows(), ElementsAre(1, 2, 3, 4));
+    clickRow(0, Qt::ShiftModifier);
+    EXPECT_THAT(selectedRows(), ElementsAre(0, 1));
+    clickRow(6, Qt::ControlModifier);
+    EXPECT_THAT(selectedRows(), ElementsAre(0, 1, 6));
+    EXPECT_EQ(text("selectedCount"), QStringLiteral("3 selected"));
+    EXPECT_TRUE(row(6)->property("isSelected").toBool());
+    EXPECT_FALSE(row(5)->property("isSelected").toBool());
+
+    press(Qt::Key_Up);
+    EXPECT_THAT(selectedRows(), ElementsAre(5));
+    press(Qt::Key_Down, Qt::ShiftModifier);
+    EXPECT_THAT(selectedRows(), ElementsAre(5, 6));
+    press(Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(text("summary"), QStringLiteral("Selected 8 songs"));
+    press(Qt::Key_Escape);
+    EXPECT_FALSE(isShown("selectedCount"));
+
+    clickRow(2);
+    press(Qt::Key_Delete);
+    EXPECT_EQ(view().queue().size(), 7);
+    EXPECT_EQ(text(inRow(2, "title")), QStringLiteral("song4"));
+    clickRow(2);
+    press(Qt::Key_Backspace);
+    EXPECT_EQ(view().queue().size(), 6);
+}
+
+TEST_F(WindowTest, KeysInATextAreTheTexts) {
+    open();
+    addReadRows(links("song", 3));
+    clickRow(1);
+    click("eventName");
+    press(Qt::Key_A, Qt::ControlModifier);
+    press(Qt::Key_Delete);
+    type(QStringLiteral("Gala"));
+    EXPECT_EQ(view().eventName(), QStringLiteral("Gala"));
+    EXPECT_EQ(view().queue().size(), 3);
+    EXPECT_THAT(selectedRows(), ElementsAre(1));
+
+    // A click on the queue, beside the rows too, gives the keyboard back to it.
+    click("queueList");
+    press(Qt::Key_Down);
+    EXPECT_THAT(selectedRows(), ElementsAre(2));
+    EXPECT_EQ(view().eventName(), QStringLiteral("Gala"));
+}
+
+TEST_F(WindowTest, TheKeyboardReachesEveryControlAndTheRows) {
+    open();
+    addReadRows(links("hold", 2));
+    QStringList reached;
+    for (int i = 0; i < 30; ++i) {
+        press(Qt::Key_Tab);
+        const QQuickItem* focused = app->window()->activeFocusItem();
+        if (focused && !focused->objectName().isEmpty())
+            reached.append(focused->objectName());
+    }
+    SCOPED_TRACE(reached.join(u' ').toStdString());
+    for (const char* name : {"openOutput", "clearQueue", "downloadAll", "addSongs", "linkField",
+                             "pasteLink", "addLink", "eventName", "chooseFolder", "modeMP3",
+                             "modeMP4", "setup", "scanForUpdate", "queueList", "logDisclosure"})
+        EXPECT_TRUE(reached.contains(QString::fromLatin1(name))) << name;
+
+    item("modeMP4")->forceActiveFocus(Qt::TabFocusReason);
+    press(Qt::Key_Space);
+    EXPECT_EQ(view().downloadMode(), DownloadMode::video);
+    item("modeMP3")->forceActiveFocus(Qt::TabFocusReason);
+    press(Qt::Key_Return);
+    EXPECT_EQ(view().downloadMode(), DownloadMode::audio);
+
+    item("queueList")->forceActiveFocus(Qt::TabFocusReason);
+    press(Qt::Key_Down);
+    press(Qt::Key_Return);
+    EXPECT_EQ(record(0).status, QueueStatus::running);
+    EXPECT_EQ(record(1).status, QueueStatus::waiting);
+    machine.tell(QStringLiteral("go"));
+    EXPECT_TRUE(waitForEnd());
+}
+
+TEST_F(WindowTest, TheMenuOfARowDeletesItOrTheSelection) {
+    open();
+    addReadRows(links("song", 5));
+    clickRow(0);
+    clickRow(1, Qt::ControlModifier);
+    const auto chooseFrom = [this](int index) {
+        click(inRow(index, "title"), Qt::RightButton);
+        const QString offered = text("deleteFromRow");
+        click("deleteFromRow");
+        return offered;
+    };
+    EXPECT_EQ(chooseFrom(3), QStringLiteral("Delete Song"));
+    EXPECT_EQ(view().queue().size(), 4);
+    EXPECT_EQ(chooseFrom(1), QStringLiteral("Delete Selected Songs"));
+    EXPECT_EQ(view().queue().size(), 2);
+
+    addReadRows(links("hold", 1));
+    click("downloadAll");
+    click(inRow(0, "title"), Qt::RightButton);
+    EXPECT_FALSE(isEnabled("deleteFromRow"));
+    press(Qt::Key_Escape);
+    machine.tell(QStringLiteral("go"));
+    EXPECT_TRUE(waitForEnd());
+    click("clearQueue");
+    EXPECT_TRUE(isShown("emptyQueue"));
+}
+
+TEST_F(WindowTest, ARunDisablesWhatMustNotHappenMeanwhile) {
+    open();
+    addReadRows(links("hold", 8));
+    EXPECT_TRUE(isEnabled("downloadAll"));
+    click("downloadAll");
+    EXPECT_EQ(text("addSongs"), QStringLiteral("Downloading"));
+    for (const char* name : {"addSongs", "addLink", "clearQueue", "downloadAll"})
+        EXPECT_FALSE(isEnabled(name)) << name;
+    EXPECT_EQ(text("activeCount"), QStringLiteral("6 active"));
+    EXPECT_TRUE(row(0)->property("isRunning").toBool());
+    EXPECT_TRUE(row(0)->property("actionIsBusy").toBool());
+    EXPECT_TRUE(row(6)->property("actionIsBusy").toBool());
+    clickRow(0);
+    press(Qt::Key_Delete);
+    EXPECT_EQ(view().queue().size(), 8);
+    EXPECT_TRUE(app->window()->title().contains(u'%'));
+
+    machine.tell(QStringLiteral("go"));
+    EXPECT_TRUE(waitForEnd());
+    EXPECT_EQ(text("addSongs"), QStringLiteral("Add Songs"));
+    EXPECT_TRUE(isEnabled("addSongs"));
+    EXPECT_FALSE(isEnabled("downloadAll"));
+    EXPECT_EQ(app->window()->title(), QStringLiteral("Reelcrate"));
+    EXPECT_EQ(text("summary"), QStringLiteral("Download run finished"));
+    click(inRow(0, "action"));
+    EXPECT_THAT(opened, ElementsAre(QStringLiteral("file ") + record(0).outputPath));
+}
+
+TEST_F(WindowTest, AFailedRowIsReadOrDownloadedAgain) {
+    open();
+    addReadRows({link("broken", QStringLiteral("a"))});
+    view().setPastedLinks(link("unreadable", QStringLiteral("b")));
+    view().addSongsFromFieldOrClipboard();
+    EXPECT_TRUE(waitUntil([this] { return record(1).status == QueueStatus::failed; }));
+    click(inRow(0, "action"));
+    EXPECT_TRUE(waitForEnd());
+    EXPECT_EQ(inRow(0, "action")->property("help"), QStringLiteral("Try download again"));
+    EXPECT_EQ(inRow(1, "action")->property("help"), QStringLiteral("Read link again"));
+    EXPECT_EQ(text(inRow(0, "headline")), QStringLiteral("Needs Attention"));
+    EXPECT_EQ(text(inRow(0, "subtitle")), record(0).detail);
+
+    const qsizetype reads = machine.calls().count(QStringLiteral("read b"));
+    click(inRow(1, "action"));
+    EXPECT_TRUE(waitUntil([this] { return record(1).status == QueueStatus::failed; }));
+    EXPECT_GT(machine.calls().count(QStringLiteral("read b")), reads);
+    click(inRow(0, "action"));
+    EXPECT_TRUE(waitForEnd());
+    EXPECT_EQ(machine.calls().count(QStringLiteral("download a")), 2);
+}
+
+TEST_F(WindowTest, SetupShowsWhatIsMissingAndIsReadyAfterwards) {
+    setup.toolPlaces.systemFolders = {machine.path(QStringLiteral("none"))};
+    const auto remove = [this](const char* tool) {
+        return QFile::remove(machine.toolFolder() + u'/' + QLatin1String(tool));
+    };
+    ASSERT_TRUE(remove("yt-dlp") && remove("spotdl"));
+    QTcpServer mirror;  // one that does not answer
+    ASSERT_TRUE(mirror.listen(QHostAddress::LocalHost));
+    setup.installerSources = setup.installerSources.fromMirror(
+        QStringLiteral("http://127.0.0.1:%1").arg(mirror.serverPort()));
+    open();
+    const auto pillColor = [this] { return item("setupLabel")->property("color").value<QColor>(); };
+    EXPECT_EQ(text("setup"), QStringLiteral("Setup"));
+    EXPECT_EQ(pillColor().rgb(), TechTheme::amber.rgb());
+    EXPECT_EQ(text("setupDetail"), view().setupDetailText());
+    EXPECT_FALSE(isEnabled("addSongs"));
+    EXPECT_FALSE(isEnabled("addLink"));
+    EXPECT_FALSE(isEnabled("downloadAll"));
+
+    click("setup");
+    EXPECT_EQ(text("setup"), QStringLiteral("Setting Up"));
+    EXPECT_EQ(pillColor().rgb(), TechTheme::gold.rgb());
+    click("setup");  // does nothing meanwhile
+    EXPECT_TRUE(waitUntil([&] { return mirror.hasPendingConnections(); }));
+    delete mirror.nextPendingConnection();
+    mirror.close();
+    EXPECT_TRUE(waitUntil([this] { return !app->state().controls().isSettingUp; }));
+    EXPECT_EQ(pillColor().rgb(), TechTheme::amber.rgb());
+
+    machine.install(QStringLiteral("yt-dlp"));
+    view().checkTools();
+    EXPECT_TRUE(waitUntil([this] { return text("setup") == QStringLiteral("Checking Setup"); }));
+    EXPECT_EQ(pillColor().rgb(), TechTheme::gold.rgb());
+    EXPECT_TRUE(waitUntil([this] { return !app->state().controls().isSettingUp; }));
+    settle();
+    EXPECT_EQ(pillColor().rgb(), TechTheme::green.rgb()) << "without spotdl";
+    EXPECT_TRUE(isEnabled("addSongs"));
+}
+
+TEST_F(WindowTest, TheFolderPickersResultIsTheOutputFolder) {
+    // The picker starts on the desktop, where the only folder is the chosen one.
+    const QString folder = setup.desktopFolder + QStringLiteral("/a b%20");
+    ASSERT_TRUE(QDir().mkpath(folder));
+    open();
+    click("chooseFolder");
+    EXPECT_TRUE(app->window()->property("popupIsOpen").toBool());
+    EXPECT_TRUE(withText("Choose Output Location"));
+    EXPECT_TRUE(waitUntil([&] {
+        click(withText("Choose"));
+        return text("outputFolder") == folder;
+    }));
+    click("chooseFolder");
+    click(withText("Cancel"));
+    EXPECT_EQ(text("outputFolder"), folder);
+}
+
+TEST_F(WindowTest, ClosingOnUnfinishedSongsAsksOnce) {
+    open();
+    addReadRows(links("hold", 7));
+    click("downloadAll");
+    app->window()->close();
+    settle();
+    EXPECT_TRUE(app->window()->isVisible());
+    EXPECT_EQ(text("quitQuestion"), QStringLiteral("7 songs are unfinished."));
+    press(Qt::Key_A, Qt::ControlModifier);
+    EXPECT_THAT(selectedRows(), ElementsAre()) << "keys belong to the question";
+    click("keepDownloading");
+    EXPECT_EQ(view().activeQueueDownloadCount(), 6);
+    app->window()->close();
+    settle();
+    click("quit");
+    EXPECT_FALSE(app->window()->isVisible());
+    EXPECT_FALSE(app->hasDeleteKeyMonitor());
+}
+
+TEST_F(WindowTest, LogsShowTheirEndAndGiveAllOfIt) {
+    open();
+    addReadRows({link("song", QStringLiteral("a"))});
+    click("downloadAll");
+    EXPECT_TRUE(waitForEnd());
+    click("logDisclosure");
+    LogTail* log = app->state().runLog();
+    QTextDocument* shown = log->document()->textDocument();
+    EXPECT_EQ(shown->toPlainText(), view().runLog());
+    const QString line = QString(150, u'x') + u'\n';
+    for (int i = 0; i < 3000; ++i)
+        view().appendRunLog(line + QString::number(i) + u'\n');
+    EXPECT_TRUE(
+        waitUntil([&] { return shown->toPlainText().endsWith(QStringLiteral("\n2999\n")); }));
+    EXPECT_LE(shown->blockCount(), LogTail::mostLines);
+    log->copyAll();
+    EXPECT_EQ(QGuiApplication::clipboard()->text().size(), view().runLog().size());
+    view().clearQueue();
+    EXPECT_TRUE(shown->isEmpty());
+}
+
+TEST_F(WindowTest, EveryControlHasARoleAndAName) {
+    open();
+    addReadRows(links("song", 2));
+    click("logDisclosure");
+    int seen = 0;
+    const std::function<void(QAccessibleInterface*)> look = [&](QAccessibleInterface* each) {
+        if (each->state().invisible)
+            return;
+        if (each->state().focusable || each->role() == QAccessible::Button ||
+            each->role() == QAccessible::ListItem) {
+            ++seen;
+            EXPECT_FALSE(each->text(QAccessible::Name).isEmpty())
+                << each->role() << " "
+                << (each->object() ? each->object()->metaObject()->className() : "");
+            EXPECT_NE(each->role(), QAccessible::NoRole);
+        }
+        for (int i = 0; i < each->childCount(); ++i)
+            look(each->child(i));
+    };
+    look(QAccessible::queryAccessibleInterface(app->window()));
+    EXPECT_GE(seen, 17);
+    const QAccessibleInterface* first = QAccessible::queryAccessibleInterface(row(0));
+    EXPECT_EQ(first->text(QAccessible::Name),
+              QStringLiteral("song1, Ready to Download, Click gold arrow to download"));
+}
+
+TEST_F(WindowTest, TenThousandRowsComeGoAndFollowTheKeyboard) {
+    open();
+    view().addLinksToQueue(links("song", 10'000));
+    settle();
+    press(Qt::Key_Down);  // without the keyboard's attention: nothing
+    EXPECT_TRUE(view().selectedQueueItemIDs().isEmpty());
+    click("songCount");  // the queue, beside its rows
+    press(Qt::Key_Up);
+    EXPECT_THAT(selectedRows(), ElementsAre(9999));
+    press(Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(text("selectedCount"), QStringLiteral("10000 selected"));
+    QSet<QUuid> odd;
+    for (qsizetype i = 1; i < 10'000; i += 2)
+        odd.insert(record(i).id);
+    view().deleteQueueItems(odd);
+    settle();
+    EXPECT_EQ(app->state().rows()->rowCount(), 5000);
+    EXPECT_EQ(text("songCount"), QStringLiteral("5000"));
+    press(Qt::Key_Down);
+    press(Qt::Key_Down);
+    EXPECT_TRUE(row(static_cast<int>(selectedRows().front()))->isVisible());
+}
+
+}  // namespace
+}  // namespace reelcrate
