@@ -9,6 +9,7 @@
 #include <QFileInfo>
 #include <QStandardPaths>
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 
@@ -104,7 +105,9 @@ qsizetype ContentView::activeQueueDownloadCount() const {
 }
 
 qsizetype ContentView::selectedVisibleQueueItemCount() const {
-    return m_editor.selection().visible(m_queue).size();
+    const QSet<QUuid>& ids = m_editor.selection().ids;
+    return std::count_if(ids.begin(), ids.end(),
+                         [this](const QUuid& id) { return m_queue.find(id) != nullptr; });
 }
 
 QString ContentView::defaultEventName() {

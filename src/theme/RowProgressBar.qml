@@ -7,7 +7,7 @@ Item {
 
     required property real value
     required property color tint
-    readonly property real fillWidth: Math.max(8, Math.min(1, Math.max(0, value)) * width)
+    readonly property real fillWidth: Math.max(8, Math.round(Math.min(1, Math.max(0, value)) * width))
 
     implicitHeight: 10
     height: 10

@@ -20,7 +20,6 @@ AbstractButton {
     Accessible.role: Accessible.Button
     Accessible.name: text || help
     Accessible.description: help
-    Accessible.onPressAction: root.clicked()
     Keys.onReturnPressed: root.clicked()
     Keys.onEnterPressed: root.clicked()
 

@@ -10,11 +10,12 @@ Flickable {
     id: root
 
     required property WindowState state
-    readonly property alias pickerIsOpen: folderRow.pickerIsOpen
+    readonly property bool pickerIsOpen: folderRow.pickerIsOpen || setup.pickerIsOpen
 
     function show(item) {
         const top = item.mapToItem(column, 0, 0).y;
-        contentY = Math.max(Math.min(contentY, top), top + item.height + 48 - height);
+        const shown = Math.max(Math.min(contentY, top), top + item.height + 48 - height);
+        contentY = Math.max(0, Math.min(shown, contentHeight - height));
     }
 
     contentHeight: column.height + 36
@@ -117,6 +118,8 @@ Flickable {
             }
         }
         SetupBlock {
+            id: setup
+
             width: parent.width
             state: root.state
         }
@@ -126,8 +129,10 @@ Flickable {
     Connections {
         target: root.Window.window
         function onActiveFocusItemChanged() {
-            const item = root.Window.window.activeFocusItem;
+            let item = root.Window.window.activeFocusItem;
             for (let at = item; at; at = at.parent) {
+                if (at instanceof LogArea)
+                    item = at;  // a text is as high as its log is long
                 if (at === column)
                     root.show(item);
             }

@@ -45,7 +45,10 @@ Item {
         anchors.verticalCenter: texts.verticalCenter
         symbol: "folder"
         help: "Choose folder"
-        onClicked: picker.open()
+        onClicked: {
+            picker.currentFolder = root.state.folderPickerStart;
+            picker.open();
+        }
     }
     FolderDialog {
         id: picker
@@ -53,7 +56,6 @@ Item {
         objectName: "folderPicker"
         title: "Choose Output Location"
         acceptLabel: "Choose"
-        currentFolder: root.state.folderPickerStart
         onAccepted: root.state.chooseFolder(selectedFolder)
     }
 }

@@ -81,15 +81,24 @@ Item {
             symbol: "folder"
             onClicked: root.state.openOutput()
         }
-        QueueHeaderButtonStyle {
-            objectName: "clearQueue"
-            height: 38
+        Item {
             width: 48
-            symbol: "trash"
-            symbolSize: 15
-            help: "Clear queue"
-            enabled: root.state.controls.canClearQueue
-            onClicked: root.state.clearQueue()
+            height: 38
+
+            QueueHeaderButtonStyle {
+                id: clear
+
+                objectName: "clearQueue"
+                anchors.fill: parent
+                symbol: "trash"
+                symbolSize: 15
+                help: "Clear queue"
+                enabled: root.state.controls.canClearQueue
+                onClicked: root.state.clearQueue()
+            }
+            HelpWhenDisabled {
+                button: clear
+            }
         }
         QueueDownloadButtonStyle {
             objectName: "downloadAll"

@@ -20,6 +20,7 @@ FieldSurface {
         background: null
         rightPadding: 4
         font.pixelSize: 14
+        maximumLength: 2147483647  // a whole set list may be pasted
         text: root.state.pastedLinks
         placeholderText: "Paste link here"
         Accessible.name: "Paste Link"
@@ -63,5 +64,8 @@ FieldSurface {
             fillTo: TechTheme.goldBottom
             borderFrom: TechTheme.white(0.30)
         }
+    }
+    HelpWhenDisabled {
+        button: add
     }
 }

@@ -10,6 +10,13 @@ FocusScope {
 
     required property LogTail log
     readonly property alias pickerIsOpen: picker.visible
+    /// Whether the end is in sight, and so stays there when more comes.
+    property bool followsEnd: true
+    property bool isNotSaved: false
+
+    function noteScrolled() {
+        followsEnd = scroll.contentY >= scroll.contentHeight - scroll.height - 8;
+    }
 
     Surface {
         anchors.fill: parent
@@ -17,18 +24,20 @@ FocusScope {
         fillFrom: TechTheme.black(0.34)
         borderFrom: TechTheme.glassStroke
     }
-    ScrollView {
+    Flickable {
         id: scroll
 
         anchors.fill: parent
         anchors.margins: 2
         clip: true
+        boundsBehavior: Flickable.StopAtBounds
+        onMovementEnded: root.noteScrolled()
 
-        TextArea {
+        ScrollBar.vertical: GlassScrollBar {
+            onPressedChanged: root.noteScrolled()
+        }
+        TextArea.flickable: TextArea {
             id: area
-
-            // Whether the end is in sight, and so should stay when more comes.
-            property bool followsEnd: true
 
             readOnly: true
             selectByMouse: true
@@ -55,6 +64,17 @@ FocusScope {
         spacing: 2
         opacity: 0.9
 
+        PlainText {
+            anchors.verticalCenter: parent.verticalCenter
+            visible: root.isNotSaved
+            text: "The log could not be saved."
+            color: TechTheme.orange
+            font.pixelSize: TechTheme.caption
+            font.weight: Font.Bold
+            Accessible.ignored: !visible
+            Accessible.role: Accessible.AlertMessage
+            Accessible.name: text
+        }
         IconButton {
             id: copy
 
@@ -77,7 +97,7 @@ FocusScope {
         title: "Save Log"
         fileMode: FileDialog.SaveFile
         defaultSuffix: "txt"
-        onAccepted: root.log.save(selectedFile)
+        onAccepted: root.isNotSaved = !root.log.save(selectedFile)
     }
     Binding {
         target: root.log
@@ -87,7 +107,8 @@ FocusScope {
     Connections {
         target: root.log
         function onShown() {
-            scroll.ScrollBar.vertical.position = 1 - scroll.ScrollBar.vertical.size;
+            if (root.followsEnd)
+                scroll.contentY = Math.max(0, scroll.contentHeight - scroll.height);
         }
     }
 }

@@ -80,7 +80,7 @@ ApplicationWindow {
 
         anchors.fill: parent
         onDropped: drop => {
-            root.state.addSongs(drop.hasUrls ? drop.urls.join("\n") : drop.text);
+            root.state.addDropped(drop.urls, drop.text);
             drop.accept(Qt.CopyAction);
         }
 

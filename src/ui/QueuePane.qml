@@ -9,13 +9,22 @@ import Reelcrate.Theme
 FocusScope {
     id: root
 
-    objectName: "queuePane"
-
     required property WindowState state
     readonly property windowControls controls: state.controls
     readonly property alias menuIsOpen: menu.visible
     /// Narrow windows leave the cards all the room there is.
     readonly property real margin: Math.max(8, Math.min(24, (width - 704) / 2))
+
+    function takeKeyboard() {
+        list.isReachedByPointer = true;
+        list.forceActiveFocus(Qt.MouseFocusReason);
+    }
+    function clickArea() {
+        state.clickQueueArea();
+        takeKeyboard();
+    }
+
+    objectName: "queuePane"
 
     QueueBackgroundView {
         anchors.fill: parent
@@ -25,7 +34,7 @@ FocusScope {
     }
     MouseArea {
         anchors.fill: parent
-        onClicked: root.state.clickQueueArea()
+        onClicked: root.clickArea()
     }
     Row {
         id: title
@@ -73,6 +82,21 @@ FocusScope {
     ListView {
         id: list
 
+        // Its ring is for those who come by keyboard.
+        property bool isReachedByPointer: false
+
+        /// Of the rows in sight, from the top.
+        function shownItemIDs() {
+            const ids = [];
+            for (let i = indexAt(root.margin, contentY + spacing); i >= 0; ++i) {
+                const row = itemAtIndex(i) as QueueRow;
+                if (!row)
+                    break;
+                ids.push(row.itemID);
+            }
+            return ids;
+        }
+
         objectName: "queueList"
         anchors.top: title.bottom
         anchors.bottom: parent.bottom
@@ -80,11 +104,12 @@ FocusScope {
         anchors.right: parent.right
         clip: true
         focus: true
-        activeFocusOnTab: !root.controls.isQueueEmpty
+        activeFocusOnTab: true
         topMargin: 12
         bottomMargin: 20
         spacing: 10
-        cacheBuffer: 400
+        // What moves in a row must not move where nobody sees it.
+        cacheBuffer: 0
         boundsBehavior: Flickable.StopAtBounds
         reuseItems: true
         keyNavigationEnabled: false
@@ -101,10 +126,13 @@ FocusScope {
         onActiveFocusChanged: {
             if (activeFocus)
                 root.state.clickQueueArea();
+            else
+                isReachedByPointer = false;
         }
-        Keys.onReturnPressed: root.state.actOnRow(root.state.focusedItemID())
-        Keys.onEnterPressed: root.state.actOnRow(root.state.focusedItemID())
+        Keys.onReturnPressed: root.state.actOnFocusedRow()
+        Keys.onEnterPressed: root.state.actOnFocusedRow()
         Keys.onMenuPressed: {
+            positionViewAtIndex(root.state.focusedIndex(), ListView.Contain);
             const row = itemAtIndex(root.state.focusedIndex());
             if (row)
                 menu.show(root.state.focusedItemID(), row, 40, 40);
@@ -113,7 +141,10 @@ FocusScope {
         delegate: QueueRow {
             x: root.margin
             width: list.width - 2 * root.margin
-            onClicked: modifiers => root.state.clickRow(itemID, modifiers)
+            onClicked: modifiers => {
+                root.state.clickRow(itemID, modifiers);
+                root.takeKeyboard();
+            }
             onActed: root.state.actOnRow(itemID)
             onMenuRequested: (x, y) => menu.show(itemID, this, x, y)
         }
@@ -125,14 +156,39 @@ FocusScope {
             width: list.width
             height: list.height
             z: -1
-            onClicked: root.state.clickQueueArea()
+            onClicked: root.clickArea()
         }
     }
     FocusRing {
         anchors.fill: list
         anchors.margins: 2
         cornerRadius: 8
-        visible: list.activeFocus
+        visible: list.activeFocus && !list.isReachedByPointer
+    }
+    // A reset of the model shows the first rows again, once the view has got to it.
+    Connections {
+        property var shown: []
+
+        target: root.state.rows
+        function onModelAboutToBeReset() {
+            shown = list.shownItemIDs();
+        }
+        function onModelReset() {
+            comeBack.index = root.state.rows.firstOf(shown);
+            comeBack.start();
+        }
+    }
+    Timer {
+        id: comeBack
+
+        property int index: -1
+
+        interval: 0
+        onTriggered: {
+            list.forceLayout();
+            if (index >= 0)
+                list.positionViewAtIndex(index, ListView.Beginning);
+        }
     }
     RowMenu {
         id: menu
@@ -143,6 +199,7 @@ FocusScope {
         target: root.state
         function onFocusMoved() {
             list.positionViewAtIndex(root.state.focusedIndex(), ListView.Contain);
+            root.takeKeyboard();
         }
     }
 }

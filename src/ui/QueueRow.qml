@@ -39,8 +39,13 @@ Item {
     signal acted
     signal menuRequested(real x, real y)
 
+    /// Out of sight until another row is shown with it: nothing may move meanwhile.
+    property bool isPooled: false
     /// What is left of the line beside thumbnail, status window, action and the gaps.
     readonly property real titleWidth: Math.max(230, Math.min(520, line.width - 444))
+
+    ListView.onPooled: isPooled = true
+    ListView.onReused: isPooled = false
 
     implicitHeight: 14 + line.height + (isRunning ? 10 + progressLine.height : 0) + 14
     Accessible.role: Accessible.ListItem
@@ -107,6 +112,8 @@ Item {
 
             anchors.verticalCenter: parent.verticalCenter
             x: 72 + root.titleWidth + 14
+            // On a screen that is smaller than the least window.
+            width: Math.min(280, line.width - 164 - root.titleWidth)
             icon: root.statusIcon
             headline: root.headline
             headlineColor: root.headlineColor
@@ -119,7 +126,7 @@ Item {
         QueueRowAction {
             anchors.verticalCenter: parent.verticalCenter
             anchors.right: parent.right
-            isBusy: root.actionIsBusy
+            isBusy: root.actionIsBusy && !root.isPooled
             symbol: root.actionSymbol
             help: root.actionHelp
             isEnabled: root.actionEnabled
@@ -147,12 +154,11 @@ Item {
         shadowRadius: 7
         shadowDown: 2
     }
-    Rectangle {
+    Surface {
         anchors.fill: parent
         radius: 13
         visible: root.isSelected
-        color: "transparent"
-        border.width: 1.4
-        border.color: TechTheme.faded(TechTheme.gold, 0.62)
+        borderWidth: 1.4
+        borderFrom: TechTheme.faded(TechTheme.gold, 0.62)
     }
 }

@@ -1,4 +1,5 @@
 import QtQuick
+import Reelcrate.Theme
 
 /// A round button for what a row needs next, or a turning ring while it is busy.
 Item {
@@ -15,6 +16,8 @@ Item {
     implicitHeight: 38
 
     CircularRowButton {
+        id: button
+
         objectName: "action"
         anchors.centerIn: parent
         visible: !root.isBusy
@@ -22,6 +25,9 @@ Item {
         help: root.help
         enabled: root.isEnabled && !root.isBusy
         onClicked: root.acted()
+    }
+    HelpWhenDisabled {
+        button: button
     }
     BusyBadge {
         anchors.fill: parent

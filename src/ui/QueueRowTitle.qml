@@ -34,6 +34,7 @@ Column {
         }
         PlainText {
             y: Math.round((marks.height - height) / 2)
+            width: Math.min(implicitWidth, root.width - x)
             visible: text !== ""
             text: root.duration
             color: TechTheme.queueMuted

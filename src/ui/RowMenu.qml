@@ -38,7 +38,7 @@ Menu {
         implicitHeight: 30
         padding: 0
         Accessible.name: text
-        onTriggered: root.state.deleteFromRow(root.itemID)
+        onTriggered: root.state.deleteFromRow(root.itemID, root.deletesSelection)
 
         contentItem: ButtonLabel {
             text: remove.text

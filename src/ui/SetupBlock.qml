@@ -8,6 +8,7 @@ Column {
 
     required property WindowState state
     readonly property windowControls controls: state.controls
+    readonly property alias pickerIsOpen: details.pickerIsOpen
 
     topPadding: 8
     spacing: 8
@@ -58,6 +59,8 @@ Column {
         onClicked: root.state.setUp()
     }
     LogDisclosure {
+        id: details
+
         objectName: "toolDetails"
         width: parent.width
         label: "Details"

@@ -33,7 +33,6 @@ void LogTail::setDocument(QQuickTextDocument* document) {
         return;
     m_document = document;
     if (m_document) {
-        connect(m_document, &QObject::destroyed, this, [this] { m_document = nullptr; });
         m_document->textDocument()->setUndoRedoEnabled(false);
         m_document->textDocument()->setMaximumBlockCount(mostLines);
         m_isOutdated = true;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QPointer>
 #include <QQuickTextDocument>
 #include <QString>
 #include <QTimer>
@@ -25,7 +26,7 @@ class LogTail : public QObject {
 public:
     static constexpr int mostLines = 2000;
     /// In UTF-16 units: a text area that is to wrap a longer line without a break takes seconds.
-    static constexpr int longestLine = 2000;
+    static constexpr int longestLine = 1000;
 
     /// `wholeText` gives the log as it is now.
     explicit LogTail(std::function<QString()> wholeText, QObject* parent = nullptr);
@@ -55,7 +56,7 @@ private:
     void setEmpty(bool empty);
 
     std::function<QString()> m_wholeText;
-    QQuickTextDocument* m_document = nullptr;
+    QPointer<QQuickTextDocument> m_document;
     QString m_pending;  ///< what has come since the text area was last renewed
     QTimer m_renewal;
     bool m_isEmpty = true;

@@ -32,7 +32,8 @@ const QList<int> stateRoles =
 const std::array<std::pair<QueueStore::Field, QList<int>>, 9> rolesOfFields{{
     {QueueStore::Url, {Model::Title, Model::Subtitle, Model::AccessibleName}},
     {QueueStore::Source,
-     {Model::SourceLabel, Model::SourceSymbol, Model::SourceTint, Model::Subtitle}},
+     {Model::SourceLabel, Model::SourceSymbol, Model::SourceTint, Model::Subtitle,
+      Model::AccessibleName}},
     {QueueStore::Status, stateRoles},
     {QueueStore::Detail,
      QList<int>{Model::Headline, Model::Subtitle, Model::AccessibleName} + actionRoles},
@@ -237,6 +238,15 @@ void QueueListModel::allChanged(const QList<int>& roles) {
 bool QueueListModel::isActionEnabled(RowAction action) const {
     const bool slotsFull = m_view.activeQueueDownloadCount() >= ContentView::maxParallelDownloads;
     return rowActionEnabled(action, slotsFull, m_view.coreToolsReady());
+}
+
+int QueueListModel::firstOf(const QStringList& itemIDs) const {
+    for (const QString& itemID : itemIDs) {
+        const qsizetype index = m_queue.indexOf(QUuid(itemID));
+        if (index >= 0)
+            return static_cast<int>(index);
+    }
+    return -1;
 }
 
 void QueueListModel::updateDownloadsEnabled() {

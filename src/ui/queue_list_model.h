@@ -62,6 +62,9 @@ public:
 
     bool isActionEnabled(RowAction action) const;
 
+    /// Where the first of these rows is that there still is; -1 when there is none.
+    Q_INVOKABLE int firstOf(const QStringList& itemIDs) const;
+
 private:
     QVariant statusData(const DownloadItem& item, int role) const;
     QVariant actionData(const DownloadItem& item, int role) const;

@@ -48,6 +48,7 @@ TechTheme* theme(QQmlEngine& engine) {
 
 ReelcrateApp::ReelcrateApp(ProcessSupervisor& supervisor, ContentViewSetup setup, FirstLinks links)
     : m_firstLinks(std::move(links)) {
+    m_firstLinks.download = m_firstLinks.download && !m_firstLinks.texts.isEmpty();
     static const bool registered = (registerTypes(), true);
     Q_UNUSED(registered);
     const QString desktopFolder = setup.desktopFolder;
@@ -99,6 +100,9 @@ bool ReelcrateApp::show() {
         else
             disappear();
     });
+    // What the desktop puts around a window is known once the window is there.
+    connect(m_window, &QQuickWindow::frameSwapped, this, &ReelcrateApp::ensureReadableWindowSize,
+            static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
     m_window->show();
     return true;
 }
@@ -115,15 +119,20 @@ void ReelcrateApp::disappear() {
 }
 
 void ReelcrateApp::addFirstLinks() {
-    if (!m_view->isCheckingTools() && !m_firstLinks.texts.isEmpty())
-        m_view->addSongs(std::exchange(m_firstLinks.texts, {}).join(u'\n'));
+    if (m_view->isCheckingTools() || m_firstLinks.texts.isEmpty())
+        return;
+    m_view->addSongs(std::exchange(m_firstLinks.texts, {}).join(u'\n'));
+    // Without a link in the texts there is nothing to wait for.
+    m_firstLinks.download = m_firstLinks.download && m_view->queue().size() > 0;
 }
 
 void ReelcrateApp::downloadFirstLinks() {
+    if (!m_firstLinks.download || !m_firstLinks.texts.isEmpty())
+        return;
     const auto& rows = m_view->queue().rows();
     const bool read = std::none_of(rows.begin(), rows.end(),
                                    [](const DownloadItem& row) { return row.isResolvingInfo; });
-    if (m_firstLinks.download && !rows.isEmpty() && read) {
+    if (!rows.isEmpty() && read) {
         m_firstLinks.download = false;
         m_view->startDownloads();
     }

@@ -121,8 +121,14 @@ void WindowState::addSongsFromFieldOrClipboard() {
     m_view.addSongsFromFieldOrClipboard();
 }
 
-void WindowState::addSongs(const QString& text) {
-    m_view.addSongs(text);
+void WindowState::addDropped(const QList<QUrl>& urls, const QString& text) {
+    QStringList links;
+    for (const QUrl& url : urls) {
+        // Encoded, since a link ends at a space.
+        if (url.scheme() == QStringLiteral("http") || url.scheme() == QStringLiteral("https"))
+            links.append(QString::fromLatin1(url.toEncoded()));
+    }
+    m_view.addSongs(links.isEmpty() ? text : links.join(u'\n'));
 }
 
 void WindowState::pasteIntoField() {
@@ -199,8 +205,8 @@ bool WindowState::deletesSelection(const QString& itemID) const {
            m_view.selectedVisibleQueueItemCount() > 1;
 }
 
-void WindowState::deleteFromRow(const QString& itemID) {
-    if (deletesSelection(itemID))
+void WindowState::deleteFromRow(const QString& itemID, bool allSelected) {
+    if (allSelected)
         m_view.deleteQueueItems(m_view.selectedQueueItemIDs());
     else
         m_view.deleteQueueItems({QUuid(itemID)});
@@ -214,6 +220,12 @@ int WindowState::focusedIndex() const {
 QString WindowState::focusedItemID() const {
     const int index = focusedIndex();
     return index < 0 ? QString() : idText(m_view.queue().rows().at(index).id);
+}
+
+void WindowState::actOnFocusedRow() {
+    const QString focused = focusedItemID();
+    if (m_view.selectedQueueItemIDs() == QSet<QUuid>{QUuid(focused)})
+        actOnRow(focused);
 }
 
 int WindowState::unfinishedCount() const {

@@ -61,7 +61,8 @@ public:
     QUrl folderPickerStart() const;
 
     Q_INVOKABLE void addSongsFromFieldOrClipboard();
-    Q_INVOKABLE void addSongs(const QString& text);
+    /// The web addresses where there are any, otherwise the text; both may be the drop's.
+    Q_INVOKABLE void addDropped(const QList<QUrl>& urls, const QString& text);
     Q_INVOKABLE void pasteIntoField();
     Q_INVOKABLE void openOutput();
     Q_INVOKABLE void clearQueue();
@@ -76,10 +77,12 @@ public:
     Q_INVOKABLE void actOnRow(const QString& itemID);
     /// Whether the row's menu offers to delete all selected rows and not this one.
     Q_INVOKABLE bool deletesSelection(const QString& itemID) const;
-    Q_INVOKABLE void deleteFromRow(const QString& itemID);
+    Q_INVOKABLE void deleteFromRow(const QString& itemID, bool allSelected);
     /// The row that the keyboard is at; -1 and empty text for none.
     Q_INVOKABLE int focusedIndex() const;
     Q_INVOKABLE QString focusedItemID() const;
+    /// Does what that row's button does, where it alone is selected.
+    Q_INVOKABLE void actOnFocusedRow();
 
     /// Rows that are being downloaded or wait for a slot.
     Q_INVOKABLE int unfinishedCount() const;

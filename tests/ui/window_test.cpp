@@ -66,7 +66,8 @@ TEST_F(WindowTest, LinksComeInByFieldButtonsClipboardDropAndCommandLine) {
     view().setPastedLinks(QStringLiteral("half a link"));
     drop(QStringLiteral("listen: %1").arg(link("song", QStringLiteral("text"))), false);
     EXPECT_EQ(view().queue().size(), 5);
-    drop(link("song", QStringLiteral("url")), true);
+    drop(link("song", QStringLiteral("url%20with%26more")), true);
+    EXPECT_EQ(record(5).url, link("song", QStringLiteral("url%20with%26more")));
     EXPECT_EQ(view().queue().size(), 6);
     clipboard = link("song", QStringLiteral("key"));
     clickRow(0);
@@ -158,8 +159,13 @@ TEST_F(WindowTest, TheKeyboardReachesEveryControlAndTheRows) {
     press(Qt::Key_Return);
     EXPECT_EQ(view().downloadMode(), DownloadMode::audio);
 
-    item("queueList")->forceActiveFocus(Qt::TabFocusReason);
-    press(Qt::Key_Down);
+    // A click on a row takes the keyboard from the button that had it.
+    item("clearQueue")->forceActiveFocus(Qt::TabFocusReason);
+    clickRow(1);
+    press(Qt::Key_A, Qt::ControlModifier);
+    press(Qt::Key_Return);
+    EXPECT_EQ(view().activeDownloadRuns(), 0) << "which of them?";
+    press(Qt::Key_Up);
     press(Qt::Key_Return);
     EXPECT_EQ(record(0).status, QueueStatus::running);
     EXPECT_EQ(record(1).status, QueueStatus::waiting);
@@ -174,7 +180,7 @@ TEST_F(WindowTest, TheMenuOfARowDeletesItOrTheSelection) {
     clickRow(1, Qt::ControlModifier);
     const auto chooseFrom = [this](int index) {
         click(inRow(index, "title"), Qt::RightButton);
-        const QString offered = text("deleteFromRow");
+        QString offered = text("deleteFromRow");
         click("deleteFromRow");
         return offered;
     };
@@ -200,8 +206,12 @@ TEST_F(WindowTest, ARunDisablesWhatMustNotHappenMeanwhile) {
     EXPECT_TRUE(isEnabled("downloadAll"));
     click("downloadAll");
     EXPECT_EQ(text("addSongs"), QStringLiteral("Downloading"));
-    for (const char* name : {"addSongs", "addLink", "clearQueue", "downloadAll"})
+    for (const char* name : {"addSongs", "addLink", "clearQueue", "downloadAll"}) {
         EXPECT_FALSE(isEnabled(name)) << name;
+        auto* accessible = QAccessible::queryAccessibleInterface(item(name));
+        accessible->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    }
+    EXPECT_EQ(view().queue().size(), 8) << "pressed by assistive technology";
     EXPECT_EQ(text("activeCount"), QStringLiteral("6 active"));
     EXPECT_TRUE(row(0)->property("isRunning").toBool());
     EXPECT_TRUE(row(0)->property("actionIsBusy").toBool());
@@ -375,12 +385,17 @@ TEST_F(WindowTest, TenThousandRowsComeGoAndFollowTheKeyboard) {
     click("songCount");  // the queue, beside its rows
     press(Qt::Key_Up);
     EXPECT_THAT(selectedRows(), ElementsAre(9999));
+    EXPECT_TRUE(row(9999)->isVisible());
     press(Qt::Key_A, Qt::ControlModifier);
     EXPECT_EQ(text("selectedCount"), QStringLiteral("10000 selected"));
+    auto* list = item("queueList");
+    const double place = list->property("contentY").toDouble();
     QSet<QUuid> odd;
     for (qsizetype i = 1; i < 10'000; i += 2)
         odd.insert(record(i).id);
     view().deleteQueueItems(odd);
+    settle();
+    EXPECT_NEAR(list->property("contentY").toDouble(), place / 2, 1000) << "the same rows in sight";
     settle();
     EXPECT_EQ(app->state().rows()->rowCount(), 5000);
     EXPECT_EQ(text("songCount"), QStringLiteral("5000"));
