@@ -49,6 +49,7 @@ FocusScope {
             font.family: "monospace"
             font.pixelSize: TechTheme.caption
             padding: 6
+            rightPadding: 68  // the two buttons
             background: null
             Accessible.name: "Log"
             Accessible.readOnly: true
