@@ -84,9 +84,9 @@ class Stage:
         tool.chmod(0o755)
         return tool
 
-    def start(self, *arguments, event="Party", wrapper=()):
+    def start(self, *arguments, event="Party", wrapper=(), front_end=("--headless",)):
         return subprocess.Popen(
-            [*wrapper, PROGRAM, "--headless", "--event", event, "--output", str(self.output), *arguments],
+            [*wrapper, PROGRAM, *front_end, "--event", event, "--output", str(self.output), *arguments],
             cwd=self.working,
             env=self.environment,
             stdin=subprocess.PIPE,
