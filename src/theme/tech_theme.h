@@ -160,6 +160,9 @@ public:
     /// The standard signals for good and for attention.
     static inline const QColor green = rgb(0.204, 0.78, 0.349);
     static inline const QColor orange = rgb(1.0, 0.584, 0.0);
+    /// The same as text on light cards, dark enough to be read.
+    static inline const QColor queueGreen = rgb(0.10, 0.47, 0.21);
+    static inline const QColor queueOrange = rgb(0.70, 0.28, 0.0);
 
     // Text sizes, in logical pixels.
     static constexpr int title3 = 15;

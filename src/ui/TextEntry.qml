@@ -10,7 +10,7 @@ TextField {
     leftPadding: 12
     rightPadding: 12
     color: TechTheme.text
-    placeholderTextColor: TechTheme.muted
+    placeholderTextColor: TechTheme.faded(TechTheme.text, 0.78)
     selectionColor: TechTheme.gold
     selectedTextColor: TechTheme.ink
     selectByMouse: true

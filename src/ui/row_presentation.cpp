@@ -35,9 +35,9 @@ const StatusLook& lookOf(QueueStatus status) {
         StatusLook{"Waiting to Download"_L1, "clock.fill"_L1, TechTheme::queueMuted,
                    TechTheme::queueText},
         StatusLook{"Downloading"_L1, "bolt.fill"_L1, TechTheme::gold, amber()},
-        StatusLook{"Complete"_L1, "checkmark.circle.fill"_L1, TechTheme::green,
+        StatusLook{"Complete"_L1, "checkmark.circle.fill"_L1, TechTheme::queueGreen,
                    rgb(0.10, 0.47, 0.25)},
-        StatusLook{"Needs Attention"_L1, "exclamationmark.triangle.fill"_L1, TechTheme::orange,
+        StatusLook{"Needs Attention"_L1, "exclamationmark.triangle.fill"_L1, TechTheme::queueOrange,
                    rgb(0.60, 0.24, 0.10)},
     };
     return looks.at(static_cast<std::size_t>(status));

@@ -170,8 +170,8 @@ TEST(RowPresentation, LabelIsTheStatus) {
     expectRowColors(queueStatusLabelColor, {{"waiting", rowIn(waiting), muted},
                                             {"queued", rowIn(queued), muted},
                                             {"running", rowIn(running), gold},
-                                            {"complete", rowIn(complete), rgb(0.204, 0.78, 0.349)},
-                                            {"failed", rowIn(failed), rgb(1.0, 0.584, 0.0)},
+                                            {"complete", rowIn(complete), rgb(0.10, 0.47, 0.21)},
+                                            {"failed", rowIn(failed), rgb(0.70, 0.28, 0.0)},
                                             {"read", resolving(rowIn(complete)), gold}});
 }
 
