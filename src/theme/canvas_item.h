@@ -17,6 +17,10 @@ class CanvasItem : public QQuickItem {
     Q_OBJECT
     QML_ANONYMOUS
 
+Q_SIGNALS:
+    /// Any property that decides the look.
+    void changed();
+
 protected:
     explicit CanvasItem(QQuickItem* parent = nullptr);
 
@@ -27,14 +31,22 @@ protected:
     /// What tells this item's look from others of its class, but for the size.
     virtual QByteArray look() const = 0;
 
-    /// To be called when the look changed.
-    void repaint();
+    /// Gives a property of the look its value.
+    template <typename Value>
+    void set(Value& member, const Value& value) {
+        if (member == value)
+            return;
+        member = value;
+        repaint();
+        Q_EMIT changed();
+    }
 
     QSGNode* updatePaintNode(QSGNode* former, UpdatePaintNodeData* data) override;
     void geometryChange(const QRectF& now, const QRectF& before) override;
     void itemChange(ItemChange change, const ItemChangeData& value) override;
 
 private:
+    void repaint();
     QImage image(const QRectF& area, qreal density) const;
     QImage sharedImage(const QRectF& area, qreal density) const;
 

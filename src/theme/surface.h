@@ -43,23 +43,12 @@ public:
     void setShadowRadius(qreal radius) { set(m_shadowRadius, radius); }
     void setShadowDown(qreal down) { set(m_shadowDown, down); }
 
-Q_SIGNALS:
-    void changed();
-
 protected:
     void paint(QPainter& painter, const QSizeF& size) const override;
     QMarginsF overflow() const override;
     QByteArray look() const override;
 
 private:
-    template <typename Value>
-    void set(Value& member, const Value& value) {
-        if (member == value)
-            return;
-        member = value;
-        repaint();
-        Q_EMIT changed();
-    }
     void paintShadowOutside(QPainter& painter, const QSizeF& size, qreal radius) const;
 
     qreal m_radius = 0;

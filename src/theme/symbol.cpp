@@ -78,47 +78,11 @@ Symbol::Symbol(QQuickItem* parent) : CanvasItem(parent) {
     setFontSize(calloutSize);
 }
 
-void Symbol::setName(const QString& name) {
-    if (m_name == name)
-        return;
-    m_name = name;
-    repaint();
-    Q_EMIT nameChanged();
-}
-
 void Symbol::setFontSize(int pixels) {
-    if (m_fontSize == pixels)
-        return;
-    m_fontSize = pixels;
     constexpr double symbolToFont = 1.1;
     const double side = std::round(pixels * symbolToFont);
     setImplicitSize(side, side);
-    repaint();
-    Q_EMIT fontSizeChanged();
-}
-
-void Symbol::setColor(const QColor& color) {
-    if (m_color == color)
-        return;
-    m_color = color;
-    repaint();
-    Q_EMIT colorChanged();
-}
-
-void Symbol::setColorTo(const QColor& color) {
-    if (m_colorTo == color)
-        return;
-    m_colorTo = color;
-    repaint();
-    Q_EMIT colorChanged();
-}
-
-void Symbol::setVertical(bool vertical) {
-    if (m_vertical == vertical)
-        return;
-    m_vertical = vertical;
-    repaint();
-    Q_EMIT colorChanged();
+    set(m_fontSize, pixels);
 }
 
 QByteArray Symbol::look() const {

@@ -14,30 +14,21 @@ class Symbol : public reelcrate::CanvasItem {
     Q_OBJECT
     QML_ELEMENT
 
-    Q_PROPERTY(QString name READ name WRITE setName NOTIFY nameChanged)
+    Q_PROPERTY(QString name MEMBER m_name WRITE setName NOTIFY changed)
     /// Of the text that the symbol goes with, in logical pixels; the symbol is a little larger.
-    Q_PROPERTY(int fontSize READ fontSize WRITE setFontSize NOTIFY fontSizeChanged)
-    Q_PROPERTY(QColor color READ color WRITE setColor NOTIFY colorChanged)
-    Q_PROPERTY(QColor colorTo READ colorTo WRITE setColorTo NOTIFY colorChanged)
-    Q_PROPERTY(bool vertical MEMBER m_vertical WRITE setVertical NOTIFY colorChanged)
+    Q_PROPERTY(int fontSize MEMBER m_fontSize WRITE setFontSize NOTIFY changed)
+    Q_PROPERTY(QColor color MEMBER m_color WRITE setColor NOTIFY changed)
+    Q_PROPERTY(QColor colorTo MEMBER m_colorTo WRITE setColorTo NOTIFY changed)
+    Q_PROPERTY(bool vertical MEMBER m_vertical WRITE setVertical NOTIFY changed)
 
 public:
     explicit Symbol(QQuickItem* parent = nullptr);
 
-    const QString& name() const { return m_name; }
-    void setName(const QString& name);
-    int fontSize() const { return m_fontSize; }
+    void setName(const QString& name) { set(m_name, name); }
     void setFontSize(int pixels);
-    const QColor& color() const { return m_color; }
-    void setColor(const QColor& color);
-    const QColor& colorTo() const { return m_colorTo; }
-    void setColorTo(const QColor& color);
-    void setVertical(bool vertical);
-
-Q_SIGNALS:
-    void nameChanged();
-    void fontSizeChanged();
-    void colorChanged();
+    void setColor(const QColor& color) { set(m_color, color); }
+    void setColorTo(const QColor& color) { set(m_colorTo, color); }
+    void setVertical(bool vertical) { set(m_vertical, vertical); }
 
 protected:
     void paint(QPainter& painter, const QSizeF& size) const override;
