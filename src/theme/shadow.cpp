@@ -127,7 +127,7 @@ void paintShadow(QPainter& painter, const QSizeF& size, double cornerRadius, con
     painter.save();
     const QPointF origin = painter.transform().map(QPointF(0, down));
     painter.resetTransform();
-    painter.translate(std::lround(origin.x()) - margin, std::lround(origin.y()) - margin);
+    painter.translate(std::round(origin.x()) - margin, std::round(origin.y()) - margin);
     drawStretched(painter, image, whole + QSize(2 * margin, 2 * margin));
     painter.restore();
 }

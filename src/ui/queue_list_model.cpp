@@ -232,7 +232,7 @@ void QueueListModel::changed(qsizetype index, QueueStore::Fields fields) {
 
 void QueueListModel::allChanged(const QList<int>& roles) {
     if (!m_ids.isEmpty())
-        Q_EMIT dataChanged(index(0), index(rowCount() - 1), roles);
+        Q_EMIT dataChanged(index(0), index(static_cast<int>(m_ids.size()) - 1), roles);
 }
 
 bool QueueListModel::isActionEnabled(RowAction action) const {
