@@ -152,8 +152,7 @@ TEST_F(WindowTest, TheKeyboardReachesEveryControlAndTheRows) {
                              "modeMP4", "setup", "scanForUpdate", "queueList", "logDisclosure"})
         EXPECT_TRUE(reached.contains(QString::fromLatin1(name))) << name;
 
-    item("modeMP4")->forceActiveFocus(Qt::TabFocusReason);
-    press(Qt::Key_Space);
+    click("modeMP4");
     EXPECT_EQ(view().downloadMode(), DownloadMode::video);
     item("modeMP3")->forceActiveFocus(Qt::TabFocusReason);
     press(Qt::Key_Return);
@@ -308,6 +307,22 @@ TEST_F(WindowTest, TheFolderPickersResultIsTheOutputFolder) {
     click("chooseFolder");
     click(withText("Cancel"));
     EXPECT_EQ(text("outputFolder"), folder);
+}
+
+TEST_F(WindowTest, TheUpdateScanTellsItsOutcome) {
+    QTcpServer site;  // one that does not answer at first
+    ASSERT_TRUE(site.listen(QHostAddress::LocalHost));
+    setup.updateScan.manifestURL = QStringLiteral("http://127.0.0.1:%1/").arg(site.serverPort());
+    open();
+    EXPECT_FALSE(isShown("updateMessage"));
+    click("scanForUpdate");
+    EXPECT_EQ(text("scanForUpdate"), QStringLiteral("Checking Updates"));
+    EXPECT_TRUE(waitUntil([&] { return site.hasPendingConnections(); }));
+    delete site.nextPendingConnection();
+    EXPECT_TRUE(
+        waitUntil([this] { return text("scanForUpdate") == QStringLiteral("Scan for Update"); }));
+    EXPECT_TRUE(isShown("updateMessage"));
+    EXPECT_EQ(text("updateMessage"), view().updateMessage());
 }
 
 TEST_F(WindowTest, ClosingOnUnfinishedSongsAsksOnce) {
