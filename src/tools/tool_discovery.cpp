@@ -22,6 +22,27 @@ QString joined(const QString& folder, const QString& rest) {
     return folder + u'/' + rest;
 }
 
+bool isExecutableFile(const QString& path) {
+    const QFileInfo file(path);
+    return file.isFile() && file.isExecutable();
+}
+
+/// What a shell finds on this search path, as far as that can be told without one: where a folder
+/// that counts from the current one comes before a find, it cannot, since a profile may change the
+/// current folder.
+std::optional<QString> executableOn(const QString& searchPath, const QString& command) {
+    if (command.contains(u'/'))
+        return std::nullopt;
+    for (const QString& folder : searchPath.split(u':')) {
+        if (!folder.startsWith(u'/'))
+            return std::nullopt;
+        const QString path = folder.endsWith(u'/') ? folder + command : joined(folder, command);
+        if (isExecutableFile(path))
+            return path;
+    }
+    return std::nullopt;
+}
+
 }  // namespace
 
 ToolPlaces ToolPlaces::ofThisMachine() {
@@ -69,8 +90,11 @@ QStringList ToolDiscovery::systemPlaces() const {
 }
 
 std::optional<QString> ToolDiscovery::systemToolPath(const QString& command) const {
+    const QString searchPath = systemPlaces().join(u':');
+    if (auto path = executableOn(searchPath, command))
+        return path;
     // The assignment stands inside the command because a login shell's profile resets the path.
-    const QString lookup = QStringLiteral("PATH=") + shellQuoted(systemPlaces().join(u':')) +
+    const QString lookup = QStringLiteral("PATH=") + shellQuoted(searchPath) +
                            QStringLiteral(" command -v ") + shellQuoted(command);
     const CommandResult result = m_shell.runShellSync(lookup, std::nullopt);
     // The last line: what stands before it was printed by the user's profile.
@@ -82,8 +106,7 @@ std::optional<QString> ToolDiscovery::systemToolPath(const QString& command) con
 
 std::optional<ResolvedTool> ToolDiscovery::resolvedTool(const QString& command) const {
     for (const QString& candidate : toolCandidates(command)) {
-        const QFileInfo file(candidate);
-        if (file.isFile() && file.isExecutable())
+        if (isExecutableFile(candidate))
             return ResolvedTool{candidate, candidateDetail(candidate)};
     }
     if (auto path = systemToolPath(command))

@@ -53,7 +53,8 @@ public:
     /// The readiness text of a tool found at one of its candidates.
     QString candidateDetail(const QString& path) const;
 
-    /// What a login shell finds on the system's own search path.
+    /// What a login shell finds on the system's own search path. The shell itself is only asked
+    /// when no folder of that path holds an executable file of the name.
     std::optional<QString> systemToolPath(const QString& command) const;
 
     /// The lookup that everything asks, by the tool's command name such as "yt-dlp".

@@ -68,11 +68,58 @@ TEST_F(ToolDiscoveryTest, PrefersTheShippedThenThePrivateThenTheSystemsCopy) {
 
 TEST_F(ToolDiscoveryTest, TheProfileDoesNotDecideWhatTheSystemHas) {
     // A login shell reads this first; neither its path nor its chatter may be taken for the answer.
-    writeFile(machine.path(QStringLiteral(".bash_profile")), "PATH=/nowhere\necho Welcome\n");
-    put(machine.path(QStringLiteral(".local/bin/")) + tool, true);
+    writeFile(machine.path(QStringLiteral(".bash_profile")),
+              "PATH=/nowhere\necho Welcome\nown-tool() { :; }\n");
+    put(machine.path(QStringLiteral(".local/bin/")) + tool, false);
     const ToolDiscovery discovery(shell, machine.places());
     EXPECT_EQ(discovery.systemToolPath(tool), machine.path(QStringLiteral(".local/bin/")) + tool);
+    EXPECT_EQ(discovery.systemToolPath(QStringLiteral("own-tool")), QStringLiteral("own-tool"));
     EXPECT_EQ(discovery.systemToolPath(QStringLiteral("it's; echo x")), std::nullopt);
+}
+
+TEST_F(ToolDiscoveryTest, TheShellIsOnlyAskedForWhatTheFoldersDoNotTell) {
+    writeFile(machine.path(QStringLiteral(".bash_profile")), "touch ~/asked\n");
+    const QString first = machine.path(QStringLiteral("first"));
+    const QString second = machine.path(QStringLiteral("second/"));
+    const auto in = [](const QString& folder, const char* name) {
+        return QDir(folder).filePath(QString::fromLatin1(name));
+    };
+    for (const QString& folder : {first, second, in(first, "folder")})
+        QDir().mkpath(folder);
+    for (const char* name : {"folder", "dangling", "plain", "link"})
+        put(in(second, name), true);
+    put(in(first, "plain"), false);
+    put(in(first, "only-plain"), false);
+    QFile::link(in(second, "plain"), in(first, "link"));
+    QFile::link(in(second, "gone"), in(first, "dangling"));
+
+    const QString relative = QDir().relativeFilePath(second);
+    const struct {
+        const char* name;
+        QStringList folders;
+        std::optional<QString> path;
+        bool asksTheShell;
+    } cases[] = {
+        {"folder", {first, second}, in(second, "folder"), false},
+        {"dangling", {first, second}, in(second, "dangling"), false},
+        {"plain", {first, second}, in(second, "plain"), false},
+        {"link", {first, second}, in(first, "link"), false},
+        {"link", {first + u':' + second}, in(first, "link"), false},
+        {"link", {first, relative}, in(first, "link"), false},
+        {"folder", {relative, second}, relative + QStringLiteral("/folder"), true},
+        {"link", {QString(), second}, in(second, "link"), true},
+        {"../first/link", {second}, std::nullopt, true},
+        {"only-plain", {first, second}, in(first, "only-plain"), true},
+        {"none", {first, second}, std::nullopt, true},
+    };
+    for (const auto& [name, folders, path, asksTheShell] : cases) {
+        SCOPED_TRACE((QString::fromLatin1(name) + u' ' + folders.join(u' ')).toStdString());
+        QFile::remove(machine.path(QStringLiteral("asked")));
+        ToolPlaces places = machine.places();
+        places.systemFolders = folders;
+        EXPECT_EQ(ToolDiscovery(shell, places).systemToolPath(QString::fromLatin1(name)), path);
+        EXPECT_EQ(QFile::exists(machine.path(QStringLiteral("asked"))), asksTheShell);
+    }
 }
 
 TEST_F(ToolDiscoveryTest, TheSearchPathBeginsWithTheProgramsOwnFolders) {
