@@ -2,11 +2,24 @@
 
 #include "base/background_tasks.h"
 #include "base/main_queue.h"
+#include "download/row_stages.h"
 
 #include <memory>
 #include <utility>
 
 namespace reelcrate {
+
+namespace {
+
+QStringList linksOf(const QList<DownloadItem>& rows) {
+    QStringList links;
+    links.reserve(rows.size());
+    for (const DownloadItem& row : rows)
+        links.append(row.url);
+    return links;
+}
+
+}  // namespace
 
 QString noun(DownloadMode mode, bool singular) {
     const QString one = byMode(mode, QStringLiteral("song"), QStringLiteral("video"));
@@ -14,43 +27,83 @@ QString noun(DownloadMode mode, bool singular) {
 }
 
 DownloadRun::DownloadRun(DownloadParts parts, RunPlan plan, QList<DownloadItem> rows,
-                         qsizetype slotCount, BackgroundTasks& background)
+                         qsizetype slotCount, QSet<QString>& runningLinks,
+                         BackgroundTasks& background)
     : m_parts(parts),
       m_plan(std::move(plan)),
       m_rows(std::move(rows)),
       m_slotCount(slotCount),
-      m_background(background) {}
+      m_runningLinks(runningLinks),
+      m_background(background),
+      m_order(linksOf(m_rows)) {}
 
 void DownloadRun::start() {
-    while (m_started < m_slotCount)
-        startNextRow();
+    QList<qsizetype> first;
+    while (const auto position = takeNextRow())
+        first.append(*position);
+    markRows(first);
+    for (const qsizetype position : first)
+        startRow(position);
 }
 
-void DownloadRun::startNextRow() {
-    const qsizetype position = m_started++;
-    auto download = std::make_shared<RowDownload>(m_parts, m_plan, m_rows.at(position), position);
-    m_background.run([this, download](const std::stop_token& stop) {
+void DownloadRun::startRows(qsizetype freeSlots) {
+    for (; freeSlots > 0; --freeSlots) {
+        const auto position = takeNextRow();
+        if (!position)
+            return;
+        startRow(*position);
+    }
+}
+
+/// The row that may start now, with a slot and its link taken for it.
+std::optional<qsizetype> DownloadRun::takeNextRow() {
+    if (m_running == m_slotCount)
+        return std::nullopt;
+    const auto position = m_order.takeNext(m_runningLinks);
+    if (position) {
+        ++m_running;
+        m_runningLinks.insert(m_rows.at(*position).url);
+    }
+    return position;
+}
+
+void DownloadRun::markRows(const QList<qsizetype>& first) const {
+    for (qsizetype position = 0; position < m_rows.size(); ++position) {
+        const QUuid& id = m_rows.at(position).id;
+        if (first.contains(position))
+            m_parts.stages.prepare(id, m_plan.mode);
+        else
+            m_parts.stages.waitForSlot(id);
+    }
+}
+
+void DownloadRun::startRow(qsizetype position) {
+    const DownloadItem& row = m_rows.at(position);
+    // At once, so that the rows that are shown as running are always those that take up a slot.
+    m_parts.stages.prepareAgain(row.id, m_plan.mode);
+    auto download = std::make_shared<RowDownload>(m_parts, m_plan, row, position);
+    m_background.run([this, position, download](const std::stop_token& stop) {
         download->run(stop);
         // A stopped download did not end: the program does.
         if (!stop.stop_requested())
-            m_parts.mainQueue.post([this] { rowEnded(); });
+            m_parts.mainQueue.post([this, position] { countRow(position); });
     });
 }
 
-void DownloadRun::rowEnded() {
+void DownloadRun::countRow(qsizetype position) {
     ++m_ended;
-    if (m_ended == m_rows.size()) {
-        Q_EMIT summaryChanged(QStringLiteral("Finalizing downloads"));
+    --m_running;
+    const bool isLast = m_ended == m_rows.size();
+    Q_EMIT summaryChanged(isLast
+                              ? QStringLiteral("Finalizing downloads")
+                              : QStringLiteral("Finished %1 of %2; downloading up to %3 %4 at once")
+                                    .arg(m_ended)
+                                    .arg(m_rows.size())
+                                    .arg(m_slotCount)
+                                    .arg(noun(m_plan.mode, false)));
+    Q_EMIT rowEnded(m_rows.at(position).url);
+    if (isLast)
         Q_EMIT finished();
-        return;
-    }
-    Q_EMIT summaryChanged(QStringLiteral("Finished %1 of %2; downloading up to %3 %4 at once")
-                              .arg(m_ended)
-                              .arg(m_rows.size())
-                              .arg(m_slotCount)
-                              .arg(noun(m_plan.mode, false)));
-    if (m_started < m_rows.size())
-        startNextRow();
 }
 
 }  // namespace reelcrate

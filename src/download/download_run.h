@@ -1,13 +1,18 @@
 #pragma once
 
 #include "download/row_download.h"
+#include "download/start_order.h"
 
 #include <QList>
 #include <QObject>
+#include <QSet>
 #include <QString>
 
-/// One run: starts its rows strictly in order, a next one whenever one has ended, and counts.
-/// Main thread; each row's download is a background task.
+#include <optional>
+
+/// One run: starts its rows in order, a next one whenever one has ended, and counts. A row whose
+/// link is being downloaded, by whatever run, is held until that has ended. Main thread; each row's
+/// download is a background task.
 namespace reelcrate {
 
 class BackgroundTasks;
@@ -19,29 +24,42 @@ class DownloadRun : public QObject {
     Q_OBJECT
 
 public:
+    /// `runningLinks`, the links that are being downloaded, is shared by all runs.
     DownloadRun(DownloadParts parts, RunPlan plan, QList<DownloadItem> rows, qsizetype slotCount,
-                BackgroundTasks& background);
+                QSet<QString>& runningLinks, BackgroundTasks& background);
 
     DownloadMode mode() const { return m_plan.mode; }
 
-    /// Starts as many rows as the run has slots.
+    /// Marks all rows, and starts as many as the run has slots.
     void start();
+
+    /// The link is no longer being downloaded.
+    void linkFreed(const QString& link) { m_order.linkFreed(link); }
+
+    /// Starts as many of the next rows as the run has slots left, and `freeSlots` at most.
+    void startRows(qsizetype freeSlots);
 
 Q_SIGNALS:
     void summaryChanged(const QString& text);
+    /// A row with this link has ended and its slot is free.
+    void rowEnded(const QString& link);
     /// The last row has ended.
     void finished();
 
 private:
-    void startNextRow();
-    void rowEnded();
+    std::optional<qsizetype> takeNextRow();
+    void markRows(const QList<qsizetype>& first) const;
+    void startRow(qsizetype position);
+    void countRow(qsizetype position);
 
     const DownloadParts m_parts;
     const RunPlan m_plan;
     const QList<DownloadItem> m_rows;
     const qsizetype m_slotCount;
+    QSet<QString>& m_runningLinks;
     BackgroundTasks& m_background;
-    qsizetype m_started = 0;
+    StartOrder m_order;
+    qsizetype m_running = 0;
     qsizetype m_ended = 0;
 };
 

@@ -1,5 +1,6 @@
 #include "download/download_runs.h"
 
+#include "base/background_tasks.h"
 #include "base/main_queue.h"
 #include "download/download_run.h"
 #include "download/file_names.h"
@@ -40,8 +41,8 @@ DownloadRuns::DownloadRuns(QueueStore& queue, ShellRunner& shell, const ToolDisc
       m_timing(timing),
       m_crawls(queue),
       m_stages(queue, m_crawls),
-      m_trimmer(shell, discovery, supervisor),
-      m_parts{shell, discovery, supervisor, m_trimmer, mainQueue, m_stages, m_log} {
+      m_trimmer(shell, discovery, supervisor, m_claimedFiles),
+      m_parts{shell, discovery, supervisor, m_trimmer, m_claimedFiles, mainQueue, m_stages, m_log} {
     connect(&m_log, &RunLog::cleared, this, &DownloadRuns::runLogCleared);
     connect(&m_log, &RunLog::appended, this, &DownloadRuns::runLogAppended);
 }
@@ -69,9 +70,7 @@ QList<DownloadItem> DownloadRuns::eligibleRows(const QList<QUuid>& itemIDs) cons
 void DownloadRuns::startDownloadRun(const QList<QUuid>& itemIDs, const RunTarget& target) {
     const QList<DownloadItem> rows = eligibleRows(itemIDs);
     const QString nouns = noun(target.mode, false);
-    const qsizetype freeSlots =
-        maxParallelDownloads - m_queue.countWithStatus(QueueStatus::running);
-    if (freeSlots < 1) {
+    if (freeSlots() < 1) {
         Q_EMIT summaryChanged(QStringLiteral("Already downloading %1 %2 at once")
                                   .arg(maxParallelDownloads)
                                   .arg(nouns));
@@ -88,26 +87,42 @@ void DownloadRuns::startDownloadRun(const QList<QUuid>& itemIDs, const RunTarget
         return;
     }
 
-    const qsizetype slotCount = std::min(freeSlots, rows.size());
-    for (qsizetype i = 0; i < rows.size(); ++i) {
-        if (i < slotCount)
-            m_stages.prepare(rows.at(i).id, target.mode);
-        else
-            m_stages.waitForSlot(rows.at(i).id);
-    }
+    const qsizetype slotCount = std::min(freeSlots(), rows.size());
+    addRun({target.mode, target.eventFolder, rows.size(), m_timing}, rows, slotCount);
+    // Beside the downloads, which need not wait for a slow drive.
+    m_background.run(
+        [folder = target.eventFolder](const std::stop_token&) { removeForgottenTrims(folder); });
     Q_EMIT summaryChanged(
         rows.size() == 1
             ? QStringLiteral("Downloading selected ") + noun(target.mode, true)
             : QStringLiteral("Downloading up to %1 %2 at once").arg(slotCount).arg(nouns));
+}
 
-    const RunPlan plan{target.mode, target.eventFolder, rows.size(), m_timing};
-    m_runs.push_back(std::make_unique<DownloadRun>(m_parts, plan, rows, slotCount, m_background));
+void DownloadRuns::addRun(const RunPlan& plan, const QList<DownloadItem>& rows,
+                          qsizetype slotCount) {
+    m_runs.push_back(std::make_unique<DownloadRun>(m_parts, plan, rows, slotCount, m_runningLinks,
+                                                   m_background));
     DownloadRun* run = m_runs.back().get();
     connect(run, &DownloadRun::summaryChanged, this, &DownloadRuns::summaryChanged);
+    connect(run, &DownloadRun::rowEnded, this, &DownloadRuns::startRowsBehind);
     // Queued: the run that is finished must have returned before it can go.
     connect(
         run, &DownloadRun::finished, this, [this, run] { finishRun(run); }, Qt::QueuedConnection);
     run->start();
+}
+
+qsizetype DownloadRuns::freeSlots() const {
+    return maxParallelDownloads - m_queue.countWithStatus(QueueStatus::running);
+}
+
+/// Each run has slots of its own, but a row that was held for another run's link left its slot
+/// unused, and a later run may have been given that one, too.
+void DownloadRuns::startRowsBehind(const QString& endedLink) {
+    m_runningLinks.remove(endedLink);
+    for (const auto& run : m_runs)
+        run->linkFreed(endedLink);
+    for (const auto& run : m_runs)
+        run->startRows(freeSlots());
 }
 
 /// False, with the reason in the log, when the run has no folder to write into.

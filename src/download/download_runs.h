@@ -1,5 +1,6 @@
 #pragma once
 
+#include "download/claimed_files.h"
 #include "download/progress_crawls.h"
 #include "download/row_download.h"
 #include "download/row_stages.h"
@@ -8,6 +9,7 @@
 
 #include <QList>
 #include <QObject>
+#include <QSet>
 #include <QString>
 #include <QUuid>
 
@@ -15,8 +17,9 @@
 #include <vector>
 
 /// Download runs: each takes a set of rows and downloads them in queue order, side by side in as
-/// many slots as are free when it starts. All runs share six slots. Main thread; a run's downloads
-/// go on in the background, and how they go arrives in the rows, the run log and the summary.
+/// many slots as are free when it starts. All runs share six slots, and no link is downloaded twice
+/// at a time. Main thread; a run's downloads go on in the background, and how they go arrives in
+/// the rows, the run log and the summary.
 namespace reelcrate {
 
 class BackgroundTasks;
@@ -67,6 +70,9 @@ Q_SIGNALS:
 private:
     QList<DownloadItem> eligibleRows(const QList<QUuid>& itemIDs) const;
     bool createEventFolder(const RunTarget& target);
+    void addRun(const RunPlan& plan, const QList<DownloadItem>& rows, qsizetype slotCount);
+    qsizetype freeSlots() const;
+    void startRowsBehind(const QString& endedLink);
     void finishRun(const DownloadRun* run);
     void setActiveDownloadRuns(int count);
 
@@ -77,8 +83,10 @@ private:
     RunLog m_log;
     ProgressCrawls m_crawls;
     RowStages m_stages;
+    ClaimedFiles m_claimedFiles;
     SilenceTrimmer m_trimmer;
     DownloadParts m_parts;
+    QSet<QString> m_runningLinks;
     std::vector<std::unique_ptr<DownloadRun>> m_runs;
     int m_activeDownloadRuns = 0;
 };

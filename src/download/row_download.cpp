@@ -2,6 +2,7 @@
 
 #include "base/background_tasks.h"
 #include "base/main_queue.h"
+#include "download/claimed_files.h"
 #include "download/download_command.h"
 #include "download/finished_files.h"
 #include "download/output_parsing.h"
@@ -53,9 +54,10 @@ QString downloadCommandFor(const DownloadItem& item, const QString& eventFolder,
 /// that it names. On the thread that runs the command.
 class RowDownload::Output {
 public:
-    Output(RowDownload& download, QStringList beforeFiles)
+    explicit Output(RowDownload& download)
         : m_download(download),
-          m_beforeFiles(std::move(beforeFiles)),
+          m_claim(download.m_parts.claimedFiles),
+          m_beforeFiles(regularFiles(download.m_plan.eventFolder)),
           m_unfinished(download.m_parts.supervisor) {}
 
     void read(const QString& piece) {
@@ -74,9 +76,12 @@ public:
     void keepFiles() { m_unfinished.keep(); }
 
     /// The file that the tool named or else, as far as can be told, the one that is new.
-    QString finishedPath() const {
-        return m_path.isEmpty() ? bestOutputPath(m_beforeFiles, m_download.m_plan.eventFolder)
-                                : m_path;
+    QString finishedPath() {
+        if (m_path.isEmpty()) {
+            m_path = newFile();
+            m_claim.add(m_path);
+        }
+        return m_path;
     }
 
 private:
@@ -85,6 +90,7 @@ private:
         if (!isInside(path, m_download.m_plan.eventFolder))
             return;
         m_path = path;
+        m_claim.add(path);
         // A conversion writes straight into the file's final name. If the program ends before the
         // row does, what stands there would pass for a finished song from then on.
         if (isWritten && !std::binary_search(m_beforeFiles.begin(), m_beforeFiles.end(), path)) {
@@ -93,7 +99,16 @@ private:
         }
     }
 
+    QString newFile() const {
+        QStringList notOwn = m_beforeFiles;
+        for (const QString& path : m_claim.ofOthers())
+            notOwn += relatedFiles(path);
+        return bestOutputPath(notOwn, m_download.m_plan.eventFolder);
+    }
+
     RowDownload& m_download;
+    // Before the listing: a neighbour that ends meanwhile is in the one or in the other.
+    FileClaim m_claim;
     const QStringList m_beforeFiles;
     UnfinishedFiles m_unfinished;
     OutputPathReader m_paths;
@@ -104,10 +119,7 @@ RowDownload::RowDownload(DownloadParts parts, RunPlan plan, DownloadItem item, q
     : m_parts(parts), m_plan(std::move(plan)), m_item(std::move(item)), m_position(position) {}
 
 void RowDownload::run(const std::stop_token& stop) {
-    post([&stages = m_parts.stages, id = m_item.id, mode = m_plan.mode] {
-        stages.prepareAgain(id, mode);
-    });
-    Output output(*this, regularFiles(m_plan.eventFolder));
+    Output output(*this);
     const QString command =
         downloadCommandFor(m_item, m_plan.eventFolder, m_plan.mode, m_parts.discovery);
     logCommand(command);

@@ -13,6 +13,7 @@
 /// The download of one row, from its command to its finished file.
 namespace reelcrate {
 
+class ClaimedFiles;
 class MainQueue;
 class ProcessSupervisor;
 class RowStages;
@@ -28,6 +29,7 @@ struct DownloadParts {
     const ToolDiscovery& discovery;
     ProcessSupervisor& supervisor;
     const SilenceTrimmer& trimmer;
+    ClaimedFiles& claimedFiles;
     MainQueue& mainQueue;
     RowStages& stages;
     RunLog& log;
@@ -60,8 +62,9 @@ public:
     /// `position` counts from 0 among the run's rows.
     RowDownload(DownloadParts parts, RunPlan plan, DownloadItem item, qsizetype position);
 
-    /// Background threads. Blocks until the row is complete or failed; how it went arrives in the
-    /// row. After a stop request it returns early and reports nothing more.
+    /// Background threads, with a row that is marked as running. Blocks until the row is complete
+    /// or failed; how it went arrives in the row. After a stop request it returns early and reports
+    /// nothing more.
     void run(const std::stop_token& stop);
 
 private:

@@ -1,5 +1,6 @@
 #include "download/silence_trim.h"
 
+#include "download/claimed_files.h"
 #include "download/finished_files.h"
 #include "records/download_item.h"
 #include "tools/process_supervisor.h"
@@ -7,10 +8,14 @@
 #include "tools/shell_runner.h"
 #include "tools/tool_discovery.h"
 
+#include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QStringList>
 
+#include <chrono>
 #include <filesystem>
 #include <system_error>
 
@@ -19,6 +24,7 @@ namespace reelcrate {
 namespace {
 
 constexpr double limitSeconds = 180;
+constexpr std::chrono::minutes forgottenAfter{10};
 
 /// Cuts what is silent before the first sound; on the reversed audio, after the last one.
 const QString filterChain = QStringLiteral(
@@ -33,6 +39,22 @@ bool moveOver(const QString& from, const QString& to) {
     std::filesystem::rename(QFile::encodeName(from).toStdString(),
                             QFile::encodeName(to).toStdString(), error);
     return !error;
+}
+
+QString newTemporaryName() {
+    return QStringLiteral(".trim-") + idText(QUuid::createUuid()) + QStringLiteral(".mp3");
+}
+
+bool isTemporaryName(const QString& name) {
+    static const QRegularExpression form(QRegularExpression::anchoredPattern(
+        QStringLiteral(R"(\.trim-[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}\.mp3)")));
+    return form.match(name).hasMatch();
+}
+
+bool isForgotten(const QString& path) {
+    using Time = std::filesystem::file_time_type;
+    const Time date = modificationDate(path);
+    return date != Time::min() && date < Time::clock::now() - forgottenAfter;
 }
 
 }  // namespace
@@ -51,8 +73,11 @@ QString silenceTrimCommand(const QString& ffmpeg, const QString& input, const QS
 }
 
 SilenceTrimmer::SilenceTrimmer(ShellRunner& shell, const ToolDiscovery& discovery,
-                               ProcessSupervisor& supervisor)
-    : m_shell(shell), m_discovery(discovery), m_supervisor(supervisor) {}
+                               ProcessSupervisor& supervisor, ClaimedFiles& claimedFiles)
+    : m_shell(shell),
+      m_discovery(discovery),
+      m_supervisor(supervisor),
+      m_claimedFiles(claimedFiles) {}
 
 SilenceTrimResult SilenceTrimmer::trimEdgeSilenceIfNeeded(const QString& outputPath,
                                                           DownloadMode mode) const {
@@ -70,13 +95,24 @@ SilenceTrimResult SilenceTrimmer::trimEdgeSilenceIfNeeded(const QString& outputP
 }
 
 bool SilenceTrimmer::replaceByTrimmed(const QString& ffmpeg, const QString& path) const {
-    const QString temporary = QFileInfo(path).absolutePath() + QStringLiteral("/.trim-") +
-                              idText(QUuid::createUuid()) + QStringLiteral(".mp3");
+    const QString temporary = QFileInfo(path).absolutePath() + u'/' + newTemporaryName();
+    FileClaim claim(m_claimedFiles);
+    claim.add(temporary);
     UnfinishedFiles unfinished(m_supervisor);
     unfinished.announce(temporary);
     const CommandResult result =
         m_shell.runShellSync(silenceTrimCommand(ffmpeg, path, temporary), limitSeconds);
     return result.status == 0 && QFileInfo(temporary).size() > 0 && moveOver(temporary, path);
+}
+
+void removeForgottenTrims(const QString& folder) {
+    QDirIterator files(folder, {QStringLiteral(".trim-*.mp3")},
+                       QDir::Files | QDir::Hidden | QDir::NoSymLinks);
+    while (files.hasNext()) {
+        const QString path = files.next();
+        if (isTemporaryName(files.fileName()) && isForgotten(path))
+            QFile::remove(path);
+    }
 }
 
 }  // namespace reelcrate

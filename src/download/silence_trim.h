@@ -7,6 +7,7 @@
 /// Cuts the silence off both ends of a finished MP3 file and puts the result in its place.
 namespace reelcrate {
 
+class ClaimedFiles;
 class ProcessSupervisor;
 class ShellRunner;
 class ToolDiscovery;
@@ -24,7 +25,7 @@ QString silenceTrimCommand(const QString& ffmpeg, const QString& input, const QS
 class SilenceTrimmer {
 public:
     SilenceTrimmer(ShellRunner& shell, const ToolDiscovery& discovery,
-                   ProcessSupervisor& supervisor);
+                   ProcessSupervisor& supervisor, ClaimedFiles& claimedFiles);
 
     SilenceTrimResult trimEdgeSilenceIfNeeded(const QString& outputPath, DownloadMode mode) const;
 
@@ -34,6 +35,11 @@ private:
     ShellRunner& m_shell;
     const ToolDiscovery& m_discovery;
     ProcessSupervisor& m_supervisor;
+    ClaimedFiles& m_claimedFiles;
 };
+
+/// Removes the hidden files that trims have left in this folder, if the machine went down under
+/// them: those older than any trim that may still be under way. Background threads.
+void removeForgottenTrims(const QString& folder);
 
 }  // namespace reelcrate

@@ -11,6 +11,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
+#include <filesystem>
 
 namespace reelcrate {
 namespace {
@@ -56,6 +58,15 @@ protected:
     }
 
     qsizetype countWith(QueueStatus status) const { return view.queue().countWithStatus(status); }
+
+    QStringList linksWith(QueueStatus status) const {
+        QStringList links;
+        for (const DownloadItem& row : view.queue().rows()) {
+            if (row.status == status)
+                links.append(row.url);
+        }
+        return links;
+    }
 
     /// Rows that are ready to download without having been read.
     void addReadRows(const QStringList& links) {
@@ -174,6 +185,93 @@ TEST_F(EngineTest, ASecondRunGetsTheSlotsThatAreLeft) {
     ASSERT_TRUE(waitUntil([this] { return view.activeDownloadRuns() == 0; }));
     EXPECT_EQ(countWith(QueueStatus::complete), 8);
     EXPECT_EQ(row(7).detail, QStringLiteral("Saved to Prom"));
+}
+
+TEST_F(EngineTest, ALinkIsDownloadedByOneRowAtATime) {
+    QStringList links;
+    for (const char* name : {"a", "a", "b", "a", "c", "d", "e", "f", "g"})
+        links.append(link("hold", QString::fromLatin1(name)));
+    addReadRows(links);
+    bool isTwice = false;
+    QObject::connect(&view.queue(), &QueueStore::rowChanged, [&] {
+        QStringList running = linksWith(QueueStatus::running);
+        isTwice = isTwice || running.removeDuplicates() > 0;
+    });
+    view.startDownloads();
+    const QString a = links.first();
+    EXPECT_EQ(linksWith(QueueStatus::running),
+              QStringList({a}) + links.mid(2, 1) + links.mid(4, 4));
+    EXPECT_EQ(linksWith(QueueStatus::queued), QStringList({a, a, links.last()}));
+    EXPECT_EQ(row(1).detail, QStringLiteral("Waiting for open download slot"));
+    machine.tell(QStringLiteral("go"));
+    ASSERT_TRUE(waitUntil([this] { return view.activeDownloadRuns() == 0; }));
+    EXPECT_EQ(countWith(QueueStatus::complete), 9);
+    EXPECT_FALSE(isTwice);
+}
+
+TEST_F(EngineTest, RunsHoldEachOthersLinksAndShareTheSlots) {
+    QStringList links;
+    for (const char* name : {"1", "2", "3", "4", "p", "q", "s", "t", "p", "q", "5", "6", "7", "8"})
+        links.append(link("gate", QString::fromLatin1(name)));
+    addReadRows(links);
+    QList<QUuid> ids;
+    for (const DownloadItem& each : view.queue().rows())
+        ids.append(each.id);
+    qsizetype most = 0;
+    QObject::connect(&view.queue(), &QueueStore::rowChanged,
+                     [&] { most = std::max(most, countWith(QueueStatus::running)); });
+    const auto release = [this](const QString& names) {
+        for (const QChar name : names)
+            machine.tell(QStringLiteral("go-") + name);
+    };
+
+    view.startDownloadRun(ids.mid(0, 4));
+    view.startDownloadRun(ids.mid(4, 4));
+    release(QStringLiteral("1234"));
+    ASSERT_TRUE(waitUntil([this] { return view.activeDownloadRuns() == 1; }));
+    view.startDownloadRun(ids.mid(8, 2));
+    EXPECT_EQ(countWith(QueueStatus::running), 2);
+    view.startDownloadRun(ids.mid(10, 4));  // in the slots that the held rows leave
+    EXPECT_EQ(countWith(QueueStatus::running), 6);
+    release(QStringLiteral("p"));
+    ASSERT_TRUE(waitUntil([this] { return row(6).status == QueueStatus::running; }));
+    EXPECT_EQ(row(8).status, QueueStatus::queued);
+    release(QStringLiteral("5"));
+    ASSERT_TRUE(waitUntil([this] { return row(8).status == QueueStatus::complete; }));
+    release(QStringLiteral("qst678"));
+    ASSERT_TRUE(waitUntil([this] { return view.activeDownloadRuns() == 0; }));
+    EXPECT_EQ(countWith(QueueStatus::complete), 14);
+    EXPECT_EQ(most, 6);
+}
+
+TEST_F(EngineTest, ADownloadThatNamesNoFileDoesNotTakeANeighbours) {
+    addReadRows({link("late", QStringLiteral("own")), link("song", QStringLiteral("ended")),
+                 link("converting", QStringLiteral("running"))});
+    const QString own = eventFile(QStringLiteral("own [own].mp3"));
+    view.startDownloadRun({row(0).id});
+    ASSERT_TRUE(waitUntil([&] { return QFile::exists(own); }));
+    view.startDownloads();
+    ASSERT_TRUE(waitUntil([this] {
+        return row(1).status == QueueStatus::complete &&
+               row(2).detail == QStringLiteral("Downloading Song") &&
+               QFile::exists(machine.toolFolder() + QStringLiteral("/converts"));
+    }));
+    machine.tell(QStringLiteral("go-own"));
+    ASSERT_TRUE(waitUntil([this] { return row(0).status == QueueStatus::complete; }));
+    EXPECT_EQ(row(0).outputPath, own);
+}
+
+TEST_F(EngineTest, ARunRemovesWhatAnEarlierTrimLeft) {
+    const QString left =
+        eventFile(QStringLiteral(".trim-0F8FAD5B-D9CB-469F-A165-70867728950E.mp3"));
+    QDir().mkpath(view.eventFolder());
+    writeFile(left, "half a song");
+    const std::filesystem::path path = left.toStdString();
+    std::filesystem::last_write_time(path, std::filesystem::last_write_time(path) - 11min);
+    addReadRows({link("hold", QStringLiteral("a"))});
+    view.startDownloads();
+    EXPECT_TRUE(waitUntil([&] { return !QFile::exists(left); }));
+    EXPECT_EQ(countWith(QueueStatus::running), 1);
 }
 
 TEST_F(EngineTest, EachFailureHasItsText) {
