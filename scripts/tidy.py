@@ -20,7 +20,7 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[1]
 SETTINGS = ROOT / ".clang-tidy"
-FOLDERS = ("src", "tests", "bench")
+FOLDERS = ("src", "tests", "bench", "packaging")
 
 
 def sources(build):
