@@ -76,7 +76,7 @@ Item {
 
         SecondaryButtonStyle {
             objectName: "openOutput"
-            height: 38
+            anchors.verticalCenter: parent.verticalCenter
             text: "Open Output"
             symbol: "folder"
             onClicked: root.state.openOutput()
@@ -102,7 +102,7 @@ Item {
         }
         QueueDownloadButtonStyle {
             objectName: "downloadAll"
-            height: 38
+            anchors.verticalCenter: parent.verticalCenter
             width: Math.max(118, implicitWidth)
             text: "Download All"
             symbol: "arrow.down.circle.fill"
