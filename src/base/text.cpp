@@ -8,12 +8,22 @@ namespace reelcrate {
 
 namespace {
 
+/// Like the finder's own, which ends some characters between the two halves of a surrogate pair.
+qsizetype toNextBoundary(QTextBoundaryFinder& finder) {
+    const QString text = finder.string();
+    qsizetype next = finder.toNextBoundary();
+    while (next > 0 && next < text.size() && text.at(next).isLowSurrogate() &&
+           text.at(next - 1).isHighSurrogate())
+        next = finder.toNextBoundary();
+    return next;
+}
+
 /// The position where the character number `count` ends, or -1 when the text ends before.
 qsizetype endOfCharacter(const QString& text, qsizetype count) {
     QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
     qsizetype end = 0;
     for (qsizetype seen = 0; seen < count; ++seen) {
-        end = finder.toNextBoundary();
+        end = toNextBoundary(finder);
         if (end < 0)
             return -1;
     }
@@ -30,7 +40,7 @@ bool isLineBreak(QChar c) {
 qsizetype characterCount(const QString& text) {
     QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
     qsizetype count = 0;
-    while (finder.toNextBoundary() > 0)
+    while (toNextBoundary(finder) > 0)
         ++count;
     return count;
 }
@@ -51,7 +61,7 @@ QString firstBytes(const QString& text, qsizetype bytes) {
     QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
     qsizetype end = 0;
     qsizetype used = 0;
-    for (qsizetype next = finder.toNextBoundary(); next > 0; next = finder.toNextBoundary()) {
+    for (qsizetype next = toNextBoundary(finder); next > 0; next = toNextBoundary(finder)) {
         used += QStringView(text).sliced(end, next - end).toUtf8().size();
         if (used > bytes)
             break;
@@ -72,6 +82,19 @@ QStringList trimmedLines(const QString& text) {
     }
 }
 
+bool containsByRarest(QStringView text, QStringView word, QChar rarest, Qt::CaseSensitivity cs) {
+    const auto containsAt = [&](QChar c) {
+        const qsizetype offset = word.indexOf(rarest);
+        for (qsizetype at = text.indexOf(c); at >= 0; at = text.indexOf(c, at + 1)) {
+            if (at >= offset && text.sliced(at - offset).startsWith(word, cs))
+                return true;
+        }
+        return false;
+    };
+    return containsAt(rarest) ||
+           (cs == Qt::CaseInsensitive && rarest.isLower() && containsAt(rarest.toUpper()));
+}
+
 QString pluralSuffix(qsizetype count) {
     return count == 1 ? QString() : QStringLiteral("s");
 }
@@ -79,7 +102,7 @@ QString pluralSuffix(qsizetype count) {
 QString withHyphensForUnsafeCharacters(QString text) {
     const QStringView unsafe = u"/\\:?%*|\"<>";
     for (QChar& c : text) {
-        if (unsafe.contains(c))
+        if (unsafe.contains(c) || c.isNull())
             c = u'-';
     }
     return text;

@@ -22,10 +22,17 @@ QString firstBytes(const QString& text, qsizetype bytes);
 /// return, next line, line and paragraph separator), each trimmed; empty parts stay.
 QStringList trimmedLines(const QString& text);
 
+/// Whether the text contains the word. `rarest` is the one of the word's characters (in lower case,
+/// where the case does not matter) that texts have the fewest of: it is looked for first, which is
+/// several times as fast as a search for the word.
+bool containsByRarest(QStringView text, QStringView word, QChar rarest,
+                      Qt::CaseSensitivity cs = Qt::CaseSensitive);
+
 /// The "s" that a count other than one puts behind its noun.
 QString pluralSuffix(qsizetype count);
 
 /// Each of the ten characters / \ : ? % * | " < > replaced by a hyphen: unwelcome in file names.
+/// And the NUL, which no name can hold.
 QString withHyphensForUnsafeCharacters(QString text);
 
 }  // namespace reelcrate

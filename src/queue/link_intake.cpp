@@ -25,6 +25,7 @@ DownloadItem rowForLink(const QString& link) {
 
 QList<DownloadItem> newRowsForLinks(const QStringList& links, const QueueStore& queue) {
     QList<DownloadItem> rows;
+    rows.reserve(links.size());
     for (const QString& link : links) {
         if (queue.countWithUrl(link) == 0)
             rows.append(rowForLink(link));

@@ -53,6 +53,8 @@ void QueueStore::append(const QList<DownloadItem>& rows) {
         return;
     const qsizetype first = m_rows.size();
     m_rows.append(rows);
+    m_indexes.reserve(m_rows.size());
+    m_urlCounts.reserve(m_rows.size());
     for (const DownloadItem& row : rows)
         count(row, 1);
     indexFrom(first);

@@ -9,8 +9,14 @@
 /// One row of the queue. A plain value, copied freely; found again by `id`, never by position.
 namespace reelcrate {
 
+/// A random identifier, unlike all others. Any thread.
+QUuid newRowId();
+
+/// The standard upper-case text form of an identifier, without braces.
+QString idText(const QUuid& id);
+
 struct DownloadItem {
-    QUuid id = QUuid::createUuid();
+    QUuid id = newRowId();
     QString url;
     SourceType source = SourceType::link;
     QueueStatus status = QueueStatus::waiting;
@@ -25,10 +31,5 @@ struct DownloadItem {
 
     friend bool operator==(const DownloadItem&, const DownloadItem&) = default;
 };
-
-/// The standard upper-case text form of a row's id, without braces.
-inline QString idText(const QUuid& id) {
-    return id.toString(QUuid::WithoutBraces).toUpper();
-}
 
 }  // namespace reelcrate

@@ -33,9 +33,23 @@ TEST(Text, CutsBytesAtACharactersEnd) {
         {QStringLiteral("日本"), 5, QStringLiteral("日")},
         {family + u'x', 18, family},
         {family + u'x', 17, QString()},
+        // Behind a Thai letter Qt sees an end in the middle of a surrogate pair.
+        {QStringLiteral("\u0E2D\U0001F3B5"), 6, QStringLiteral("\u0E2D")},
     };
     for (const auto& [text, bytes, first] : cases)
         EXPECT_EQ(firstBytes(text, bytes), first);
+}
+
+TEST(Text, IsSearchedByTheRarestCharacter) {
+    const auto contains = [](const char* text, Qt::CaseSensitivity cs) {
+        return containsByRarest(QString::fromLatin1(text), u"login", u'g', cs);
+    };
+    for (const char* text : {"login", "g og login", "a login.", "gloggin login"})
+        EXPECT_TRUE(contains(text, Qt::CaseSensitive)) << text;
+    for (const char* text : {"", "g", "gin", "ogin", "logi", "LOGIN", "log in"})
+        EXPECT_FALSE(contains(text, Qt::CaseSensitive)) << text;
+    EXPECT_TRUE(contains("g G LOGIN", Qt::CaseInsensitive));
+    EXPECT_TRUE(contains("a loGin", Qt::CaseInsensitive));
 }
 
 TEST(Text, BreaksLinesAtEveryKindOfBreak) {
