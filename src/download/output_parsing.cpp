@@ -18,6 +18,8 @@ using namespace Qt::StringLiterals;
 constexpr qsizetype longestDetail = 120;     // characters
 constexpr qsizetype longestCutDetail = 117;  // characters, before the dots
 const QString alreadyDownloaded = QStringLiteral(" has already been downloaded");
+constexpr QStringView destination = u"Destination: ";
+constexpr QStringView merging = u"Merging formats into ";
 constexpr qsizetype longestPathLine = 65'536;  // UTF-16 units
 
 struct ModeText {
@@ -162,8 +164,6 @@ QString withoutQuotes(QStringView text) {
 }
 
 std::optional<QString> pathInLine(const QString& line) {
-    constexpr QStringView destination = u"Destination: ";
-    constexpr QStringView merging = u"Merging formats into ";
     const QString download = QStringLiteral("[download] ");
     const QStringView text(line);
     if (const qsizetype at = text.indexOf(destination); at >= 0)
@@ -174,6 +174,30 @@ std::optional<QString> pathInLine(const QString& line) {
         return std::nullopt;
     const QString path = QString(line).remove(download).remove(alreadyDownloaded);
     return path.isEmpty() ? std::nullopt : std::optional(path);
+}
+
+// These look through all of an output, however long: for the rarest character of a word first.
+bool mayNamePath(QStringView text) {
+    return containsByRarest(text, destination, u'D') || containsByRarest(text, merging, u'M') ||
+           containsByRarest(text, alreadyDownloaded, u'y');
+}
+
+bool mentionsLogin(QStringView text) {
+    return containsByRarest(text, u"private", u'v', Qt::CaseInsensitive) ||
+           containsByRarest(text, u"login", u'g', Qt::CaseInsensitive);
+}
+
+bool leavesOutParts(const QString& text) {
+    static const QRegularExpression notice(
+        QStringLiteral(R"(^\[download\].* Skipping fragment [0-9]+ \.\.\.[\r\n])"),
+        QRegularExpression::MultilineOption);
+    return containsByRarest(text, u" Skipping fragment ", u'k') && notice.match(text).hasMatch();
+}
+
+QString lastLine(QStringView text) {
+    const auto isLineBreak = [](QChar c) { return c == u'\n' || c == u'\r'; };
+    const auto start = std::find_if(text.crbegin(), text.crend(), isLineBreak);
+    return text.last(start - text.crbegin()).toString();
 }
 
 QString shortened(const QString& line) {
@@ -224,8 +248,12 @@ OutputEffect outputEffect(const DownloadItem& row, DownloadMode mode, const QStr
     return DetailOnly{downloadDetail(telling, mode)};
 }
 
-QList<NamedPath> OutputPathReader::read(const QString& piece) {
-    const QStringList lines = outputLines(m_unfinishedLine + piece);
+QList<NamedPath> OutputReader::read(const QString& piece) {
+    const QString text = m_unfinishedLine + piece;
+    m_mentionsLogin = m_mentionsLogin || reelcrate::mentionsLogin(text);
+    m_leavesOutParts = m_leavesOutParts || reelcrate::leavesOutParts(text);
+    // Hardly any line names a path: taking them apart is spared.
+    const QStringList lines = mayNamePath(text) ? outputLines(text) : QStringList(lastLine(text));
     QList<NamedPath> paths;
     for (const QString& line : lines) {
         // Not outputPath(): a line separator in a title is a part of the file's name, too.

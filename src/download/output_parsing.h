@@ -57,16 +57,23 @@ struct NamedPath {
     friend bool operator==(const NamedPath&, const NamedPath&) = default;
 };
 
-/// Finds the paths in a stream of pieces, also where a line is split between two. One thread at a
-/// time.
-class OutputPathReader {
+/// Reads a stream of pieces, also where a line is split between two. One thread at a time.
+class OutputReader {
 public:
     /// Takes the next piece, with its line breaks. Returns the paths that its lines name, in their
     /// order; a path in a line that is not complete yet may be a beginning of what it will be.
     QList<NamedPath> read(const QString& piece);
 
+    /// The link may be private or ask for a login.
+    bool mentionsLogin() const { return m_mentionsLogin; }
+
+    /// A part of the stream was not to be had, and was left out: the song has a hole.
+    bool leavesOutParts() const { return m_leavesOutParts; }
+
 private:
     QString m_unfinishedLine;
+    bool m_mentionsLogin = false;
+    bool m_leavesOutParts = false;
 };
 
 }  // namespace reelcrate

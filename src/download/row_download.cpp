@@ -61,7 +61,7 @@ public:
           m_unfinished(download.m_parts.supervisor) {}
 
     void read(const QString& piece) {
-        for (const auto& [path, isWritten] : m_paths.read(piece))
+        for (const auto& [path, isWritten] : m_reader.read(piece))
             believe(QDir::cleanPath(path), isWritten);
         m_download.post([&log = m_download.m_parts.log, piece] { log.append(piece); });
         const QString trimmed = piece.trimmed();
@@ -72,7 +72,9 @@ public:
                          trimmed] { stages.applyDownloadOutput(item, mode, trimmed); });
     }
 
-    /// The row has ended by itself: what it left are files like any others.
+    const OutputReader& reader() const { return m_reader; }
+
+    /// The row is about to be complete: what it left are files like any others.
     void keepFiles() { m_unfinished.keep(); }
 
     /// The file that the tool named or else, as far as can be told, the one that is new.
@@ -111,7 +113,7 @@ private:
     FileClaim m_claim;
     const QStringList m_beforeFiles;
     UnfinishedFiles m_unfinished;
-    OutputPathReader m_paths;
+    OutputReader m_reader;
     QString m_path;
 };
 
@@ -123,18 +125,22 @@ void RowDownload::run(const std::stop_token& stop) {
     const QString command =
         downloadCommandFor(m_item, m_plan.eventFolder, m_plan.mode, m_parts.discovery);
     logCommand(command);
-    const CommandResult result = m_parts.shell.runShellStreaming(
+    const CommandResult result = m_parts.shell.runShellPassingOn(
         command, [&output](const QString& piece) { output.read(piece); });
     if (stop.stop_requested())
         return;
-    if (result.status == 0) {
+    // A tool that leaves out what it cannot get reports success all the same.
+    if (result.status == 0 && !output.reader().leavesOutParts()) {
         finish(output, stop);
-    } else {
-        output.keepFiles();
-        post([&stages = m_parts.stages, item = m_item, printed = result.output] {
-            stages.fail(item, printed);
-        });
+        return;
     }
+    // The files stay announced, and so go with `output`: a conversion that failed, or of half a
+    // stream, leaves half a song under the song's name. What a later download can resume has other
+    // names.
+    const bool mentionsLogin = output.reader().mentionsLogin();
+    post([&stages = m_parts.stages, item = m_item, mentionsLogin] {
+        stages.fail(item, mentionsLogin);
+    });
 }
 
 void RowDownload::finish(Output& output, const std::stop_token& stop) {

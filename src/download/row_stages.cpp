@@ -22,12 +22,11 @@ QString preparingText(DownloadMode mode) {
                   QStringLiteral("Preparing Video for Download"));
 }
 
-QString failureText(const DownloadItem& item, const QString& output) {
+QString failureText(const DownloadItem& item, bool mentionsLogin) {
     if (item.source == SourceType::spotify)
         return QStringLiteral(
             "Could not find a matching YouTube result for this Spotify reference.");
-    const QString lowered = output.toLower();
-    if (lowered.contains(u"private") || lowered.contains(u"login"))
+    if (mentionsLogin)
         return QStringLiteral("This link may require a browser login or may not be public.");
     return QStringLiteral("Download failed. Check the link or try again.");
 }
@@ -121,13 +120,13 @@ void RowStages::complete(const QUuid& id, const SilenceTrimResult& result) {
     });
 }
 
-void RowStages::fail(const DownloadItem& item, const QString& output) {
+void RowStages::fail(const DownloadItem& item, bool mentionsLogin) {
     m_crawls.cancel(item.id);
     m_queue.update(item.id, [&](DownloadItem& row) {
         row.status = QueueStatus::failed;
         row.progress = 0;
         row.hasRealProgress = false;
-        row.detail = failureText(item, output);
+        row.detail = failureText(item, mentionsLogin);
     });
 }
 

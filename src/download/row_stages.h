@@ -35,8 +35,8 @@ public:
 
     void complete(const QUuid& id, const SilenceTrimResult& result);
 
-    /// `output` is all that the downloader printed.
-    void fail(const DownloadItem& item, const QString& output);
+    /// `mentionsLogin`: see OutputReader.
+    void fail(const DownloadItem& item, bool mentionsLogin);
 
 private:
     void prepareFrom(const QUuid& id, DownloadMode mode, double lowestProgress);

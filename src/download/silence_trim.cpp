@@ -33,6 +33,12 @@ const QString filterChain = QStringLiteral(
     "silenceremove=start_periods=1:start_duration=0.02:start_threshold=-55dB,"
     "areverse");
 
+/// ffmpeg reports success also where a full disk cut the file's end off, and only says so.
+bool reportsWriteError(const QString& output) {
+    return output.contains(u"Error writing") || output.contains(u"Error closing") ||
+           output.contains(u"av_interleaved_write_frame");
+}
+
 /// Replaces in one step, so that under the name there is always one whole file or the other.
 bool moveOver(const QString& from, const QString& to) {
     std::error_code error;
@@ -102,7 +108,8 @@ bool SilenceTrimmer::replaceByTrimmed(const QString& ffmpeg, const QString& path
     unfinished.announce(temporary);
     const CommandResult result =
         m_shell.runShellSync(silenceTrimCommand(ffmpeg, path, temporary), limitSeconds);
-    return result.status == 0 && QFileInfo(temporary).size() > 0 && moveOver(temporary, path);
+    return result.status == 0 && !reportsWriteError(result.output) &&
+           QFileInfo(temporary).size() > 0 && moveOver(temporary, path);
 }
 
 void removeForgottenTrims(const QString& folder) {

@@ -66,10 +66,18 @@ private:
 ShellRunner::ShellRunner(ProcessSupervisor& supervisor) : m_supervisor(supervisor) {}
 
 CommandResult ShellRunner::runShellSync(const QString& command, std::optional<double> timeout) {
-    return run(command, timeout, {});
+    CommandResult result = runKeepingOutput(command, timeout, {});
+    if (result.status == CommandResult::timedOut && result.output.isEmpty())
+        result.output = QStringLiteral("Command timed out.");
+    return result;
 }
 
 CommandResult ShellRunner::runShellStreaming(const QString& command,
+                                             const OutputHandler& onOutput) {
+    return runKeepingOutput(command, std::nullopt, onOutput);
+}
+
+CommandResult ShellRunner::runShellPassingOn(const QString& command,
                                              const OutputHandler& onOutput) {
     return run(command, std::nullopt, onOutput);
 }
@@ -106,6 +114,21 @@ std::optional<QString> ShellRunner::start(QProcess& process, const QString& comm
     return std::nullopt;
 }
 
+CommandResult ShellRunner::runKeepingOutput(const QString& command, std::optional<double> timeout,
+                                            const OutputHandler& onOutput) {
+    QString output;
+    CommandResult result = run(command, timeout, [&](const QString& piece) {
+        // Characters, not the text itself: an empty text would share the piece that the handler may
+        // hand to another thread.
+        output.append(piece.constData(), piece.size());
+        if (onOutput)
+            onOutput(piece);
+    });
+    if (!output.isEmpty())
+        result.output = output;
+    return result;
+}
+
 CommandResult ShellRunner::run(const QString& command, std::optional<double> timeout,
                                const OutputHandler& onOutput) {
     QProcess process;
@@ -114,16 +137,10 @@ CommandResult ShellRunner::run(const QString& command, std::optional<double> tim
 
     const auto group = static_cast<pid_t>(process.processId());
     TimeLimit limit(timeout, group);
-    CommandResult result;
     Utf8Pieces pieces;
     const auto read = [&] {
         const QString piece = pieces.add(process.readAllStandardOutput());
-        if (piece.isEmpty())
-            return;
-        // Characters, not the text itself: an empty text would share the piece that the handler may
-        // hand to another thread.
-        result.output.append(piece.constData(), piece.size());
-        if (onOutput)
+        if (!piece.isEmpty())
             onOutput(piece);
     };
     // The end of the child decides, not the end of the stream, which a grandchild may keep open:
@@ -140,11 +157,7 @@ CommandResult ShellRunner::run(const QString& command, std::optional<double> tim
         m_groups.erase(group);
     }
     m_supervisor.leaderEnded(group);
-
-    result.status = limit.hasPassed() ? CommandResult::timedOut : exitStatus(process);
-    if (limit.hasPassed() && result.output.isEmpty())
-        result.output = QStringLiteral("Command timed out.");
-    return result;
+    return {limit.hasPassed() ? CommandResult::timedOut : exitStatus(process), {}};
 }
 
 }  // namespace reelcrate

@@ -43,11 +43,17 @@ public:
     /// arrives.
     CommandResult runShellStreaming(const QString& command, const OutputHandler& onOutput);
 
+    /// The same for output of any size: the handler alone gets it. The result's output is empty,
+    /// unless the child could not be started.
+    CommandResult runShellPassingOn(const QString& command, const OutputHandler& onOutput);
+
     /// Main thread, at the program's end: from now on nothing starts, and all that runs is ended.
     /// Blocks until it is, about three seconds at most.
     void endEverything();
 
 private:
+    CommandResult runKeepingOutput(const QString& command, std::optional<double> timeout,
+                                   const OutputHandler& onOutput);
     CommandResult run(const QString& command, std::optional<double> timeout,
                       const OutputHandler& onOutput);
     std::optional<QString> start(QProcess& process, const QString& command);

@@ -23,6 +23,7 @@ TEST(SafeOutputStem, IsOneSafeLine) {
 TEST(SpotifyFileStem, HoldsNoVariableAndFitsAName) {
     expectTexts(spotifyFileStem,
                 {{"$HOME ${x} $_ $5 a$ $$A", "-HOME -{x} -_ $5 a$ $-A"}, {"", "Spotify Match"}});
+    EXPECT_EQ(spotifyFileStem(QStringLiteral("a$") + QChar::Null + u'b'), text("a$-b"));
     EXPECT_EQ(spotifyFileStem(QString(300, u'x')), QString(140, u'x'));
     EXPECT_EQ(spotifyFileStem(QString(300, QChar(0x4E2D))), QString(60, QChar(0x4E2D)));
     EXPECT_EQ(spotifyFileStem(singer.repeated(20)), singer.repeated(16));

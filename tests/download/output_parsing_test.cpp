@@ -39,7 +39,7 @@ TEST(OutputPath, IsTakenFromTheLastLineThatNamesOne) {
          {"[download]  has already been downloaded", "none"}});
 }
 
-TEST(OutputPathReader, ReadsRecordedOutputWhereverItIsCut) {
+TEST(OutputReader, ReadsRecordedOutputWhereverItIsCut) {
     const QString cafe = text("/music/Event/Caf\u00E9 Del Mar [cafe-del-mar].mp3");
     const QString city = text("/music/Event/City Lights [city-lights].mp4");
     const std::pair<const char*, QString> samples[] = {
@@ -48,7 +48,7 @@ TEST(OutputPathReader, ReadsRecordedOutputWhereverItIsCut) {
         const QString output = sample(name);
         for (const qsizetype size : {1, 7, 50, 4096}) {
             SCOPED_TRACE(size);
-            OutputPathReader reader;
+            OutputReader reader;
             QList<NamedPath> read;
             for (qsizetype at = 0; at < output.size(); at += size)
                 read += reader.read(output.mid(at, size));
@@ -57,11 +57,11 @@ TEST(OutputPathReader, ReadsRecordedOutputWhereverItIsCut) {
             EXPECT_EQ(read.last().isWritten, !text(name).contains(u"again"));
         }
     }
-    EXPECT_TRUE(OutputPathReader().read(sample("yt-dlp_404.txt")).isEmpty());
+    EXPECT_TRUE(OutputReader().read(sample("yt-dlp_404.txt")).isEmpty());
 }
 
-TEST(OutputPathReader, KeepsBlanksAtTheCutAndForgetsEndlessLines) {
-    OutputPathReader reader;
+TEST(OutputReader, KeepsBlanksAtTheCutAndForgetsEndlessLines) {
+    OutputReader reader;
     const auto written = [](const char* path) { return NamedPath{text(path), true}; };
     EXPECT_EQ(reader.read(text("Destination: /x/My ")), QList{written("/x/My")});
     EXPECT_EQ(reader.read(text("Song\u2028One\u0085.mp3\rDestination: /x/2\n")),
@@ -69,6 +69,33 @@ TEST(OutputPathReader, KeepsBlanksAtTheCutAndForgetsEndlessLines) {
     EXPECT_TRUE(reader.read(text("RCR_PROGRESS: 1%\n")).isEmpty());
     reader.read(QString(100'000, u'x'));
     EXPECT_EQ(reader.read(text("Destination: /x/2\n")), QList{written("/x/2")});
+}
+
+TEST(OutputReader, NoticesWhatSpeaksAgainstTheSongWhereverItIsCut) {
+    const struct {
+        const char* output;
+        bool mentionsLogin;
+        bool leavesOutParts;
+    } cases[] = {
+        {"[download] fragment not found; Skipping fragment 3 ...\n", false, true},
+        {"x\r\n[download] Skipping fragment 12 ...\r\n", false, true},
+        {"[download] Destination: /x/a; Skipping fragment 3 ... [x].mp4\n", false, false},
+        {"My [download] Skipping fragment 3 ...\n", false, false},
+        {"ERROR: This video is PRIVATE\n", true, false},
+        {"ERROR: use --cookies to Login\n", true, false},
+        {"RCR_PROGRESS: 1%\nlog in, privateer\n", true, false},
+        {"RCR_PROGRESS: 1%\nlog in, priv ate\n", false, false},
+    };
+    for (const auto& [output, mentionsLogin, leavesOutParts] : cases) {
+        for (const qsizetype size : {1, 9, 4096}) {
+            SCOPED_TRACE(output);
+            OutputReader reader;
+            for (qsizetype at = 0; at < text(output).size(); at += size)
+                reader.read(text(output).mid(at, size));
+            EXPECT_EQ(reader.mentionsLogin(), mentionsLogin);
+            EXPECT_EQ(reader.leavesOutParts(), leavesOutParts);
+        }
+    }
 }
 
 TEST(OutputEffect, PercentagesRaiseTheRow) {
