@@ -1,61 +1,90 @@
-// What intake and resolution cost beside one bare pass over the same data, measured in turn in one
-// run: "times_bare" is the ratio, and it should not grow with the number of items.
+// What the engine's steps cost per item, in queues of growing length, in CPU time of their thread.
+// "per_item" should not grow with the number of items; "times_bare" is the ratio to one bare pass
+// over the same data, measured in turn in the same run.
 
 #include "app/content_view.h"
 #include "download/finished_files.h"
+#include "download/row_stages.h"
+#include "download/run_log.h"
 
 #include <QCoreApplication>
+#include <QEventLoop>
 #include <QFile>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
 #include <benchmark/benchmark.h>
 
-#include <chrono>
+#include <ctime>
 #include <functional>
 #include <memory>
 
 namespace {
 
 using namespace reelcrate;
-using Clock = std::chrono::steady_clock;
-using Seconds = std::chrono::duration<double>;
-
 ProcessSupervisor* theSupervisor = nullptr;
 
-Seconds timed(const std::function<void()>& work) {
-    const auto start = Clock::now();
+double threadSeconds() {
+    constexpr double nanosecond = 1e-9;
+    timespec time{};
+    ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * nanosecond;
+}
+
+double timed(const std::function<void()>& work) {
+    const double start = threadSeconds();
     work();
-    return Clock::now() - start;
+    return threadSeconds() - start;
+}
+
+void reportPerItem(benchmark::State& state, double items) {
+    state.counters["per_item"] = benchmark::Counter(
+        items, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+}
+
+void measure(benchmark::State& state, const std::function<void()>& prepare,
+             const std::function<void()>& work, double items) {
+    for ([[maybe_unused]] auto iteration : state) {
+        prepare();
+        state.SetIterationTime(timed(work));
+    }
+    reportPerItem(state, items);
 }
 
 /// Reports the work as the benchmark's time, and its ratio to the bare pass.
 void compare(benchmark::State& state, const std::function<void()>& prepare,
              const std::function<void()>& work, const std::function<void()>& bare) {
-    Seconds all{};
-    Seconds allBare{};
+    double all = 0;
+    double allBare = 0;
     for ([[maybe_unused]] auto iteration : state) {
         prepare();
         allBare += timed(bare);
-        const Seconds seconds = timed(work);
+        const double seconds = timed(work);
         all += seconds;
-        state.SetIterationTime(seconds.count());
+        state.SetIterationTime(seconds);
     }
     state.counters["times_bare"] = all / allBare;
-    state.counters["per_item"] = benchmark::Counter(
-        static_cast<double>(state.range(0)),
-        benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+    reportPerItem(state, static_cast<double>(state.range(0)));
 }
 
 QString linkNumber(qint64 i) {
     return QStringLiteral("https://site.example/song/number-%1").arg(i);
 }
 
+QStringList linkNumbers(qint64 count) {
+    QStringList links;
+    for (qint64 i = 0; i < count; ++i)
+        links.append(linkNumber(i));
+    return links;
+}
+
 /// Pasted text becomes rows; bare: the matches of the link pattern over the same text.
-void intake(benchmark::State& state) {
+void intake(benchmark::State& state, const char* linkFormat) {
     QString text;
-    for (qint64 i = 0; i < state.range(0); ++i)
-        text += QStringLiteral("Listen to (%1), it is great\n").arg(linkNumber(i));
+    for (qint64 i = 0; i < state.range(0); ++i) {
+        const QString link = QString::fromLatin1(linkFormat).arg(i);
+        text += QStringLiteral("Listen to (%1), it is great\n").arg(link);
+    }
     std::unique_ptr<ContentView> view;
     compare(
         state, [&] { view = std::make_unique<ContentView>(*theSupervisor, ContentViewSetup()); },
@@ -65,6 +94,8 @@ void intake(benchmark::State& state) {
             for (auto match = pattern.globalMatch(text); match.hasNext();)
                 benchmark::DoNotOptimize(match.next().captured());
         });
+    if (view->queue().size() != state.range(0))
+        state.SkipWithError("not every link became a row");
 }
 
 /// A playlist is applied to the queue against a folder with a file for each song, found by title;
@@ -105,9 +136,7 @@ void resolution(benchmark::State& state) {
 
 /// Select all, a range over all, and the deletion of all; bare: a set of all rows' ids.
 void selection(benchmark::State& state) {
-    QStringList links;
-    for (qint64 i = 0; i < state.range(0); ++i)
-        links.append(linkNumber(i));
+    const QStringList links = linkNumbers(state.range(0));
     std::unique_ptr<ContentView> view;
     compare(
         state,
@@ -131,9 +160,98 @@ void selection(benchmark::State& state) {
         state.SkipWithError("rows are left");
 }
 
-BENCHMARK(intake)->Arg(100)->Arg(1000)->Arg(10000)->UseManualTime()->Unit(benchmark::kMillisecond);
-BENCHMARK(selection)->Arg(100)->Arg(1000)->Arg(10000)->UseManualTime()->Unit(
-    benchmark::kMillisecond);
+/// Every other row is deleted, in one go.
+void deletion(benchmark::State& state) {
+    const QStringList links = linkNumbers(state.range(0));
+    std::unique_ptr<ContentView> view;
+    QSet<QUuid> ids;
+    measure(
+        state,
+        [&] {
+            view = std::make_unique<ContentView>(*theSupervisor, ContentViewSetup());
+            view->addLinksToQueue(links);
+            ids.clear();
+            for (qsizetype i = 0; i < view->queue().size(); i += 2)
+                ids.insert(view->queue().rows().at(i).id);
+        },
+        [&] { view->deleteQueueItems(ids); }, static_cast<double>(state.range(0)));
+    if (view->queue().size() != state.range(0) / 2)
+        state.SkipWithError("other rows are left than should be");
+}
+
+/// What a download works with, in a queue of this length: its row is the last one.
+struct RunningRow {
+    explicit RunningRow(qint64 queueLength) {
+        QList<DownloadItem> rows(queueLength - 1);
+        for (DownloadItem& row : rows)
+            row.id = newRowId();
+        item.status = QueueStatus::running;
+        item.title = QStringLiteral("The Same Band - Song");
+        rows.append(item);
+        queue.append(rows);
+    }
+
+    DownloadItem item;
+    QueueStore queue;
+    ProgressCrawls crawls{queue};
+    RowStages stages{queue, crawls};
+    RunLog log;
+};
+
+/// Pieces of a downloader's output reach the row and the log.
+void outputPiece(benchmark::State& state) {
+    constexpr int pieces = 1000;
+    RunningRow running(state.range(0));
+    const QStringList lines{
+        QStringLiteral("[download] Destination: /music/Party/The Same Band - Song [7].m4a"),
+        QStringLiteral("RCR_PROGRESS: 41.5%"),
+        QStringLiteral("[info] There are no video thumbnails to download"),
+    };
+    measure(
+        state, [&] { running.log.clear(); },
+        [&] {
+            for (int i = 0; i < pieces; ++i) {
+                const QString& line = lines.at(i % lines.size());
+                running.log.append(line);
+                running.stages.applyDownloadOutput(running.item, DownloadMode::audio, line);
+            }
+        },
+        pieces);
+}
+
+/// A crawl moves the bar, timer included.
+void tick(benchmark::State& state) {
+    constexpr int ticks = 20;
+    constexpr double tickSeconds = 0.16;
+    RunningRow running(state.range(0));
+    measure(
+        state,
+        [&] {
+            QCoreApplication::processEvents();  // what earlier benchmarks left
+            running.queue.update(running.item.id, [](DownloadItem& row) { row.progress = 0; });
+        },
+        [&] {
+            QEventLoop loop;
+            QObject::connect(&running.queue, &QueueStore::rowChanged, &loop, [&] {
+                if (running.queue.rows().last().progress >= 0.9)
+                    loop.quit();
+            });
+            running.crawls.crawlQueueProgress(running.item.id, 0.9, ticks * tickSeconds);
+            loop.exec();
+        },
+        ticks);
+}
+
+void eachSize(benchmark::internal::Benchmark* benchmark) {
+    benchmark->Arg(100)->Arg(1000)->Arg(10000)->UseManualTime()->Unit(benchmark::kMillisecond);
+}
+
+BENCHMARK_CAPTURE(intake, links, "https://site.example/song/number-%1")->Apply(eachSize);
+BENCHMARK_CAPTURE(intake, videos, "https://www.youtube.com/watch?v=number-%1")->Apply(eachSize);
+BENCHMARK(selection)->Apply(eachSize);
+BENCHMARK(deletion)->Apply(eachSize);
+BENCHMARK(outputPiece)->Apply(eachSize);
+BENCHMARK(tick)->Apply(eachSize)->Iterations(3);
 BENCHMARK(resolution)
     ->Arg(100)
     ->Arg(1000)

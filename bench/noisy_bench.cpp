@@ -1,0 +1,147 @@
+// What a child costs that prints without end: "noisy_bench bare FILE" reads the file through the
+// program's pipe reader and drops it; "noisy_bench row FILE" downloads one row whose downloader
+// prints it. Prints one JSON object: the seconds that took, and of the row how much memory was
+// taken beside the log's own, and the longest time for which the main thread let its event loop
+// wait, both by the clock and in its own CPU time.
+
+#include "app/content_view.h"
+#include "tools/shell_quote.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTemporaryDir>
+#include <QTextStream>
+#include <QTimer>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <ctime>
+
+namespace {
+
+using namespace reelcrate;
+using namespace std::chrono_literals;
+
+constexpr double nanosecond = 1e-9;
+
+double seconds(clockid_t clock) {
+    timespec time{};
+    ::clock_gettime(clock, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * nanosecond;
+}
+
+/// In bytes, the most memory that this process has had so far.
+double peakMemory() {
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (status.open(QIODevice::ReadOnly)) {
+        const QList<QByteArray> lines = status.readAll().split('\n');
+        for (const QByteArray& line : lines) {
+            if (line.startsWith("VmHWM:"))
+                return line.mid(6).chopped(2).trimmed().toDouble() * 1024;
+        }
+    }
+    return 0;
+}
+
+void report(const QJsonObject& measured) {
+    QTextStream(stdout) << QString::fromUtf8(
+        QJsonDocument(measured).toJson(QJsonDocument::Compact));
+}
+
+void measureBare(ProcessSupervisor& supervisor, const QString& file) {
+    ShellRunner shell(supervisor);
+    const double start = seconds(CLOCK_MONOTONIC);
+    qint64 characters = 0;
+    shell.runShellPassingOn(QStringLiteral("cat ") + shellQuoted(file),
+                            [&](const QString& piece) { characters += piece.size(); });
+    report({{QStringLiteral("seconds"), seconds(CLOCK_MONOTONIC) - start},
+            {QStringLiteral("characters"), characters}});
+}
+
+/// How long the event loop waited at most between two beats of a timer.
+class Heartbeat {
+public:
+    Heartbeat() {
+        m_timer.setTimerType(Qt::PreciseTimer);
+        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { beat(); });
+        m_timer.start(1ms);
+    }
+
+    double longestWall() const { return m_longestWall; }
+    double longestCpu() const { return m_longestCpu; }
+
+private:
+    void beat() {
+        const double wall = seconds(CLOCK_MONOTONIC);
+        const double cpu = seconds(CLOCK_THREAD_CPUTIME_ID);
+        m_longestWall = std::max(m_longestWall, wall - std::exchange(m_wall, wall));
+        m_longestCpu = std::max(m_longestCpu, cpu - std::exchange(m_cpu, cpu));
+    }
+
+    QTimer m_timer;
+    double m_wall = seconds(CLOCK_MONOTONIC);
+    double m_cpu = seconds(CLOCK_THREAD_CPUTIME_ID);
+    double m_longestWall = 0;
+    double m_longestCpu = 0;
+};
+
+QString installNoisyDownloader(const QString& folder, const QString& file) {
+    const QString bin = folder + QStringLiteral("/Reelcrate/Tools/bin");
+    QDir().mkpath(bin);
+    QFile tool(bin + QStringLiteral("/yt-dlp"));
+    if (tool.open(QIODevice::WriteOnly))
+        tool.write("#!/bin/sh\nexec cat " + shellQuoted(file).toUtf8() + '\n');
+    tool.setPermissions(tool.permissions() | QFile::ExeOwner);
+    return folder;
+}
+
+void measureRow(ProcessSupervisor& supervisor, const QString& file) {
+    const QTemporaryDir scratch;
+    ContentViewSetup setup;
+    setup.toolPlaces.home = scratch.path();
+    setup.toolPlaces.appSupport = installNoisyDownloader(scratch.path(), file);
+    setup.desktopFolder = scratch.path();
+    ContentView view(supervisor, setup);
+    view.setDownloadMode(DownloadMode::video);
+    view.addLinksToQueue({QStringLiteral("https://site.example/song")});
+
+    const double memory = peakMemory();
+    const double start = seconds(CLOCK_MONOTONIC);
+    double end = 0;
+    const Heartbeat heartbeat;
+    QObject::connect(&view, &ContentView::activeDownloadRunsChanged, &view, [&] {
+        end = seconds(CLOCK_MONOTONIC);
+        if (view.activeDownloadRuns() == 0)
+            QCoreApplication::quit();
+    });
+    view.startDownloads();
+    QCoreApplication::exec();
+    const auto logBytes = static_cast<double>(view.runLog().size() * qsizetype{sizeof(QChar)});
+    report({{QStringLiteral("seconds"), end - start},
+            {QStringLiteral("logBytes"), logBytes},
+            {QStringLiteral("grownBytes"), peakMemory() - memory},
+            {QStringLiteral("longestWait"), heartbeat.longestWall()},
+            {QStringLiteral("longestTurn"), heartbeat.longestCpu()},
+            {QStringLiteral("status"), rawValue(view.queue().rows().first().status)}});
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    ProcessSupervisor supervisor;
+    const QCoreApplication application(argc, argv);
+    const QStringList words = QCoreApplication::arguments();
+    if (words.size() != 3) {
+        QTextStream(stderr) << "usage: noisy_bench bare|row FILE\n";
+        return EXIT_FAILURE;
+    }
+    if (words.at(1) == QStringLiteral("bare"))
+        measureBare(supervisor, words.at(2));
+    else
+        measureRow(supervisor, words.at(2));
+    return EXIT_SUCCESS;
+}
