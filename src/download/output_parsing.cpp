@@ -189,7 +189,7 @@ bool mentionsLogin(QStringView text) {
 
 bool leavesOutParts(const QString& text) {
     static const QRegularExpression notice(
-        QStringLiteral(R"(^\[download\].* Skipping fragment [0-9]+ \.\.\.[\r\n])"),
+        QStringLiteral(R"((*ANYCRLF)^\[download\](?: .*;)? Skipping fragment [0-9]+ \.\.\.[\r\n])"),
         QRegularExpression::MultilineOption);
     return containsByRarest(text, u" Skipping fragment ", u'k') && notice.match(text).hasMatch();
 }
@@ -198,6 +198,13 @@ QString lastLine(QStringView text) {
     const auto isLineBreak = [](QChar c) { return c == u'\n' || c == u'\r'; };
     const auto start = std::find_if(text.crbegin(), text.crend(), isLineBreak);
     return text.last(start - text.crbegin()).toString();
+}
+
+/// A text is looked through several times: in blocks of whole lines that the nearest cache holds.
+qsizetype endOfBlock(const QString& text, qsizetype start) {
+    constexpr qsizetype blockSize = 4096;
+    const qsizetype lineEnd = text.indexOf(u'\n', start + blockSize);
+    return lineEnd < 0 ? text.size() : lineEnd + 1;
 }
 
 QString shortened(const QString& line) {
@@ -249,7 +256,17 @@ OutputEffect outputEffect(const DownloadItem& row, DownloadMode mode, const QStr
 }
 
 QList<NamedPath> OutputReader::read(const QString& piece) {
-    const QString text = m_unfinishedLine + piece;
+    QList<NamedPath> paths;
+    qsizetype start = 0;
+    while (start < piece.size()) {
+        const qsizetype end = endOfBlock(piece, start);
+        paths += readBlock(m_unfinishedLine + piece.sliced(start, end - start));
+        start = end;
+    }
+    return paths;
+}
+
+QList<NamedPath> OutputReader::readBlock(const QString& text) {
     m_mentionsLogin = m_mentionsLogin || reelcrate::mentionsLogin(text);
     m_leavesOutParts = m_leavesOutParts || reelcrate::leavesOutParts(text);
     // Hardly any line names a path: taking them apart is spared.

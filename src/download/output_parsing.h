@@ -71,6 +71,8 @@ public:
     bool leavesOutParts() const { return m_leavesOutParts; }
 
 private:
+    QList<NamedPath> readBlock(const QString& text);
+
     QString m_unfinishedLine;
     bool m_mentionsLogin = false;
     bool m_leavesOutParts = false;

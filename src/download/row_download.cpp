@@ -17,11 +17,18 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <atomic>
+#include <memory>
 #include <utility>
 
 namespace reelcrate {
 
 namespace {
+
+using namespace std::chrono_literals;
+
+constexpr qsizetype mostUnshown = 1 << 20;  // UTF-16 units of a tool's output
+constexpr auto shortWhile = 2ms;
 
 /// Text that names the user's home folder is shown with "~" instead.
 QString withoutHome(QString text, const QString& home) {
@@ -54,8 +61,9 @@ QString downloadCommandFor(const DownloadItem& item, const QString& eventFolder,
 /// that it names. On the thread that runs the command.
 class RowDownload::Output {
 public:
-    explicit Output(RowDownload& download)
+    Output(RowDownload& download, const std::stop_token& stop)
         : m_download(download),
+          m_stop(stop),
           m_claim(download.m_parts.claimedFiles),
           m_beforeFiles(regularFiles(download.m_plan.eventFolder)),
           m_unfinished(download.m_parts.supervisor) {}
@@ -63,13 +71,18 @@ public:
     void read(const QString& piece) {
         for (const auto& [path, isWritten] : m_reader.read(piece))
             believe(QDir::cleanPath(path), isWritten);
-        m_download.post([&log = m_download.m_parts.log, piece] { log.append(piece); });
-        const QString trimmed = piece.trimmed();
-        if (trimmed.isEmpty())
-            return;
-        m_download.post([&stages = m_download.m_parts.stages, item = m_download.m_item,
-                         mode = m_download.m_plan.mode,
-                         trimmed] { stages.applyDownloadOutput(item, mode, trimmed); });
+        m_unshown->fetch_add(piece.size());
+        m_download.post([&log = m_download.m_parts.log, &stages = m_download.m_parts.stages,
+                         item = m_download.m_item, mode = m_download.m_plan.mode, piece,
+                         unshown = m_unshown] {
+            log.append(piece);
+            if (const QString trimmed = piece.trimmed(); !trimmed.isEmpty())
+                stages.applyDownloadOutput(item, mode, trimmed);
+            unshown->fetch_sub(piece.size());
+        });
+        // A tool that prints faster than it can be shown has to wait: its output would pile up.
+        while (m_unshown->load() > mostUnshown && pauseFor(m_stop, shortWhile)) {
+        }
     }
 
     const OutputReader& reader() const { return m_reader; }
@@ -109,6 +122,9 @@ private:
     }
 
     RowDownload& m_download;
+    const std::stop_token& m_stop;
+    const std::shared_ptr<std::atomic<qsizetype>> m_unshown =
+        std::make_shared<std::atomic<qsizetype>>(0);
     // Before the listing: a neighbour that ends meanwhile is in the one or in the other.
     FileClaim m_claim;
     const QStringList m_beforeFiles;
@@ -121,7 +137,7 @@ RowDownload::RowDownload(DownloadParts parts, RunPlan plan, DownloadItem item, q
     : m_parts(parts), m_plan(std::move(plan)), m_item(std::move(item)), m_position(position) {}
 
 void RowDownload::run(const std::stop_token& stop) {
-    Output output(*this);
+    Output output(*this, stop);
     const QString command =
         downloadCommandFor(m_item, m_plan.eventFolder, m_plan.mode, m_parts.discovery);
     logCommand(command);

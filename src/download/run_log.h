@@ -19,11 +19,9 @@ public:
 
     /// A text that does not end with a line feed gets one.
     void append(const QString& text) {
-        const qsizetype former = m_text.size();
-        m_text += text;
-        if (!text.endsWith(u'\n'))
-            m_text += u'\n';
-        Q_EMIT appended(m_text.sliced(former));
+        const QString lines = text.endsWith(u'\n') ? text : text + u'\n';
+        m_text += lines;
+        Q_EMIT appended(lines);
     }
 
 Q_SIGNALS:
