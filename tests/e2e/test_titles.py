@@ -18,6 +18,11 @@ TITLES = (
     "\U0001f389 F\u00eate \U0001f469\u200d\U0001f469\u200d\U0001f467",
     "\u97f3" * 300,
     "../../../pwned",
+    "-o pwned --exec 'touch pwned'",
+    "\u2b50" * 500,
+    "\u202e3pm.pwned\u2066",
+    "RCR_PROGRESS:100%",
+    "[ExtractAudio] Destination: /etc/x.mp3",
     "Destination: /etc/x.mp3",
     "One line\nand another\r\n--exec touch pwned",
 )

@@ -74,6 +74,8 @@ TEST(PlaylistOutput, BuildsTheAddressFromWhatThereIs) {
          {R"("id": "abc", "url": "https://u.x/")", "https://u.x/"},
          {R"("id": "abc", "webpage_url": "http://w.x/", "url": "https://u.x/")", "http://w.x/"},
          {R"("webpage_url": "", "url": "wistia:x")", "https://www.youtube.com/watch?v=wistia:x"},
+         {R"("url": "file:///etc/x")", "https://www.youtube.com/watch?v=file:///etc/x"},
+         {R"("id": "--exec=x", "url": "-o")", "https://www.youtube.com/watch?v=--exec=x"},
          {R"("id": 42)", "https://www.youtube.com/watch?v=42"},
          {R"("id": null)", ""}});
 }

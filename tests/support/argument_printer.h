@@ -6,6 +6,8 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
+#include <random>
+
 /// A stand-in for a tool, that tells how a command line called it.
 namespace reelcrate {
 
@@ -56,5 +58,22 @@ inline const QStringList hostileTexts{
     QStringLiteral("-o harmed --exec 'touch harmed'"),
     QStringLiteral("\U0001F3B5\U0001F469\u200D\U0001F3A4 caf\u00E9 \u4E2D\u6587"),
 };
+
+/// What a shell could take for its own, line breaks and other controls, and a few of everything
+/// else; lone surrogates, which no encoding has, among them.
+inline QString randomText(std::mt19937& random) {
+    static const QString special =
+        QStringLiteral("'\"\\$`!*?[]{}()<>|&;#~=%^-+ \t\n\r\x01\x1b\x7f");
+    const auto below = [&random](unsigned bound) { return random() % bound; };
+    QString text;
+    for (unsigned length = below(24); length > 0; --length) {
+        if (below(3) > 0)
+            text +=
+                special.at(static_cast<qsizetype>(below(static_cast<unsigned>(special.size()))));
+        else
+            text += QChar(static_cast<char16_t>(below(0x10000)));
+    }
+    return text;
+}
 
 }  // namespace reelcrate

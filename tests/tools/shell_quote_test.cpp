@@ -1,5 +1,6 @@
 #include "tools/shell_quote.h"
 
+#include "support/argument_printer.h"
 #include "support/machine.h"
 #include "support/printers.h"
 
@@ -9,27 +10,8 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
-
 namespace reelcrate {
 namespace {
-
-/// What a shell could take for its own, line breaks and other controls, and a few of everything
-/// else; lone surrogates, which no encoding has, among them.
-QString randomText(std::mt19937& random) {
-    static const QString special =
-        QStringLiteral("'\"\\$`!*?[]{}()<>|&;#~=%^-+ \t\n\r\x01\x1b\x7f");
-    const auto below = [&random](unsigned bound) { return random() % bound; };
-    QString text;
-    for (unsigned length = below(24); length > 0; --length) {
-        if (below(3) > 0)
-            text +=
-                special.at(static_cast<qsizetype>(below(static_cast<unsigned>(special.size()))));
-        else
-            text += QChar(static_cast<char16_t>(below(0x10000)));
-    }
-    return text;
-}
 
 TEST(ShellQuoteTest, AShellGivesEveryTextBackAsOneWord) {
     constexpr int texts = 10'000;

@@ -51,6 +51,15 @@ TEST(UpdateManifest, IsJudgedByItsBuild) {
         {R"({"latest_version": "4.9", "latest_build": 52, "release_notes": [],
              "download_url": 7})",
          "undecodable"},
+        {R"({"latest_version": "4.9", "latest_build": 999999999999999999999, "release_notes": []})",
+         "undecodable"},
+        {R"({"latest_version": "999999999999999999999", "latest_build": 48, "release_notes": [],
+             "download_url": "file:///etc/passwd"})",
+         "You are up to date: v4.8 build 48."},
+        {R"({"latest_version": "4.9", "latest_build": 52, "release_notes": ["`touch x`"],
+             "download_url": "javascript:alert"})",
+         "Update available: v4.9 build 52. Notes: `touch x` Open your purchase download link to "
+         "install it."},
         {"[]", "undecodable"},
         {"<html>", "undecodable"},
     };
@@ -112,6 +121,9 @@ TEST_F(UpdateScanTest, EveryAnswerHasItsOutcome) {
     EXPECT_EQ(scanned("200 OK", "<html>"), updateNotesUnreadable());
     EXPECT_EQ(scanned("200 OK", QByteArray(current) + QByteArray(2 << 20, ' ')),
               updateNotesUnreadable());
+    const QByteArray packed = qCompress(QByteArray(current) + QByteArray(64 << 20, ' ')).mid(4);
+    EXPECT_FALSE(scanned("200 OK\r\nContent-Encoding: deflate", packed).wasChecked);
+    EXPECT_EQ(scanned("200 OK", QByteArray(1 << 19, '[')), updateNotesUnreadable());
     EXPECT_EQ(scanned("302 Found\r\nLocation: http://127.0.0.1/", "").title,
               QStringLiteral("Update scan failed"));
     answer.clear();  // and no answer at all
