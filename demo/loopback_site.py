@@ -12,6 +12,8 @@ import argparse
 import html
 import re
 import shutil
+import socket
+import struct
 import tempfile
 import threading
 from http import HTTPStatus
@@ -21,8 +23,18 @@ from urllib.parse import urlsplit
 
 import songs
 
-TYPES = {".m4a": "audio/mp4", ".mp4": "video/mp4", ".jpg": "image/jpeg"}
+TYPES = {
+    ".m4a": "audio/mp4",
+    ".mp4": "video/mp4",
+    ".jpg": "image/jpeg",
+    ".m3u8": "application/vnd.apple.mpegurl",
+    ".ts": "video/mp2t",
+}
 PIECE = 8192
+
+# How a transfer may fail: the connection is closed before all is sent that was
+# announced, or reset, or falls silent.
+CUT, RESET, STALL = "cut", "reset", "stall"
 
 
 def attribute(text):
@@ -36,6 +48,9 @@ class LoopbackSite:
     The knobs may be turned while the site serves:
     rate        bytes per second of each media transfer, None for no limit
     hold_after  media transfers stop after so many bytes until let_go()
+    faults      by path: a status to answer with, or how transfers fail, which
+                then do not get beyond the file's middle; or a list of these, one
+                for each request, after which all is well
     """
 
     def __init__(self, folder, album, playlists=None, port=0):
@@ -44,29 +59,46 @@ class LoopbackSite:
         self.playlists = dict(playlists or {})
         self.rate = None
         self.hold_after = None
+        self.faults = {}
         self.requests = []
+        self.ranges = []  # (path, first byte) of what was asked for from further on
         self.held = 0
         self._changed = threading.Condition()
         self._let_go = threading.Event()
         self._closing = threading.Event()
-        handler = type("Handler", (_Handler,), {"site": self})
-        self._server = _Server(("127.0.0.1", port), handler)
-        self._thread = threading.Thread(target=self._server.serve_forever, args=(0.05,))
+        self._handler = type("Handler", (_Handler,), {"site": self})
+        self._server = _Server(("127.0.0.1", port), self._handler)
+        self.port = self._server.server_address[1]
 
     def __enter__(self):
-        self._thread.start()
+        self._serve()
         return self
 
     def __exit__(self, *_):
+        self.vanish()
+
+    def _serve(self):
+        self._thread = threading.Thread(target=self._server.serve_forever, args=(0.05,))
+        self._thread.start()
+
+    def vanish(self):
+        """Breaks off what is being sent, and closes the port."""
         self._closing.set()
         self._let_go.set()
         self._server.shutdown()
         self._server.server_close()
         self._thread.join()
 
+    def come_back(self):
+        """Serves again after vanish(), at the same port."""
+        self._closing.clear()
+        self.let_go()
+        self._server = _Server(("127.0.0.1", self.port), self._handler)
+        self._serve()
+
     @property
     def address(self):
-        return "http://127.0.0.1:%d" % self._server.server_address[1]
+        return f"http://127.0.0.1:{self.port}"
 
     def link(self, name):
         """The page of a song, as a user would copy it."""
@@ -120,6 +152,12 @@ class LoopbackSite:
             self.requests.append((method, path))
             self._changed.notify_all()
 
+    def next_fault(self, path):
+        fault = self.faults.get(path)
+        if isinstance(fault, list):
+            return fault.pop(0) if fault else None
+        return fault
+
     def pace(self, sent):
         """Called between the pieces of a media transfer."""
         if self.rate:
@@ -132,6 +170,9 @@ class LoopbackSite:
 
     def stall(self):
         self._closing.wait()
+
+    def is_closing(self):
+        return self._closing.is_set()
 
     def page(self, song):
         kind = "video" if song.video else "audio"
@@ -180,10 +221,13 @@ class _Handler(BaseHTTPRequestHandler):
 
     def do_GET(self):
         self.site.note(self.command, self.path)
+        if self.site.is_closing():
+            self.close_connection = True
+            return
         try:
             self._answer(urlsplit(self.path).path)
-        except (BrokenPipeError, ConnectionResetError):
-            self.close_connection = True  # the client has gone
+        except ConnectionError:
+            self.close_connection = True  # one side has gone
 
     do_HEAD = do_GET
 
@@ -194,12 +238,17 @@ class _Handler(BaseHTTPRequestHandler):
         _, area, *rest = path.split("/")
         name = rest[0] if len(rest) == 1 else ""
         stem = name.rpartition(".")[0]
-        if area == "song" and name in self.site.album:
+        fault = self.site.next_fault(path)
+        if isinstance(fault, int):
+            self._text("There is something wrong.\n", "text/plain", fault)
+        elif area == "song" and name in self.site.album:
             self._text(self.site.page(self.site.album[name]), "text/html")
         elif area == "playlist" and stem in self.site.playlists:
             self._text(self.site.feed(stem), "application/rss+xml")
         elif area in ("media", "cover") and stem in self.site.album:
-            self._file(self.site.folder / name, paced=area == "media")
+            self._file(self.site.folder / name, fault, paced=area == "media")
+        elif area == "stream" and Path(name).suffix in (".m3u8", ".ts"):
+            self._file(self.site.folder / name, fault, paced=False)
         elif area == "stalled":
             self.site.stall()
             self.close_connection = True
@@ -219,7 +268,7 @@ class _Handler(BaseHTTPRequestHandler):
         if self._head(status, headers):
             self.wfile.write(body)
 
-    def _file(self, path, paced):
+    def _file(self, path, fault, paced):
         size = path.stat().st_size
         asked = re.fullmatch(r"bytes=(\d*)-(\d*)", self.headers.get("Range", ""))
         headers = {"Content-Type": TYPES[path.suffix], "Accept-Ranges": "bytes"}
@@ -236,10 +285,23 @@ class _Handler(BaseHTTPRequestHandler):
                 )
                 return
             status = HTTPStatus.PARTIAL_CONTENT
+            self.site.ranges.append((self.path, start))
             headers["Content-Range"] = f"bytes {start}-{end - 1}/{size}"
         headers["Content-Length"] = end - start
         if self._head(status, headers):
-            self._send(path, start, end, paced)
+            sound = min(end, size // 2) if fault else end
+            self._send(path, start, sound, paced)
+            if fault:
+                self._fail(fault)
+
+    def _fail(self, fault):
+        if fault == STALL:
+            self.site.stall()
+        if fault == RESET:
+            self.connection.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))
+            self.rfile.close()
+            self.connection.close()
+        self.close_connection = True
 
     def _send(self, path, start, end, paced):
         with open(path, "rb") as file:
@@ -248,6 +310,8 @@ class _Handler(BaseHTTPRequestHandler):
             while position < end:
                 if paced:
                     self.site.pace(position - start)
+                if self.site.is_closing():
+                    raise ConnectionAbortedError
                 piece = file.read(min(PIECE, end - position))
                 self.wfile.write(piece)
                 position += len(piece)

@@ -24,6 +24,14 @@ quietly() {
     return "$status"
 }
 
+# this_machine: its shape, and the tools' versions, in a line.
+this_machine() {
+    local memory ffmpeg
+    memory=$(awk '/^MemTotal/ { printf "%.0f GB", $2 / 1e6 }' /proc/meminfo)
+    ffmpeg=$(ffmpeg -version | sed -n '1s/^ffmpeg version \([^ ]*\) .*/\1/p')
+    echo "$(nproc) cores, $memory of memory, $(uname -sr), yt-dlp $(yt-dlp --version), ffmpeg $ffmpeg"
+}
+
 # build PRESET: what changed since the last build. Configures the first time
 # and after the presets were edited; Ninja itself sees edits of CMakeLists.txt.
 build() (

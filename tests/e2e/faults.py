@@ -1,0 +1,162 @@
+"""What must hold after each fault, whatever it was, and a table of what came of it.
+
+REELCRATE_FAULTS=all runs the slow cases, too; REELCRATE_FAULT_TABLE names a file
+that gets a line of JSON for each fault."""
+
+import json
+import os
+import re
+import subprocess
+import time
+import unittest
+from collections import Counter
+from pathlib import Path
+from urllib.parse import urlsplit
+
+import songs
+from stage import FINISHED, EndToEnd
+
+COMPLETE, ATTENTION = "Complete", "Needs Attention"
+FAILED = "Download failed. Check the link or try again."
+TRIMMED = "Saved; trimmed silent start/end"
+UNTRIMMED = "Saved; silence trim skipped"
+
+SANITIZER_REPORT = re.compile(r"(Address|Leak|Thread|UndefinedBehavior)Sanitizer|runtime error:")
+
+TABLE = os.environ.get("REELCRATE_FAULT_TABLE")
+
+slow = unittest.skipUnless(os.environ.get("REELCRATE_FAULTS") == "all", "scripts/faults runs it")
+
+
+def counted(things):
+    """Equal things once, with their number."""
+    return "; ".join(f"{n} × {each}" if n > 1 else each for each, n in Counter(things).items())
+
+
+def length(path):
+    try:
+        return songs.seconds(path)
+    except (subprocess.CalledProcessError, KeyError):
+        return 0  # no media at all
+
+
+def age(trim):
+    """Makes an unfinished trim so old that the next run takes it for a forgotten one."""
+    long_ago = time.time() - 11 * 60
+    os.utime(trim, (long_ago, long_ago))
+
+
+class FaultTest(EndToEnd):
+    mode = "MP3"
+
+    def start_event(self, *links, event="Party", **options):
+        return self.stage.start("--json", "--mode", self.mode, *links, event=event, **options)
+
+    def run_event(self, *links, event="Party", text="", **options):
+        return self.stage.finish(self.start_event(*links, event=event, **options), text)
+
+    def survived(self, outcome, fault, event="Party", rerun=False):
+        """Checks what holds after every fault, and records this one. With
+        `rerun` the fault has gone: one more run completes every row."""
+        self.check(outcome, event)
+        left = self.on_disk(event)
+        self.record(fault, outcome, left, self.run_again(outcome, event) if rerun else "")
+
+    def refused(self, outcome, fault, explanation, event="Party"):
+        """The run ended before it began: the rows are as they were, and it says why."""
+        self.assertStatus(outcome, 1)
+        self.assertEqual({row["status"] for row in outcome.rows}, {"Ready"})
+        self.assertIn(explanation, outcome.err)
+        self.assertNoReport(outcome)
+        self.assertNothingRuns()
+        self.record(fault, outcome, self.on_disk(event), says=explanation)
+
+    def check(self, outcome, event="Party"):
+        statuses = {row["status"] for row in outcome.rows}
+        self.assertLessEqual(statuses, {COMPLETE, ATTENTION}, outcome.err)
+        self.assertStatus(outcome, 0 if statuses == {COMPLETE} else 1)
+        self.assertNoReport(outcome)
+        self.assertNothingRuns()
+        for row in outcome.rows:
+            if row["status"] == COMPLETE:
+                self.check_file(row, event)
+
+    def run_again(self, outcome, event):
+        for trim in self.folder(event).glob(".trim-*"):
+            age(trim)
+        again = self.run_event(*(row["url"].partition("#")[0] for row in outcome.rows), event=event)
+        self.check(again, event)
+        self.assertStatus(again, 0)
+        self.assertEqual(list(self.folder(event).glob(".trim-*")), [])
+        return f"{self.seen(again)}; {self.on_disk(event)}"
+
+    def folder(self, event="Party"):
+        return self.stage.output / event
+
+    def source_of(self, row):
+        """The song that the row's link stands for; None when the site has none."""
+        return self.site.album.get(Path(urlsplit(row["url"]).path).stem)
+
+    def check_file(self, row, event):
+        """What counts as finished is as long as its source."""
+        path, song = Path(row["outputPath"]), self.source_of(row)
+        if song is None or not path.is_file():
+            return
+        self.assertTrue(path.is_relative_to(self.folder(event)), path)
+        if row["detail"] == TRIMMED:
+            self.assertIsTrimmedSong(path, song)
+        elif not self.is_whole(path, song):
+            self.fail(f"{path} lasts {length(path)} s, but its source {song.seconds} s")
+
+    @staticmethod
+    def is_whole(path, song):
+        """Whether the file holds all of the song, with its two silent ends or without."""
+        found = length(path)
+        silent = len(songs.silences(path)) if found else 0
+        if silent == 0 and not song.video:
+            return abs(found - song.tone) < 0.25
+        return silent == 2 and abs(found - song.seconds) < 0.25
+
+    def assertDetails(self, outcome, *details):
+        self.assertEqual([row["detail"] for row in outcome.rows], list(details))
+
+    def assertNoReport(self, outcome):
+        self.assertIsNone(SANITIZER_REPORT.search(outcome.err), outcome.err)
+
+    # The table's row: composed of what has come, never written by hand.
+
+    def record(self, fault, outcome, left, again="", says=""):
+        if not TABLE:
+            return
+        seen = self.seen(outcome) + (f"; {says}" if says else "")
+        cells = {"fault": fault, "seen": seen, "disk": left, "again": again}
+        with open(TABLE, "a", encoding="utf-8") as file:
+            file.write(json.dumps(cells) + "\n")
+
+    @staticmethod
+    def seen(outcome):
+        def row_text(row):
+            shown = row["outputPath"] and Path(row["outputPath"])
+            note = "" if not shown or shown.is_file() else " (there is no file)"
+            return f"{row['status']}: {row['detail']}{note}"
+
+        return f"{counted(map(row_text, outcome.rows))} (status {outcome.status})"
+
+    def on_disk(self, event):
+        if not TABLE:
+            return ""  # spares looking into each file
+        folder = self.folder(event)
+        if not folder.is_dir():
+            return "a file in the folder's place" if folder.exists() else "no folder"
+        return counted(sorted(map(self.kind_of, folder.rglob("*")))) or "an empty folder"
+
+    def kind_of(self, path):
+        if path.is_dir():
+            return "folder"
+        if path.name.startswith(".trim-"):
+            return "unfinished trim"
+        if path.suffix not in FINISHED | {".mp4"}:
+            return path.suffix or path.name
+        song = next((s for s in self.site.album.values() if f"[{s.name}]" in path.name), None)
+        known = song is not None and self.is_whole(path, song)
+        return f"whole {path.suffix}" if known else f"other {path.suffix}"
