@@ -1,8 +1,8 @@
 // What a child costs that prints without end: "noisy_bench bare FILE" reads the file through the
 // program's pipe reader and drops it; "noisy_bench row FILE" downloads one row whose downloader
-// prints it. Prints one JSON object: the seconds that took, and of the row how much memory was
-// taken beside the log's own, and the longest time for which the main thread let its event loop
-// wait, both by the clock and in its own CPU time.
+// prints it. Prints one JSON object: the seconds from the start to the last of it; and of the row
+// the log's size, how much the memory grew, and the longest time for which the main thread let its
+// event loop wait, by the clock and in its own CPU time.
 
 #include "app/content_view.h"
 #include "tools/shell_quote.h"
@@ -113,8 +113,9 @@ void measureRow(ProcessSupervisor& supervisor, const QString& file) {
     const double start = seconds(CLOCK_MONOTONIC);
     double end = 0;
     const Heartbeat heartbeat;
+    QObject::connect(&view, &ContentView::runLogAppended, &view,
+                     [&] { end = seconds(CLOCK_MONOTONIC); });
     QObject::connect(&view, &ContentView::activeDownloadRunsChanged, &view, [&] {
-        end = seconds(CLOCK_MONOTONIC);
         if (view.activeDownloadRuns() == 0)
             QCoreApplication::quit();
     });
