@@ -83,8 +83,9 @@ QStringList trimmedLines(const QString& text) {
 }
 
 bool containsByRarest(QStringView text, QStringView word, QChar rarest, Qt::CaseSensitivity cs) {
+    const qsizetype offset = word.indexOf(rarest);
+    Q_ASSERT(offset >= 0);
     const auto containsAt = [&](QChar c) {
-        const qsizetype offset = word.indexOf(rarest);
         for (qsizetype at = text.indexOf(c); at >= 0; at = text.indexOf(c, at + 1)) {
             if (at >= offset && text.sliced(at - offset).startsWith(word, cs))
                 return true;

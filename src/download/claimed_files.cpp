@@ -42,6 +42,11 @@ void FileClaim::add(const QString& path) {
         own.append(path);
 }
 
+void FileClaim::withdraw() {
+    const std::lock_guard lock(m_files.m_mutex);
+    m_files.m_downloads[m_number].own.clear();
+}
+
 QStringList FileClaim::ofOthers() const {
     const std::lock_guard lock(m_files.m_mutex);
     QStringList files = m_files.m_downloads[m_number].endedNeighbours;

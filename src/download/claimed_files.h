@@ -35,6 +35,9 @@ public:
 
     void add(const QString& path);
 
+    /// The download has failed: its files are nobody's.
+    void withdraw();
+
     /// The files of all downloads that were under way at any time since this one began.
     QStringList ofOthers() const;
 

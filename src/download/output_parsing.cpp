@@ -17,7 +17,12 @@ using namespace Qt::StringLiterals;
 
 constexpr qsizetype longestDetail = 120;     // characters
 constexpr qsizetype longestCutDetail = 117;  // characters, before the dots
-const QString alreadyDownloaded = QStringLiteral(" has already been downloaded");
+constexpr QStringView alreadyDownloaded = u" has already been downloaded";
+constexpr QStringView skippingFragment = u" Skipping fragment ";
+constexpr QStringView deleting = u"Deleting original file ";
+constexpr QStringView addingTags = u"[Metadata] ";
+constexpr QStringView addingCover = u"[EmbedThumbnail] ";
+constexpr QStringView nextItem = u"[download] Downloading item ";
 constexpr QStringView destination = u"Destination: ";
 constexpr QStringView merging = u"Merging formats into ";
 constexpr qsizetype longestPathLine = 65'536;  // UTF-16 units
@@ -172,14 +177,27 @@ std::optional<QString> pathInLine(const QString& line) {
         return withoutQuotes(text.sliced(at + merging.size()).trimmed());
     if (!line.startsWith(download) || !line.contains(alreadyDownloaded))
         return std::nullopt;
-    const QString path = QString(line).remove(download).remove(alreadyDownloaded);
+    const QString path = QString(line).remove(download).remove(alreadyDownloaded.toString());
     return path.isEmpty() ? std::nullopt : std::optional(path);
 }
 
-// These look through all of an output, however long: for the rarest character of a word first.
-bool mayNamePath(QStringView text) {
-    return containsByRarest(text, destination, u'D') || containsByRarest(text, merging, u'M') ||
-           containsByRarest(text, alreadyDownloaded, u'y');
+struct Word {
+    QStringView text;
+    QChar rarest;  // of its characters
+};
+
+// A line that says something about files has one of them.
+constexpr std::array fileWords{
+    Word{destination, u'D'},      Word{merging, u'M'},  Word{alreadyDownloaded, u'y'},
+    Word{skippingFragment, u'k'}, Word{deleting, u'D'}, Word{addingTags, u'M'},
+    Word{addingCover, u'T'},      Word{nextItem, u'D'},
+};
+
+// These look through all of an output, however long.
+bool mayTellOfFiles(QStringView text) {
+    return std::any_of(fileWords.begin(), fileWords.end(), [&](const Word& word) {
+        return containsByRarest(text, word.text, word.rarest);
+    });
 }
 
 bool mentionsLogin(QStringView text) {
@@ -187,11 +205,30 @@ bool mentionsLogin(QStringView text) {
            containsByRarest(text, u"login", u'g', Qt::CaseInsensitive);
 }
 
-bool leavesOutParts(const QString& text) {
+// Behind the tool's name stands at most a reason, never text of the page.
+bool leavesOutPart(const QString& line) {
     static const QRegularExpression notice(
-        QStringLiteral(R"((*ANYCRLF)^\[download\](?: .*;)? Skipping fragment [0-9]+ \.\.\.[\r\n])"),
-        QRegularExpression::MultilineOption);
-    return containsByRarest(text, u" Skipping fragment ", u'k') && notice.match(text).hasMatch();
+        QStringLiteral(R"(^\[download\](?: [^:;]*;)? Skipping fragment [0-9]+ \.\.\.$)"));
+    return line.contains(skippingFragment) && notice.match(line).hasMatch();
+}
+
+FileNews::Kind kindOfPath(const QString& line) {
+    if (line.contains(alreadyDownloaded))
+        return FileNews::Kind::wasThere;
+    return line.startsWith(u"[download] ") ? FileNews::Kind::downloads : FileNews::Kind::converts;
+}
+
+std::optional<FileNews> newsOfWholeLine(const QString& line) {
+    using Kind = FileNews::Kind;
+    if (leavesOutPart(line))
+        return FileNews{Kind::leavesOutPart, {}};
+    if (line.startsWith(nextItem))
+        return FileNews{Kind::nextItem, {}};
+    if (line.startsWith(deleting))
+        return FileNews{Kind::hasConverted, {}};
+    if (line.startsWith(addingTags) || line.startsWith(addingCover))
+        return FileNews{Kind::addsTagsOrCover, {}};
+    return std::nullopt;
 }
 
 QString lastLine(QStringView text) {
@@ -255,32 +292,38 @@ OutputEffect outputEffect(const DownloadItem& row, DownloadMode mode, const QStr
     return DetailOnly{downloadDetail(telling, mode)};
 }
 
-QList<NamedPath> OutputReader::read(const QString& piece) {
-    QList<NamedPath> paths;
+QList<FileNews> OutputReader::read(const QString& piece) {
+    QList<FileNews> news;
     qsizetype start = 0;
     while (start < piece.size()) {
         const qsizetype end = endOfBlock(piece, start);
-        paths += readBlock(m_unfinishedLine + piece.sliced(start, end - start));
+        news += readBlock(m_unfinishedLine + piece.sliced(start, end - start));
         start = end;
     }
-    return paths;
+    return news;
 }
 
-QList<NamedPath> OutputReader::readBlock(const QString& text) {
+QList<FileNews> OutputReader::readBlock(const QString& text) {
     m_mentionsLogin = m_mentionsLogin || reelcrate::mentionsLogin(text);
-    m_leavesOutParts = m_leavesOutParts || reelcrate::leavesOutParts(text);
-    // Hardly any line names a path: taking them apart is spared.
-    const QStringList lines = mayNamePath(text) ? outputLines(text) : QStringList(lastLine(text));
-    QList<NamedPath> paths;
-    for (const QString& line : lines) {
+    // Hardly any line tells of files: taking them apart is spared.
+    const QStringList lines =
+        mayTellOfFiles(text) ? outputLines(text) : QStringList(lastLine(text));
+    QList<FileNews> allNews;
+    for (qsizetype i = 0; i < lines.size(); ++i) {
+        const QString& line = lines.at(i);
+        const bool isComplete = i + 1 < lines.size();
         // Not outputPath(): a line separator in a title is a part of the file's name, too.
         if (const std::optional<QString> path = pathInLine(line.trimmed()))
-            paths.append({*path, !line.contains(alreadyDownloaded)});
+            allNews.append({kindOfPath(line), *path});
+        if (const auto news = isComplete ? newsOfWholeLine(line) : std::nullopt) {
+            m_leavesOutParts = m_leavesOutParts || news->kind == FileNews::Kind::leavesOutPart;
+            allNews.append(*news);
+        }
     }
     m_unfinishedLine = lines.constLast();
     if (m_unfinishedLine.size() > longestPathLine)
         m_unfinishedLine.clear();
-    return paths;
+    return allNews;
 }
 
 }  // namespace reelcrate

@@ -49,29 +49,39 @@ using OutputEffect = std::variant<std::monostate, RealProgress, StageBegun, Deta
 /// Of `row` the id, title, source and progress count. `piece` is trimmed and not empty.
 OutputEffect outputEffect(const DownloadItem& row, DownloadMode mode, const QString& piece);
 
-/// A path that a line of output names.
-struct NamedPath {
-    QString path;
-    bool isWritten = false;  ///< from now on, or it was there already
+/// What a line of output says that the tool does about files.
+struct FileNews {
+    enum class Kind {
+        downloads,        ///< a file, under its final name once it is whole
+        converts,         ///< into a file, straight under its final name
+        wasThere,         ///< a file, already
+        leavesOutPart,    ///< of the stream, since it is not to be had: the song has a hole
+        hasConverted,     ///< all of it
+        addsTagsOrCover,  ///< to a file, beside it
+        nextItem,         ///< the link stands for several, and what follows is of another
+    };
 
-    friend bool operator==(const NamedPath&, const NamedPath&) = default;
+    Kind kind = Kind::downloads;
+    QString path;  ///< with the first three
+
+    friend bool operator==(const FileNews&, const FileNews&) = default;
 };
 
 /// Reads a stream of pieces, also where a line is split between two. One thread at a time.
 class OutputReader {
 public:
-    /// Takes the next piece, with its line breaks. Returns the paths that its lines name, in their
-    /// order; a path in a line that is not complete yet may be a beginning of what it will be.
-    QList<NamedPath> read(const QString& piece);
+    /// Takes the next piece, with its line breaks. Returns what its lines say, in their order; a
+    /// path in a line that is not complete yet may be a beginning of what it will be.
+    QList<FileNews> read(const QString& piece);
 
     /// The link may be private or ask for a login.
     bool mentionsLogin() const { return m_mentionsLogin; }
 
-    /// A part of the stream was not to be had, and was left out: the song has a hole.
+    /// Of any item.
     bool leavesOutParts() const { return m_leavesOutParts; }
 
 private:
-    QList<NamedPath> readBlock(const QString& text);
+    QList<FileNews> readBlock(const QString& text);
 
     QString m_unfinishedLine;
     bool m_mentionsLogin = false;

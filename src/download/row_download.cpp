@@ -2,21 +2,15 @@
 
 #include "base/background_tasks.h"
 #include "base/main_queue.h"
-#include "download/claimed_files.h"
 #include "download/download_command.h"
-#include "download/finished_files.h"
 #include "download/output_parsing.h"
+#include "download/row_files.h"
 #include "download/row_stages.h"
 #include "download/run_log.h"
 #include "download/silence_trim.h"
-#include "tools/process_supervisor.h"
 #include "tools/shell_runner.h"
 #include "tools/tool_discovery.h"
 
-#include <QDir>
-#include <QFileInfo>
-
-#include <algorithm>
 #include <atomic>
 #include <memory>
 #include <utility>
@@ -37,16 +31,6 @@ QString withoutHome(QString text, const QString& home) {
     return text;
 }
 
-bool isInside(const QString& path, const QString& folder) {
-    return path.startsWith(QDir::cleanPath(folder) + u'/');
-}
-
-/// Where yt-dlp writes a file anew while it adds tags or a cover to it.
-QString rewrittenPath(const QString& path) {
-    const QFileInfo file(path);
-    return file.path() + u'/' + file.completeBaseName() + QStringLiteral(".temp.") + file.suffix();
-}
-
 }  // namespace
 
 QString downloadCommandFor(const DownloadItem& item, const QString& eventFolder, DownloadMode mode,
@@ -57,20 +41,16 @@ QString downloadCommandFor(const DownloadItem& item, const QString& eventFolder,
          discovery.toolSearchPath()});
 }
 
-/// Follows the downloader's output of one row: logs it, shows it on the row, and remembers the file
-/// that it names. On the thread that runs the command.
+/// Follows the downloader's output of one row: logs it, shows it on the row, and tells the row's
+/// files of it. On the thread that runs the command.
 class RowDownload::Output {
 public:
-    Output(RowDownload& download, const std::stop_token& stop)
-        : m_download(download),
-          m_stop(stop),
-          m_claim(download.m_parts.claimedFiles),
-          m_beforeFiles(regularFiles(download.m_plan.eventFolder)),
-          m_unfinished(download.m_parts.supervisor) {}
+    Output(RowDownload& download, RowFiles& files, const std::stop_token& stop)
+        : m_download(download), m_files(files), m_stop(stop) {}
 
     void read(const QString& piece) {
-        for (const auto& [path, isWritten] : m_reader.read(piece))
-            believe(QDir::cleanPath(path), isWritten);
+        for (const FileNews& news : m_reader.read(piece))
+            m_files.take(news);
         m_unshown->fetch_add(piece.size());
         m_download.post([&log = m_download.m_parts.log, &stages = m_download.m_parts.stages,
                          item = m_download.m_item, mode = m_download.m_plan.mode, piece,
@@ -87,57 +67,21 @@ public:
 
     const OutputReader& reader() const { return m_reader; }
 
-    /// The row is about to be complete: what it left are files like any others.
-    void keepFiles() { m_unfinished.keep(); }
-
-    /// The file that the tool named or else, as far as can be told, the one that is new.
-    QString finishedPath() {
-        if (m_path.isEmpty()) {
-            m_path = newFile();
-            m_claim.add(m_path);
-        }
-        return m_path;
-    }
-
 private:
-    /// A title may hold any text, also one that looks like the line of a path.
-    void believe(const QString& path, bool isWritten) {
-        if (!isInside(path, m_download.m_plan.eventFolder))
-            return;
-        m_path = path;
-        m_claim.add(path);
-        // A conversion writes straight into the file's final name. If the program ends before the
-        // row does, what stands there would pass for a finished song from then on.
-        if (isWritten && !std::binary_search(m_beforeFiles.begin(), m_beforeFiles.end(), path)) {
-            m_unfinished.announce(path);
-            m_unfinished.announce(rewrittenPath(path));
-        }
-    }
-
-    QString newFile() const {
-        QStringList notOwn = m_beforeFiles;
-        for (const QString& path : m_claim.ofOthers())
-            notOwn += relatedFiles(path);
-        return bestOutputPath(notOwn, m_download.m_plan.eventFolder);
-    }
-
     RowDownload& m_download;
+    RowFiles& m_files;
     const std::stop_token& m_stop;
     const std::shared_ptr<std::atomic<qsizetype>> m_unshown =
         std::make_shared<std::atomic<qsizetype>>(0);
-    // Before the listing: a neighbour that ends meanwhile is in the one or in the other.
-    FileClaim m_claim;
-    const QStringList m_beforeFiles;
-    UnfinishedFiles m_unfinished;
     OutputReader m_reader;
-    QString m_path;
 };
 
 RowDownload::RowDownload(DownloadParts parts, RunPlan plan, DownloadItem item, qsizetype position)
     : m_parts(parts), m_plan(std::move(plan)), m_item(std::move(item)), m_position(position) {}
 
 void RowDownload::run(const std::stop_token& stop) {
-    Output output(*this, stop);
+    RowFiles files(m_plan.eventFolder, m_parts.claimedFiles, m_parts.supervisor);
+    Output output(*this, files, stop);
     const QString command =
         downloadCommandFor(m_item, m_plan.eventFolder, m_plan.mode, m_parts.discovery);
     logCommand(command);
@@ -147,19 +91,19 @@ void RowDownload::run(const std::stop_token& stop) {
         return;
     // A tool that leaves out what it cannot get reports success all the same.
     if (result.status == 0 && !output.reader().leavesOutParts()) {
-        finish(output, stop);
+        finish(files, stop);
         return;
     }
-    // The files stay announced, and so go with `output`: a conversion that failed, or of half a
-    // stream, leaves half a song under the song's name. What a later download can resume has other
-    // names.
+    files.removeUnfinished();
+    if (!result.output.isEmpty())
+        post([&log = m_parts.log, reason = result.output] { log.append(reason); });
     const bool mentionsLogin = output.reader().mentionsLogin();
     post([&stages = m_parts.stages, item = m_item, mentionsLogin] {
         stages.fail(item, mentionsLogin);
     });
 }
 
-void RowDownload::finish(Output& output, const std::stop_token& stop) {
+void RowDownload::finish(RowFiles& files, const std::stop_token& stop) {
     const bool isSong = m_plan.mode == DownloadMode::audio;
     if (isSong) {
         enterStage(QStringLiteral("Examining Song to Trim"), 0.9, 2);
@@ -168,10 +112,10 @@ void RowDownload::finish(Output& output, const std::stop_token& stop) {
         enterStage(QStringLiteral("Trimming Song"), 0.96, 5);
     }
     const SilenceTrimResult trimmed =
-        m_parts.trimmer.trimEdgeSilenceIfNeeded(output.finishedPath(), m_plan.mode);
+        m_parts.trimmer.trimEdgeSilenceIfNeeded(files.finishedPath(), m_plan.mode);
     if (stop.stop_requested())
         return;
-    output.keepFiles();
+    files.keepAll();
     enterStage(isSong ? QStringLiteral("Saving MP3") : QStringLiteral("Saving MP4"), 0.99, 1);
     if (!pauseFor(stop, isSong ? m_plan.timing.savingAudio : m_plan.timing.savingVideo))
         return;

@@ -16,6 +16,7 @@ namespace reelcrate {
 class ClaimedFiles;
 class MainQueue;
 class ProcessSupervisor;
+class RowFiles;
 class RowStages;
 class RunLog;
 class ShellRunner;
@@ -70,7 +71,7 @@ public:
 private:
     class Output;
 
-    void finish(Output& output, const std::stop_token& stop);
+    void finish(RowFiles& files, const std::stop_token& stop);
     void logCommand(const QString& command);
     void enterStage(const QString& detail, double target, double duration);
     void post(std::function<void()> block);

@@ -254,9 +254,7 @@ UnfinishedFiles::UnfinishedFiles(ProcessSupervisor& supervisor)
     : m_supervisor(supervisor), m_list(supervisor.newList()) {}
 
 UnfinishedFiles::~UnfinishedFiles() {
-    for (const QString& path : std::as_const(m_paths))
-        QFile::remove(path);
-    m_supervisor.forgetUnfinished(m_list);
+    keepOnly({});
 }
 
 void UnfinishedFiles::announce(const QString& path) {
@@ -269,6 +267,14 @@ void UnfinishedFiles::announce(const QString& path) {
 void UnfinishedFiles::keep() {
     m_paths.clear();
     m_supervisor.forgetUnfinished(m_list);
+}
+
+void UnfinishedFiles::keepOnly(const QStringList& paths) {
+    for (const QString& path : std::as_const(m_paths)) {
+        if (!paths.contains(path))
+            QFile::remove(path);
+    }
+    keep();
 }
 
 }  // namespace reelcrate

@@ -64,6 +64,8 @@ public:
 
     void announce(const QString& path);
     void keep();
+    /// Keeps those that are among these, and removes the others now.
+    void keepOnly(const QStringList& paths);
 
 private:
     ProcessSupervisor& m_supervisor;

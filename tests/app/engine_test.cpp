@@ -261,6 +261,28 @@ TEST_F(EngineTest, ADownloadThatNamesNoFileDoesNotTakeANeighbours) {
     EXPECT_EQ(row(0).outputPath, own);
 }
 
+TEST_F(EngineTest, AFailedDownloadLeavesNoHalfSongButANeighboursOfTheSameName) {
+    const QString both = eventFile(QStringLiteral("both [both].mp3"));
+    const QString own = eventFile(QStringLiteral("own [own].mp3"));
+    addReadRows({link("failing", QStringLiteral("own")), link("failing", QStringLiteral("both")),
+                 link("song", QStringLiteral("both"))});
+    view.startDownloadRun({row(0).id, row(1).id});
+    const auto converts = [](const DownloadItem& row) {
+        return row.detail == QStringLiteral("Downloading Song");
+    };
+    ASSERT_TRUE(waitUntil([&] {
+        return converts(row(0)) && converts(row(1)) && QFile::exists(own) && QFile::exists(both);
+    }));
+    view.startDownloads();
+    ASSERT_TRUE(waitUntil([this] { return row(2).status == QueueStatus::complete; }));
+    EXPECT_TRUE(QFile::exists(own));
+    machine.tell(QStringLiteral("go-own"));
+    machine.tell(QStringLiteral("go-both"));
+    ASSERT_TRUE(waitUntil([this] { return countWith(QueueStatus::failed) == 2; }));
+    EXPECT_FALSE(QFile::exists(own));
+    EXPECT_EQ(readFile(both), "trimmed\nsound of both\n");
+}
+
 TEST_F(EngineTest, ARunRemovesWhatAnEarlierTrimLeft) {
     const QString left =
         eventFile(QStringLiteral(".trim-0F8FAD5B-D9CB-469F-A165-70867728950E.mp3"));

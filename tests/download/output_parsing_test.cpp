@@ -39,22 +39,31 @@ TEST(OutputPath, IsTakenFromTheLastLineThatNamesOne) {
          {"[download]  has already been downloaded", "none"}});
 }
 
+using Kind = FileNews::Kind;
+
 TEST(OutputReader, ReadsRecordedOutputWhereverItIsCut) {
     const QString cafe = text("/music/Event/Caf\u00E9 Del Mar [cafe-del-mar].mp3");
     const QString city = text("/music/Event/City Lights [city-lights].mp4");
-    const std::pair<const char*, QString> samples[] = {
-        {"yt-dlp_mp3.txt", cafe}, {"yt-dlp_mp4.txt", city}, {"yt-dlp_again.txt", cafe}};
-    for (const auto& [name, path] : samples) {
+    const struct {
+        const char* name;
+        FileNews last;
+        qsizetype conversions;
+        qsizetype additions;
+    } samples[] = {{"yt-dlp_mp3.txt", {Kind::converts, cafe}, 1, 2},
+                   {"yt-dlp_mp4.txt", {Kind::downloads, city}, 0, 1},
+                   {"yt-dlp_again.txt", {Kind::wasThere, cafe}, 0, 2}};
+    for (const auto& [name, last, conversions, additions] : samples) {
         const QString output = sample(name);
         for (const qsizetype size : {1, 7, 50, 4096}) {
             SCOPED_TRACE(size);
             OutputReader reader;
-            QList<NamedPath> read;
+            QList<FileNews> read;
             for (qsizetype at = 0; at < output.size(); at += size)
                 read += reader.read(output.mid(at, size));
+            EXPECT_EQ(read.removeAll(FileNews{Kind::hasConverted, {}}), conversions);
+            EXPECT_EQ(read.removeAll(FileNews{Kind::addsTagsOrCover, {}}), additions);
             ASSERT_FALSE(read.isEmpty());
-            EXPECT_EQ(read.last().path, path);
-            EXPECT_EQ(read.last().isWritten, !text(name).contains(u"again"));
+            EXPECT_EQ(read.last(), last);
         }
     }
     EXPECT_TRUE(OutputReader().read(sample("yt-dlp_404.txt")).isEmpty());
@@ -62,7 +71,7 @@ TEST(OutputReader, ReadsRecordedOutputWhereverItIsCut) {
 
 TEST(OutputReader, KeepsBlanksAtTheCutAndForgetsEndlessLines) {
     OutputReader reader;
-    const auto written = [](const char* path) { return NamedPath{text(path), true}; };
+    const auto written = [](const char* path) { return FileNews{Kind::converts, text(path)}; };
     EXPECT_EQ(reader.read(text("Destination: /x/My ")), QList{written("/x/My")});
     EXPECT_EQ(reader.read(text("Song\u2028One\u0085.mp3\rDestination: /x/2\n")),
               (QList{written("/x/My Song\u2028One\u0085.mp3"), written("/x/2")}));
@@ -82,7 +91,8 @@ TEST(OutputReader, NoticesWhatSpeaksAgainstTheSongWhereverItIsCut) {
         {"[download] Destination: /x/a; Skipping fragment 3 ... [x].mp4\n", false, false},
         {"1%\r[download] fragment not found; Skipping fragment 3 ...\n", false, true},
         {"My [download] Skipping fragment 3 ...\n", false, false},
-        {"[download] Downloading playlist: My Skipping fragment 3 ...\n", false, false},
+        {"[download] Downloading playlist: My; Skipping fragment 3 ...\n", false, false},
+        {"[download] Skipping fragment 3 ...", false, false},
         {"ERROR: This video is PRIVATE\n", true, false},
         {"ERROR: use --cookies to Login\n", true, false},
         {"RCR_PROGRESS: 1%\nlog in, privateer\n", true, false},

@@ -11,16 +11,17 @@ import time
 import unittest
 from pathlib import Path
 
-from faults import ATTENTION, COMPLETE, FAILED, TRIMMED, slow
+from faults import ATTENTION, COMPLETE, FAILED, TRIMMED, needs, slow
 from songs import Song
-from stage import PATIENCE, eventually
+from stage import PATIENCE, PROGRAM, eventually
 from stand_in import EVENING, VICTIM, StandIn
 
 FILM = Song("film", "Film", lead=0.5, tone=1.5, tail=0.5, video=True)
 HELD_AFTER = 20_000
+SANITIZED = b"__asan_init" in Path(PROGRAM).read_bytes()  # takes memory for its own ends
 
 
-@unittest.skipUnless(shutil.which("faketime"), "faketime is not installed")
+@needs(shutil.which("faketime"), "faketime is not installed")
 class ClockSetBack(StandIn):
     """The system's clock: the one that only ever runs on is not touched."""
 
@@ -117,7 +118,8 @@ class OddTool(StandIn):
             time.sleep(0.02)
         outcome = self.stage.finish(process)
         self.assertDetails(outcome, TRIMMED, TRIMMED)
-        self.assertLess(peak, 600_000, "kilobytes, not many times what was printed")
+        if not SANITIZED:
+            self.assertLess(peak, 200_000, "kilobytes, not many times what was printed")
         self.survived(outcome, "a tool that prints 10 MB without a line break", "endless")
 
     def test_silent_tool(self):
@@ -145,15 +147,6 @@ class OddTool(StandIn):
     def sleepers(self):
         """What the stand-in has become where it prints nothing."""
         return [pid for pid in self.stage.running() if self.status(pid, "Name") == "sleep"]
-
-    @staticmethod
-    def status(pid, field):
-        """What the system says of a process; nothing when it has ended."""
-        try:
-            lines = Path(f"/proc/{pid}/status").read_text().splitlines()
-        except OSError:
-            lines = []
-        return next((line.split()[1] for line in lines if line.startswith(f"{field}:")), "")
 
     def kill_sleeper(self):
         self.assertTrue(eventually(lambda: len(self.sleepers()) == 1, PATIENCE))

@@ -48,9 +48,9 @@ QString wholeCharacters(const QString& output, qsizetype at, qsizetype length) {
 }
 
 /// Whether all of `some` stand in `all`, in their order.
-bool isWithin(const QList<NamedPath>& some, const QList<NamedPath>& all) {
+bool isWithin(const QList<FileNews>& some, const QList<FileNews>& all) {
     auto from = all.begin();
-    return std::all_of(some.begin(), some.end(), [&](const NamedPath& path) {
+    return std::all_of(some.begin(), some.end(), [&](const FileNews& path) {
         from = std::find(from, all.end(), path);
         if (from == all.end())
             return false;
@@ -71,8 +71,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const QString output = decodedText(input) + u'\n';
 
     OutputReader wholeReader;
-    const QList<NamedPath> whole = wholeReader.read(output);
-    QList<NamedPath> cut;
+    const QList<FileNews> whole = wholeReader.read(output);
+    QList<FileNews> cut;
     OutputReader reader;
     FuzzedDataProvider cuts(data, size);
     for (qsizetype at = 0; at < output.size();) {
@@ -83,8 +83,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         if (!piece.trimmed().isEmpty())
             show(row, mode, piece.trimmed());
     }
-    require(isWithin(whole, cut), "a path is found wherever the output is cut");
-    require(whole.isEmpty() == cut.isEmpty(), "a cut makes no paths");
+    require(isWithin(whole, cut), "what a line says is found wherever the output is cut");
+    require(whole.isEmpty() == cut.isEmpty(), "a cut makes no news");
     require(whole.isEmpty() || whole.last() == cut.last(), "the last word is the same");
     require(wholeReader.mentionsLogin() == reader.mentionsLogin(), "a login is seen across a cut");
     require(wholeReader.leavesOutParts() == reader.leavesOutParts(), "a hole is seen across a cut");
