@@ -141,17 +141,21 @@ def bench_noise(report, bin_folder, scratch, pairs):
     samples = taking_turns(pairs, measure)
     report.measured["noise"] = samples
     rows = samples["program"]
+    if not all(row["status"] == "Complete" and row["logBytes"] >= 2 * NOISE_BYTES for row in rows):
+        raise SystemExit("The row did not come to its end, or lost output.")
+    if not all(bare["characters"] >= NOISE_BYTES for bare in samples["bare"]):
+        raise SystemExit("The reader lost output.")
     seconds = [[s["seconds"] for s in samples[kind]] for kind in ("program", "bare")]
     growth = [row["grownBytes"] / row["logBytes"] for row in rows]
     turns, waits = ([1000 * row[name] for row in rows] for name in ("longestTurn", "longestWait"))
     table = [compared("a row, beside `cat` through the same reader", *seconds, "s", 2)]
+    # What must never be is judged by the worst.
     for what, values, goal, form in (
-        ("memory taken, as a multiple of the log", growth, 1.05, "{:.2f}"),
+        ("memory taken, as a multiple of the log (with 1 % for all else)", growth, 1.01, "{:.3f}"),
         ("longest turn of the main thread, CPU ms", turns, 16, "{:.1f}"),
         ("longest wait of its event loop, ms by the clock", waits, 16, "{:.1f}"),
     ):
-        median = statistics.median(values)
-        table.append([what, "", "", spread(values, form), f"≤ {goal}", verdict(median, goal)])
+        table.append([what, "", "", spread(values, form), f"≤ {goal}", verdict(max(values), goal)])
     report.table(f"A child that prints {NOISE_BYTES // 10**6} MB, {pairs} pairs", COMPARISON, table)
 
 
@@ -191,8 +195,8 @@ def microseconds(seconds):
 
 
 def flat_row(what, sizes, seconds, goal=1.5):
-    """What an item costs in queues of growing length; from the first length to the last."""
-    ratio = seconds[-1] / seconds[0]
+    """What an item costs in queues of growing length; at most, as a multiple of the shortest."""
+    ratio = max(seconds) / seconds[0]
     cells = [f"{microseconds(each)} at {size:,}" for size, each in zip(sizes, seconds)]
     return [what, *cells, f"{ratio:.2f}", f"≤ {goal}", verdict(ratio, goal)]
 
@@ -229,7 +233,7 @@ def bench_engine(report, bin_folder):
     for step, label in labels.items():
         sizes = sorted(steps[step])
         rows.append(flat_row(label, sizes, [median(step, s, "per_item") for s in sizes]))
-    columns = ["what", "small", "middle", "large", "large / small", "goal", ""]
+    columns = ["what", "small", "middle", "large", "most / small", "goal", ""]
     report.table("What an item costs in queues of growing length, CPU time", columns, rows)
 
     rows = []
