@@ -21,7 +21,6 @@ constexpr QStringView alreadyDownloaded = u" has already been downloaded";
 constexpr QStringView skippingFragment = u" Skipping fragment ";
 constexpr QStringView deleting = u"Deleting original file ";
 constexpr QStringView addingTags = u"[Metadata] ";
-constexpr QStringView addingCover = u"[EmbedThumbnail] ";
 constexpr QStringView nextItem = u"[download] Downloading item ";
 constexpr QStringView destination = u"Destination: ";
 constexpr QStringView merging = u"Merging formats into ";
@@ -181,28 +180,18 @@ std::optional<QString> pathInLine(const QString& line) {
     return path.isEmpty() ? std::nullopt : std::optional(path);
 }
 
-struct Word {
-    QStringView text;
-    QChar rarest;  // of its characters
-};
-
-// A line that says something about files has one of them.
-constexpr std::array fileWords{
-    Word{destination, u'D'},      Word{merging, u'M'},  Word{alreadyDownloaded, u'y'},
-    Word{skippingFragment, u'k'}, Word{deleting, u'D'}, Word{addingTags, u'M'},
-    Word{addingCover, u'T'},      Word{nextItem, u'D'},
-};
-
-// These look through all of an output, however long.
+// These look through all of an output, however long. A line that says something about files has one
+// of the words.
 bool mayTellOfFiles(QStringView text) {
-    return std::any_of(fileWords.begin(), fileWords.end(), [&](const Word& word) {
-        return containsByRarest(text, word.text, word.rarest);
-    });
+    return containsByRarest(text, {destination, deleting, nextItem}, u'D') ||
+           containsByRarest(text, {merging, addingTags}, u'M') ||
+           containsByRarest(text, {alreadyDownloaded}, u'y') ||
+           containsByRarest(text, {skippingFragment}, u'k');
 }
 
 bool mentionsLogin(QStringView text) {
-    return containsByRarest(text, u"private", u'v', Qt::CaseInsensitive) ||
-           containsByRarest(text, u"login", u'g', Qt::CaseInsensitive);
+    return containsByRarest(text, {u"private"}, u'v', Qt::CaseInsensitive) ||
+           containsByRarest(text, {u"login"}, u'g', Qt::CaseInsensitive);
 }
 
 // Behind the tool's name stands at most a reason, never text of the page.
@@ -226,8 +215,8 @@ std::optional<FileNews> newsOfWholeLine(const QString& line) {
         return FileNews{Kind::nextItem, {}};
     if (line.startsWith(deleting))
         return FileNews{Kind::hasConverted, {}};
-    if (line.startsWith(addingTags) || line.startsWith(addingCover))
-        return FileNews{Kind::addsTagsOrCover, {}};
+    if (line.startsWith(addingTags))
+        return FileNews{Kind::addsTags, {}};
     return std::nullopt;
 }
 

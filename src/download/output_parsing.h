@@ -52,13 +52,13 @@ OutputEffect outputEffect(const DownloadItem& row, DownloadMode mode, const QStr
 /// What a line of output says that the tool does about files.
 struct FileNews {
     enum class Kind {
-        downloads,        ///< a file, under its final name once it is whole
-        converts,         ///< into a file, straight under its final name
-        wasThere,         ///< a file, already
-        leavesOutPart,    ///< of the stream, since it is not to be had: the song has a hole
-        hasConverted,     ///< all of it
-        addsTagsOrCover,  ///< to a file, beside it
-        nextItem,         ///< the link stands for several, and what follows is of another
+        downloads,      ///< a file, under its final name once it is whole
+        converts,       ///< into a file, straight under its final name
+        wasThere,       ///< a file, already
+        leavesOutPart,  ///< of the stream, since it is not to be had: the song has a hole
+        hasConverted,   ///< all of it
+        addsTags,       ///< to a file, beside it; the cover comes after that
+        nextItem,       ///< the link stands for several, and what follows is of another
     };
 
     Kind kind = Kind::downloads;

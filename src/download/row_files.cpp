@@ -43,7 +43,7 @@ void RowFiles::take(const FileNews& news) {
             m_converts = false;
             noteWhole();
             break;
-        case FileNews::Kind::addsTagsOrCover:
+        case FileNews::Kind::addsTags:
             noteWhole();
             break;
         case FileNews::Kind::nextItem:
@@ -52,7 +52,7 @@ void RowFiles::take(const FileNews& news) {
     }
 }
 
-/// The tool goes on to tags and cover also when a conversion failed.
+/// The tool goes on to the tags also when a conversion failed.
 void RowFiles::noteWhole() {
     if (!m_converts && !m_hasHole)
         m_whole = m_written;

@@ -99,7 +99,7 @@ SourceType classifySource(const QString& link) {
     for (const SourceDomains& row : sourceDomains) {
         const bool found =
             std::any_of(row.domains.begin(), row.domains.end(), [&](QStringView domain) {
-                return containsByRarest(link, domain, u'.', Qt::CaseInsensitive);
+                return containsByRarest(link, {domain}, u'.', Qt::CaseInsensitive);
             });
         if (found)
             return row.source;

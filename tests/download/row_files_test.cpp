@@ -24,7 +24,7 @@ protected:
         static const QHash<QString, Kind> kinds{
             {QStringLiteral("hole"), Kind::leavesOutPart},
             {QStringLiteral("converted"), Kind::hasConverted},
-            {QStringLiteral("tags"), Kind::addsTagsOrCover},
+            {QStringLiteral("tags"), Kind::addsTags},
             {QStringLiteral("next"), Kind::nextItem},
         };
         for (const QString& word : words.split(u' ')) {
