@@ -26,7 +26,7 @@ QStringList trimmedLines(const QString& text);
 
 /// Whether the text contains one of the words. `rarest` is the one of the characters that all of
 /// them have (in lower case, where the case does not matter) that texts have the fewest of: it is
-/// looked for first, which is several times as fast as a search for each word.
+/// looked for first, for where it is rare that is faster than a search for each word.
 bool containsByRarest(QStringView text, std::initializer_list<QStringView> words, QChar rarest,
                       Qt::CaseSensitivity cs = Qt::CaseSensitive);
 
