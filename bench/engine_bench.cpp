@@ -3,9 +3,9 @@
 // over the same data, measured in turn in the same run.
 
 #include "app/content_view.h"
-#include "download/finished_files.h"
 #include "download/row_stages.h"
 #include "download/run_log.h"
+#include "library/finished_files.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>

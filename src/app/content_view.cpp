@@ -1,7 +1,7 @@
 #include "app/content_view.h"
 
 #include "base/text.h"
-#include "download/finished_file_index.h"
+#include "library/finished_file_index.h"
 #include "queue/link_intake.h"
 
 #include <QDate>

@@ -1,6 +1,6 @@
 #include "download/claimed_files.h"
 
-#include "download/finished_files.h"
+#include "library/finished_files.h"
 
 #include <QRegularExpression>
 

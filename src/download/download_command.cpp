@@ -1,6 +1,6 @@
 #include "download/download_command.h"
 
-#include "download/file_names.h"
+#include "library/file_names.h"
 #include "resolve/spotify_songs.h"
 #include "tools/shell_quote.h"
 

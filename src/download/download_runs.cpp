@@ -3,7 +3,7 @@
 #include "base/background_tasks.h"
 #include "base/main_queue.h"
 #include "download/download_run.h"
-#include "download/file_names.h"
+#include "library/file_names.h"
 #include "queue/queue_store.h"
 
 #include <QFile>

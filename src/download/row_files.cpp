@@ -1,6 +1,6 @@
 #include "download/row_files.h"
 
-#include "download/finished_files.h"
+#include "library/finished_files.h"
 
 #include <QDir>
 #include <QFileInfo>

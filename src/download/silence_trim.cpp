@@ -1,7 +1,7 @@
 #include "download/silence_trim.h"
 
 #include "download/claimed_files.h"
-#include "download/finished_files.h"
+#include "library/finished_files.h"
 #include "records/download_item.h"
 #include "tools/process_supervisor.h"
 #include "tools/shell_quote.h"

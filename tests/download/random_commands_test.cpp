@@ -1,6 +1,6 @@
 #include "download/download_command.h"
-#include "download/file_names.h"
 #include "download/silence_trim.h"
+#include "library/file_names.h"
 #include "resolve/media_probe_output.h"
 #include "resolve/spotify_songs.h"
 #include "support/argument_printer.h"

@@ -1,6 +1,6 @@
 #include "base/text.h"
-#include "download/file_names.h"
 #include "fuzz.h"
+#include "library/file_names.h"
 
 using namespace reelcrate;
 using namespace reelcrate::fuzz;

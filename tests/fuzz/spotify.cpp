@@ -1,5 +1,5 @@
-#include "download/file_names.h"
 #include "fuzz.h"
+#include "library/file_names.h"
 #include "resolve/spotify_songs.h"
 
 #include <QJsonDocument>

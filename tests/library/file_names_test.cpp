@@ -1,4 +1,4 @@
-#include "download/file_names.h"
+#include "library/file_names.h"
 
 #include "support/texts.h"
 

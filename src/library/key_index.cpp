@@ -1,4 +1,4 @@
-#include "download/key_index.h"
+#include "library/key_index.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,8 +1,8 @@
-#include "download/finished_files.h"
+#include "library/finished_files.h"
 
 #include "base/text.h"
-#include "download/file_names.h"
-#include "download/finished_file_index.h"
+#include "library/file_names.h"
+#include "library/finished_file_index.h"
 #include "support/texts.h"
 
 #include <QDir>

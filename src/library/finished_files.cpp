@@ -1,4 +1,4 @@
-#include "download/finished_files.h"
+#include "library/finished_files.h"
 
 #include "queue/links.h"
 

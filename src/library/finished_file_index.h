@@ -1,6 +1,6 @@
 #pragma once
 
-#include "download/key_index.h"
+#include "library/key_index.h"
 #include "records/download_mode.h"
 #include "records/media_records.h"
 
