@@ -1,15 +1,21 @@
 #include "tools/shell_runner.h"
 
+#include "tools/login_environment.h"
 #include "tools/process_supervisor.h"
 #include "tools/utf8_pieces.h"
 
 #include <QDeadlineTimer>
 #include <QProcess>
 #include <QStringList>
+#include <QUuid>
 
 #include <chrono>
 #include <csignal>
+#include <fcntl.h>
 #include <unistd.h>
+#ifdef __linux__
+#include <sys/prctl.h>
+#endif
 
 namespace reelcrate {
 
@@ -33,6 +39,19 @@ qint32 exitStatus(const QProcess& process) {
     // After death by a signal the exit code means nothing, and must not pass for success.
     return process.exitStatus() == QProcess::NormalExit ? process.exitCode()
                                                         : CommandResult::diedBySignal;
+}
+
+/// In the forked child. A session of its own is a group of its own, and has no terminal: a tool
+/// that asks for a password there would wait for ever.
+void detachChild(int keptDescriptor) {
+    ::setsid();
+#ifdef __linux__
+    // For the case that program and supervisor are killed at once. The thread that starts a child
+    // waits for it, so it does not end before the child as long as the program lives.
+    ::prctl(PR_SET_PDEATHSIG, SIGTERM);
+#endif
+    if (keptDescriptor >= 0)
+        ::fcntl(keptDescriptor, F_SETFD, 0);
 }
 
 /// Watches one child's time: asks its group to terminate at the deadline and kills it after a
@@ -63,7 +82,15 @@ private:
 
 }  // namespace
 
-ShellRunner::ShellRunner(ProcessSupervisor& supervisor) : m_supervisor(supervisor) {}
+/// What becomes of a child's output.
+struct ShellRunner::Streams {
+    BytesHandler onOutput;  ///< of standard error, too, unless that has its own
+    BytesHandler onErrors;
+    int keptDescriptor = -1;
+};
+
+ShellRunner::ShellRunner(ProcessSupervisor& supervisor, double loginLimitSeconds)
+    : m_supervisor(supervisor), m_loginLimitSeconds(loginLimitSeconds) {}
 
 CommandResult ShellRunner::runShellSync(const QString& command, std::optional<double> timeout) {
     CommandResult result = runKeepingOutput(command, timeout, {});
@@ -77,9 +104,33 @@ CommandResult ShellRunner::runShellStreaming(const QString& command,
     return runKeepingOutput(command, std::nullopt, onOutput);
 }
 
-CommandResult ShellRunner::runShellPassingOn(const QString& command,
-                                             const OutputHandler& onOutput) {
-    return run(command, std::nullopt, onOutput);
+CommandResult ShellRunner::runShellPassingOn(const QString& command, const OutputHandler& onOutput,
+                                             int keptDescriptor) {
+    Utf8Pieces pieces;
+    const auto passOn = [&](const QByteArray& bytes) {
+        const QString piece = pieces.add(bytes);
+        if (!piece.isEmpty())
+            onOutput(piece);
+    };
+    return run(command, std::nullopt, {passOn, {}, keptDescriptor});
+}
+
+CommandResult ShellRunner::runShellApart(const QString& command, std::optional<double> timeout) {
+    QByteArray output;
+    const CommandResult result =
+        runShellBytes(command, timeout, [&output](const QByteArray& bytes) { output += bytes; });
+    if (result.status == CommandResult::couldNotStart && output.isEmpty())
+        return result;
+    return {result.status, QString::fromUtf8(output), result.errors};
+}
+
+CommandResult ShellRunner::runShellBytes(const QString& command, std::optional<double> timeout,
+                                         const BytesHandler& onOutput) {
+    QByteArray errors;
+    CommandResult result = run(
+        command, timeout, {onOutput, [&errors](const QByteArray& bytes) { errors += bytes; }, -1});
+    result.errors = QString::fromUtf8(errors);
+    return result;
 }
 
 void ShellRunner::endEverything() {
@@ -94,14 +145,45 @@ void ShellRunner::endEverything() {
         ::kill(-group, SIGKILL);
 }
 
+QString ShellRunner::loginNotice() {
+    environment();
+    return m_loginNotice;
+}
+
+const QProcessEnvironment& ShellRunner::environment() {
+    std::call_once(m_environmentRead, [this] { readLoginEnvironment(); });
+    return m_environment;
+}
+
+void ShellRunner::readLoginEnvironment() {
+    const QByteArray mark = QUuid::createUuid().toByteArray();
+    QByteArray output;
+    QProcess process;
+    process.setArguments({QStringLiteral("-lc"), loginEnvironmentCommand(mark)});
+    const CommandResult result = runChild(
+        process, m_loginLimitSeconds,
+        {[&output](const QByteArray& bytes) { output += bytes; }, [](const QByteArray&) {}, -1});
+    if (const auto environment = loginEnvironmentFrom(output, mark)) {
+        m_environment = *environment;
+        return;
+    }
+    m_environment = QProcessEnvironment::systemEnvironment();
+    m_loginNotice = result.status == CommandResult::timedOut
+                        ? QStringLiteral(
+                              "The login profile took longer than %1 seconds and was left out: the "
+                              "tools run with the program's own variables.")
+                              .arg(m_loginLimitSeconds)
+                        : QStringLiteral(
+                              "The login profile runs no commands and was left out: the tools run "
+                              "with the program's own variables.");
+}
+
 /// Absent on success, otherwise why the child could not be started.
-std::optional<QString> ShellRunner::start(QProcess& process, const QString& command) {
+std::optional<QString> ShellRunner::start(QProcess& process, int keptDescriptor) {
     process.setProgram(QStringLiteral("/bin/bash"));
-    process.setArguments({QStringLiteral("-lc"), command});
-    process.setProcessChannelMode(QProcess::MergedChannels);
     process.setStandardInputFile(QProcess::nullDevice());
-    process.setChildProcessModifier([supervisor = &m_supervisor] {
-        ::setpgid(0, 0);
+    process.setChildProcessModifier([supervisor = &m_supervisor, keptDescriptor] {
+        detachChild(keptDescriptor);
         supervisor->watchOwnGroup();
     });
     const std::lock_guard lock(m_mutex);
@@ -117,31 +199,48 @@ std::optional<QString> ShellRunner::start(QProcess& process, const QString& comm
 CommandResult ShellRunner::runKeepingOutput(const QString& command, std::optional<double> timeout,
                                             const OutputHandler& onOutput) {
     QString output;
-    CommandResult result = run(command, timeout, [&](const QString& piece) {
+    Utf8Pieces pieces;
+    const auto keep = [&](const QByteArray& bytes) {
+        const QString piece = pieces.add(bytes);
+        if (piece.isEmpty())
+            return;
         // Characters, not the text itself: an empty text would share the piece that the handler may
         // hand to another thread.
         output.append(piece.constData(), piece.size());
         if (onOutput)
             onOutput(piece);
-    });
+    };
+    CommandResult result = run(command, timeout, {keep, {}, -1});
     if (!output.isEmpty())
         result.output = output;
     return result;
 }
 
 CommandResult ShellRunner::run(const QString& command, std::optional<double> timeout,
-                               const OutputHandler& onOutput) {
+                               const Streams& streams) {
     QProcess process;
-    if (const auto error = start(process, command))
-        return {CommandResult::couldNotStart, *error};
+    process.setProcessEnvironment(environment());
+    // "-p": the shell reads no file of the user's on its way to the command.
+    process.setArguments({QStringLiteral("-pc"), command});
+    return runChild(process, timeout, streams);
+}
+
+CommandResult ShellRunner::runChild(QProcess& process, std::optional<double> timeout,
+                                    const Streams& streams) {
+    process.setProcessChannelMode(streams.onErrors ? QProcess::SeparateChannels
+                                                   : QProcess::MergedChannels);
+    if (const auto error = start(process, streams.keptDescriptor))
+        return {CommandResult::couldNotStart, *error, {}};
 
     const auto group = static_cast<pid_t>(process.processId());
     TimeLimit limit(timeout, group);
-    Utf8Pieces pieces;
     const auto read = [&] {
-        const QString piece = pieces.add(process.readAllStandardOutput());
-        if (!piece.isEmpty())
-            onOutput(piece);
+        if (const QByteArray bytes = process.readAllStandardOutput(); !bytes.isEmpty())
+            streams.onOutput(bytes);
+        if (!streams.onErrors)
+            return;
+        if (const QByteArray bytes = process.readAllStandardError(); !bytes.isEmpty())
+            streams.onErrors(bytes);
     };
     // The end of the child decides, not the end of the stream, which a grandchild may keep open:
     // when it comes, QProcess has read what was left in the pipe.
@@ -157,7 +256,7 @@ CommandResult ShellRunner::run(const QString& command, std::optional<double> tim
         m_groups.erase(group);
     }
     m_supervisor.leaderEnded(group);
-    return {limit.hasPassed() ? CommandResult::timedOut : exitStatus(process), {}};
+    return {limit.hasPassed() ? CommandResult::timedOut : exitStatus(process), {}, {}};
 }
 
 }  // namespace reelcrate

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QByteArray>
+#include <QProcessEnvironment>
 #include <QString>
 #include <QtGlobal>
 
@@ -11,9 +13,10 @@
 
 class QProcess;
 
-/// Runs command lines through the login shell, each in a process group of its own, with standard
-/// output and standard error merged in the order of writing and nothing to read on standard input.
-/// Both runners block: never call them on the main thread. Any number may run at the same time.
+/// Runs command lines through a shell, each in a session of its own with nothing to read on
+/// standard input, and with the variables that the user's login shell would give it. Standard
+/// output and standard error come merged in the order of writing, unless a function says otherwise.
+/// All runners block: never call them on the main thread. Any number may run at the same time.
 namespace reelcrate {
 
 class ProcessSupervisor;
@@ -25,6 +28,7 @@ struct CommandResult {
 
     qint32 status = 0;  ///< the exit status, or one of the three above
     QString output;     ///< all that was printed; for a failed start, the system's description
+    QString errors;     ///< what came on standard error, where that is kept apart
 };
 
 class ShellRunner {
@@ -32,7 +36,14 @@ public:
     /// Called on the thread that runs the command, in the order of arrival.
     using OutputHandler = std::function<void(const QString& piece)>;
 
-    explicit ShellRunner(ProcessSupervisor& supervisor);
+    using BytesHandler = std::function<void(const QByteArray& bytes)>;
+
+    /// A login profile that takes longer than so many seconds is not waited for.
+    explicit ShellRunner(ProcessSupervisor& supervisor, double loginLimitSeconds = 10);
+
+    /// Background threads: reads the login environment now, unless that was done before. What went
+    /// wrong with it, for the user; empty when all is well.
+    QString loginNotice();
 
     /// Runs the command to its end. With a limit in seconds, a child that outlives it is asked to
     /// terminate, and killed when it has not ended two seconds later: status `timedOut`, with the
@@ -45,20 +56,39 @@ public:
 
     /// The same for output of any size: the handler alone gets it. The result's output is empty,
     /// unless the child could not be started.
-    CommandResult runShellPassingOn(const QString& command, const OutputHandler& onOutput);
+    /// The descriptor, if there is one, stays open in the child under the same number.
+    CommandResult runShellPassingOn(const QString& command, const OutputHandler& onOutput,
+                                    int keptDescriptor = -1);
+
+    /// Like runShellSync, with the two streams apart: the result's output is standard output alone.
+    CommandResult runShellApart(const QString& command, std::optional<double> timeout);
+
+    /// For standard output that is no text: the handler alone gets it, the result has the errors.
+    CommandResult runShellBytes(const QString& command, std::optional<double> timeout,
+                                const BytesHandler& onOutput);
 
     /// Main thread, at the program's end: from now on nothing starts, and all that runs is ended.
     /// Blocks until it is, about three seconds at most.
     void endEverything();
 
 private:
+    struct Streams;
+
     CommandResult runKeepingOutput(const QString& command, std::optional<double> timeout,
                                    const OutputHandler& onOutput);
     CommandResult run(const QString& command, std::optional<double> timeout,
-                      const OutputHandler& onOutput);
-    std::optional<QString> start(QProcess& process, const QString& command);
+                      const Streams& streams);
+    CommandResult runChild(QProcess& process, std::optional<double> timeout,
+                           const Streams& streams);
+    std::optional<QString> start(QProcess& process, int keptDescriptor);
+    const QProcessEnvironment& environment();
+    void readLoginEnvironment();
 
     ProcessSupervisor& m_supervisor;
+    const double m_loginLimitSeconds;
+    std::once_flag m_environmentRead;
+    QProcessEnvironment m_environment;
+    QString m_loginNotice;
     std::mutex m_mutex;
     bool m_ended = false;
     std::set<pid_t> m_groups;  ///< of the children that run

@@ -6,11 +6,16 @@
 #include "tools/shell_quote.h"
 
 #include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cerrno>
 #include <csignal>
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace reelcrate {
 namespace {
@@ -67,7 +72,77 @@ TEST_F(ShellRunnerTest, ReportsStatusAndMergedOutput) {
 }
 
 TEST_F(ShellRunnerTest, DeathByASignalIsNoSuccess) {
-    EXPECT_NE(shell.runShellSync(QStringLiteral("kill -9 $$"), {}).status, 0);
+    EXPECT_EQ(shell.runShellSync(QStringLiteral("kill -9 $$"), {}).status,
+              CommandResult::diedBySignal);
+}
+
+TEST_F(ShellRunnerTest, KeepsTheStreamsApart) {
+    const QString command = QStringLiteral("echo a; echo b >&2; printf c; exit 3");
+    const CommandResult apart = shell.runShellApart(command, {});
+    EXPECT_EQ(apart.status, 3);
+    EXPECT_EQ(apart.output, QStringLiteral("a\nc"));
+    EXPECT_EQ(apart.errors, QStringLiteral("b\n"));
+
+    QByteArray bytes;
+    const CommandResult binary =
+        shell.runShellBytes(QStringLiteral("printf '\\xff\\0x'; echo b >&2; sleep 60"), 1.0,
+                            [&](const QByteArray& piece) { bytes += piece; });
+    EXPECT_EQ(binary.status, CommandResult::timedOut);
+    EXPECT_EQ(bytes, QByteArray("\xff\0x", 3));
+    EXPECT_EQ(binary.errors, QStringLiteral("b\n"));
+}
+
+TEST_F(ShellRunnerTest, AChildHasNoTerminalAndMayKeepADescriptor) {
+    const QString nobody = QStringLiteral(": 2>/dev/null </dev/tty && echo terminal");
+    EXPECT_EQ(shell.runShellSync(nobody, 10.0).output, QString());
+    const int kept = ::open(QFile::encodeName(machine.path({})).constData(), O_RDONLY | O_CLOEXEC);
+    const QString open = QStringLiteral("[ -e /proc/self/fd/%1 ] && printf open").arg(kept);
+    QString output;
+    shell.runShellPassingOn(
+        open, [&](const QString& piece) { output += piece; }, kept);
+    EXPECT_EQ(output, QStringLiteral("open"));
+    EXPECT_EQ(shell.runShellSync(open, {}).output, QString());
+    ::close(kept);
+}
+
+// What a login profile prints, does and takes, as a command sees it.
+TEST_F(ShellRunnerTest, CommandsSeeTheLoginShellsVariablesAndNothingElseOfIt) {
+    ASSERT_TRUE(writeFile(machine.path(QStringLiteral(".bash_profile")),
+                          "echo Welcome; echo news >&2; printf 'no end of line'\n"
+                          "echo read >> ~/reads\n"
+                          "export A=$'two\\nlines = \\'quoted\\'' EMPTY= PATH=~/bin:$PATH\n"
+                          "export BASH_ENV=~/chatter\nunexported=1\n"
+                          "trap 'echo Bye' EXIT\n"));
+    ASSERT_TRUE(writeFile(machine.path(QStringLiteral("chatter")), "echo chatter\n"));
+    const QString print = QStringLiteral("env -0 | sort -z | tr '\\0\\n' '\\n|' | grep -v ^_=");
+    const QByteArray marked = "MARK\n" + shell.runShellSync(print, {}).output.toUtf8();
+    QProcess login;
+    login.start(QStringLiteral("/bin/bash"),
+                {QStringLiteral("-lc"), QStringLiteral("echo; echo MARK; ") + print});
+    ASSERT_TRUE(login.waitForFinished());
+    QByteArray expected = login.readAllStandardOutput();
+    expected = expected.mid(expected.indexOf("MARK\n"));
+    expected.truncate(expected.lastIndexOf("\nBye") + 1);
+    EXPECT_EQ(marked, expected);
+    EXPECT_TRUE(marked.contains("\nA=two|lines = 'quoted'\n"));
+
+    const CommandResult quiet = shell.runShellApart(QStringLiteral("true"), {});
+    EXPECT_EQ(quiet.output + quiet.errors, QString());
+    EXPECT_EQ(readFile(machine.path(QStringLiteral("reads"))), "read\nread\n");  // the other: ours
+    EXPECT_EQ(shell.loginNotice(), QString());
+}
+
+TEST_F(ShellRunnerTest, AProfileThatNeverEndsOrRunsSomethingElseIsLeftOutAndNamed) {
+    qputenv("REELCRATE_TEST_OWN", "own");
+    for (const char* profile : {"sleep 600\n", "exec true\n", "exit 0\n", "exec cat\n"}) {
+        SCOPED_TRACE(profile);
+        ASSERT_TRUE(writeFile(machine.path(QStringLiteral(".bash_profile")), profile));
+        ShellRunner own(machine.supervisor, 0.5);
+        EXPECT_EQ(own.runShellSync(QStringLiteral("printf %s \"$REELCRATE_TEST_OWN\""), {}).output,
+                  QStringLiteral("own"));
+        EXPECT_THAT(own.loginNotice().toStdString(), testing::HasSubstr("login profile"));
+    }
+    qunsetenv("REELCRATE_TEST_OWN");
 }
 
 TEST_F(ShellRunnerTest, StopsAtTheTimeLimit) {
