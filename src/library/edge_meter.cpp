@@ -1,0 +1,120 @@
+#include "library/edge_meter.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace reelcrate {
+
+namespace {
+
+constexpr double windowSeconds = 0.02;
+constexpr double shortestFirstSeconds = 0.01;
+constexpr double shortestLastSeconds = 0.02;
+constexpr double thresholdDecibels = -55;
+constexpr double fullScale = 32768;
+
+qint64 framesIn(double seconds, int rate) {
+    return std::max<qint64>(1, std::llround(seconds * rate));
+}
+
+}  // namespace
+
+EdgeMeter::EdgeMeter(int rate, int channels)
+    : m_rate(rate),
+      m_channels(static_cast<size_t>(channels)),
+      m_window(std::max<qint64>(1, static_cast<qint64>(windowSeconds * rate))),
+      m_shortestFirst(framesIn(shortestFirstSeconds, rate)),
+      m_shortestLast(framesIn(shortestLastSeconds, rate)),
+      m_limit(static_cast<qint64>(std::pow(10, thresholdDecibels / 10) * fullScale * fullScale *
+                                  static_cast<double>(m_window))),
+      m_energies(static_cast<size_t>(m_window), 0) {}
+
+void EdgeMeter::add(std::span<const qint16> samples) {
+    if (!m_part.empty()) {
+        const size_t missing = std::min(samples.size(), m_channels - m_part.size());
+        addToPart(samples.first(missing));
+        samples = samples.subspan(missing);
+    }
+    const size_t whole = samples.size() - samples.size() % m_channels;
+    // An hour has 160 million frames: the usual numbers of channels go without an inner loop.
+    switch (m_channels) {
+        case 1:
+            addFrames<1>(samples.first(whole));
+            break;
+        case 2:
+            addFrames<2>(samples.first(whole));
+            break;
+        default:
+            addFrames<0>(samples.first(whole));
+    }
+    addToPart(samples.subspan(whole));
+}
+
+void EdgeMeter::addToPart(std::span<const qint16> samples) {
+    m_part.insert(m_part.end(), samples.begin(), samples.end());
+    if (m_part.size() < m_channels)
+        return;
+    addFrames<0>(m_part);
+    m_part.clear();
+}
+
+/// Whole frames; where the number of channels is not 0 it is known to the compiler.
+template <int knownChannels>
+void EdgeMeter::addFrames(std::span<const qint16> samples) {
+    const size_t channels = knownChannels > 0 ? knownChannels : m_channels;
+    for (size_t i = 0; i < samples.size(); i += channels) {
+        qint64 energy = 0;
+        for (size_t channel = 0; channel < channels; ++channel) {
+            const qint64 sample = samples[i + channel];
+            energy += sample * sample;
+        }
+        m_energy += energy - m_energies[m_slot];
+        m_energies[m_slot] = energy;
+        if (++m_slot == m_energies.size())
+            m_slot = 0;
+        if (m_energy > m_limit)
+            ++m_run;
+        else if (m_run > 0)
+            closeRun();
+        ++m_frames;
+    }
+}
+
+double EdgeMeter::seconds() const {
+    return static_cast<double>(m_frames) / m_rate;
+}
+
+/// The run ended with the frame before this one. A window is told by its last frame: it looks back
+/// from there at the song's beginning, and at the song's end ahead to there.
+void EdgeMeter::closeRun() {
+    foundFirst();
+    const qint64 start = m_frames - m_run;
+    m_run = 0;
+    if (!m_first)
+        return;
+    // What lies before the first sound is cut off before the end is looked for, so that no window
+    // looks ahead from there.
+    const qint64 firstKept = std::max(start, *m_first + m_window - 1);
+    if (m_frames - firstKept >= m_shortestLast)
+        m_end = m_frames - m_window + 1;
+}
+
+void EdgeMeter::foundFirst() {
+    if (!m_first && !m_ended && m_run >= m_shortestFirst)
+        m_first = m_frames - m_run;
+}
+
+std::optional<SoundEdges> EdgeMeter::finish() {
+    const qint64 frames = m_frames;
+    foundFirst();
+    m_ended = true;
+    // The windows that look ahead from the last frames look into silence, which ends each run.
+    addFrames<0>(std::vector<qint16>(m_energies.size() * m_channels, 0));
+    m_frames = frames;
+    if (!m_first || !m_end)
+        return std::nullopt;
+    const double rate = m_rate;
+    return SoundEdges{static_cast<double>(*m_first) / rate, static_cast<double>(*m_end) / rate};
+}
+
+}  // namespace reelcrate

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <QtGlobal>
+
+#include <optional>
+#include <span>
+#include <vector>
+
+/// Finds where the sound of a song begins and ends, in one pass over its samples and in little
+/// memory. Pure, one thread, never fails.
+namespace reelcrate {
+
+/// Seconds from the song's start.
+struct SoundEdges {
+    double first = 0;  ///< where the first sound begins
+    double last = 0;   ///< where the last sound has ended
+};
+
+/// Silent is what lies below -55 dB in a window of 0.02 seconds, on the average of its channels.
+/// The first sound begins where the level up to a sample is above that, and stays there for 0.01
+/// seconds; the last one ends where the level from a sample on is, and had been for 0.02 seconds.
+class EdgeMeter {
+public:
+    /// Both are at least 1.
+    EdgeMeter(int rate, int channels);
+
+    /// The next samples, those of all channels in turn. A piece may end anywhere.
+    void add(std::span<const qint16> samples);
+
+    /// So far. Samples after the last whole frame do not count.
+    double seconds() const;
+
+    /// Absent when nothing is above the level for long enough. Once, at the end.
+    std::optional<SoundEdges> finish();
+
+private:
+    template <int knownChannels>
+    void addFrames(std::span<const qint16> samples);
+    void addToPart(std::span<const qint16> samples);
+    void closeRun();
+    void foundFirst();
+
+    const int m_rate;
+    const size_t m_channels;
+    const qint64 m_window;  ///< in frames, as all below
+    const qint64 m_shortestFirst;
+    const qint64 m_shortestLast;
+    const qint64 m_limit;  ///< what a window's energy must exceed
+
+    std::vector<qint64> m_energies;  ///< of the frames in the window, a ring
+    size_t m_slot = 0;
+    qint64 m_energy = 0;  ///< their sum; of whole numbers, so that it never drifts
+    qint64 m_frames = 0;
+    qint64 m_run = 0;  ///< how many windows in a row were above the limit
+    std::optional<qint64> m_first;
+    std::optional<qint64> m_end;  ///< behind the last sound's last frame
+    bool m_ended = false;         ///< what is added now are no frames of the song
+
+    std::vector<qint16> m_part;  ///< of a frame that a piece has broken off
+};
+
+}  // namespace reelcrate
