@@ -7,7 +7,6 @@
 // object: the seconds by the clock, and the CPU seconds of this process and its children.
 
 #include "app/content_view.h"
-#include "download/silence_trim.h"
 #include "resolve/media_probe_output.h"
 #include "tools/shell_quote.h"
 
@@ -59,7 +58,7 @@ public:
         m_view.setOutputFolder(folder);
         m_view.setEventName(QStringLiteral("Bench"));
         m_view.addLinksToQueue({QStringLiteral("https://site.example/list")});
-        m_view.applyResolution({songs, std::nullopt}, m_view.queue().rows().first(), 0);
+        m_view.applyResolution({songs}, m_view.queue().rows().first(), 0);
     }
 
     ContentView& view() { return m_view; }
@@ -111,6 +110,16 @@ QString loginShell(const QString& command) {
     return QStringLiteral("/bin/bash -lc ") + shellQuoted(command);
 }
 
+/// What ffmpeg's own filters make of a song: its edges cut, and all of it encoded once more.
+QString filterTrim(const QString& ffmpeg, const QString& input, const QString& output) {
+    return QStringLiteral(
+               "%1 -hide_banner -loglevel error -nostdin -y -i %2 -map 0:a:0 -map 0:v? -af "
+               "silenceremove=start_periods=1:start_duration=0.01:start_threshold=-55dB,areverse,"
+               "silenceremove=start_periods=1:start_duration=0.02:start_threshold=-55dB,areverse "
+               "-c:a libmp3lame -q:a 0 -c:v copy -map_metadata 0 -id3v2_version 3 %3")
+        .arg(shellQuoted(ffmpeg), shellQuoted(input), shellQuoted(output));
+}
+
 /// Everything that is done for one song, as one line.
 QString songScript(Engine& engine, const DownloadItem& row, const QString& id) {
     const QString folder = engine.view().eventFolder();
@@ -121,7 +130,7 @@ QString songScript(Engine& engine, const DownloadItem& row, const QString& id) {
     return QStringList{
         loginShell(engine.view().commandFor(row, folder, DownloadMode::audio)),
         QStringLiteral("sleep %1").arg(timing.examining.count()),
-        loginShell(silenceTrimCommand(ffmpeg, file, temporary)),
+        loginShell(filterTrim(ffmpeg, file, temporary)),
         QStringLiteral("mv -f %1 %2").arg(shellQuoted(temporary), shellQuoted(file)),
         QStringLiteral("sleep %1").arg(timing.savingAudio.count()),
     }
@@ -138,7 +147,8 @@ void downloadBare(const QByteArray& scripts, const QString& folder) {
 }
 
 void readBare(Engine& engine) {
-    const QString tool = engine.view().resolvedTool(QStringLiteral("yt-dlp"))->path;
+    const ProbeTool tool{engine.view().resolvedTool(QStringLiteral("yt-dlp"))->path,
+                         engine.view().toolSearchPath()};
     for (const DownloadItem& row : engine.rows()) {
         const auto next = Clock::now() + ResolutionTiming().minimumPerLink;
         run(QStringLiteral("/bin/bash"), {QStringLiteral("-lc"), mediaInfoCommand(tool, row.url)});

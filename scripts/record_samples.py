@@ -3,7 +3,7 @@
 
 Usage: record_samples.py [FOLDER], by default tests/data. The command lines are
 those that the program runs; both output streams are merged, as the program
-reads them. Of what changes from run to run the download folder becomes
+reads them while it downloads. Of what changes from run to run the download folder becomes
 /music/Event and the site's address http://127.0.0.1:8000.
 """
 
@@ -20,9 +20,10 @@ import songs  # noqa: E402
 
 ALBUM = songs.ALBUM[:4] + (songs.Song("city-lights", "City Lights", video=True),)
 
-PROBE = "--no-update --skip-download --no-warnings --no-playlist".split()
-for field in ("title", "duration_string", "thumbnail", "webpage_url"):
-    PROBE += ["--print", f"%({field})s"]
+PROBE = "--no-update --skip-download --no-warnings --no-playlist --print".split()
+PROBE += [
+    "RCR_MEDIA:%(.{title,duration_string,duration,thumbnail,webpage_url,playlist_index,n_entries})j"
+]
 
 LISTING = "--no-update --flat-playlist --dump-single-json --no-warnings --yes-playlist".split()
 
@@ -32,12 +33,10 @@ PROGRESS += ["--progress-template", "download:RCR_PROGRESS:%(progress._percent_s
 MP3 = [*PROGRESS, *"--ignore-errors --concurrent-fragments 8 -x --audio-format mp3".split()]
 MP3 += "--audio-quality 0 --embed-thumbnail --add-metadata --ffmpeg-location /usr/bin".split()
 
-FORMATS = (
-    "b[ext=mp4][height<=1080]/bv*[ext=mp4][height<=1080]+ba[ext=m4a]"
-    "/b[ext=mp4]/bv*[ext=mp4]+ba[ext=m4a]/bv*+ba/b"
-)
+SORT = "res:1080,lang,hdr:sdr,vcodec:h264,acodec:aac,ext:mp4:m4a"
 MP4 = [*PROGRESS, *"--ignore-errors --concurrent-fragments 12 --embed-metadata".split()]
-MP4 += ["--ffmpeg-location", "/usr/bin", "-f", FORMATS, "--merge-output-format", "mp4"]
+MP4 += ["--ffmpeg-location", "/usr/bin", "-f", "bv*+ba/b", "-S", SORT]
+MP4 += ["--merge-output-format", "mp4/mkv"]
 
 
 def main():

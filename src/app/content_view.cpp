@@ -1,7 +1,6 @@
 #include "app/content_view.h"
 
 #include "base/text.h"
-#include "library/finished_file_index.h"
 #include "queue/link_intake.h"
 
 #include <QDate>
@@ -14,6 +13,15 @@
 #include <utility>
 
 namespace reelcrate {
+
+namespace {
+
+bool needsReading(const DownloadItem& row) {
+    const bool isFree = row.status == QueueStatus::waiting || row.status == QueueStatus::failed;
+    return isFree && row.source == SourceType::spotify && row.reading == LinkReading::open;
+}
+
+}  // namespace
 
 const QString ContentView::appVersion = QStringLiteral("4.8");
 
@@ -37,9 +45,9 @@ ContentView::ContentView(ProcessSupervisor& supervisor, ContentViewSetup setup)
       m_probe(m_shell, m_discovery),
       m_spotify(m_shell, m_discovery),
       m_resolution(
-          m_queue, m_probe, m_spotify, [this] { return lookAtDownloads(); }, m_background,
-          m_mainQueue, m_setup.resolutionTiming),
-      m_downloads(m_queue, m_shell, m_discovery, supervisor, m_background, m_mainQueue,
+          m_queue, m_probe, m_spotify, m_library, [this] { return runTarget().event; },
+          m_background, m_mainQueue, m_setup.resolutionTiming),
+      m_downloads(m_queue, m_shell, m_discovery, m_library, m_background, m_mainQueue,
                   m_setup.downloadTiming),
       m_editor(
           m_queue, [this] { return activeDownloadRuns() > 0; }, m_setup.textEditing),
@@ -51,6 +59,9 @@ ContentView::ContentView(ProcessSupervisor& supervisor, ContentViewSetup setup)
     connect(&m_readiness, &ToolReadiness::toolLogAppended, this, &ContentView::toolLogAppended);
     connect(&m_readiness, &ToolReadiness::summaryChanged, this, &ContentView::setActiveSummary);
     connect(&m_resolution, &ResolutionDriver::summaryChanged, this, &ContentView::setActiveSummary);
+    connect(&m_resolution, &ResolutionDriver::logged, this, &ContentView::appendRunLog);
+    connect(&m_resolution, &ResolutionDriver::rowRead, this, &ContentView::startWhatWasRead);
+    connect(&m_downloads, &DownloadRuns::slotFreed, this, &ContentView::startWaitingRows);
     connect(&m_downloads, &DownloadRuns::summaryChanged, this, &ContentView::setActiveSummary);
     connect(&m_update, &UpdateScan::summaryChanged, this, &ContentView::setActiveSummary);
     connect(&m_update, &UpdateScan::updateChanged, this, &ContentView::updateChanged);
@@ -196,6 +207,8 @@ bool ContentView::deleteSelectedQueueItemsFromUserAction() {
 
 void ContentView::clearQueue() {
     m_editor.clearQueue();
+    m_startWhenRead.clear();
+    m_waitingRows.clear();
     m_downloads.clearRunLog();
 }
 
@@ -277,14 +290,6 @@ CommandResult ContentView::installOptionalSpotifyTool(
 
 // Reading links
 
-std::optional<MediaInfo> ContentView::fetchMediaInfo(const QString& link) const {
-    return m_probe.fetchMediaInfo(link);
-}
-
-QList<PlaylistEntry> ContentView::fetchYouTubePlaylistEntries(const QString& link) const {
-    return m_probe.fetchYouTubePlaylistEntries(link);
-}
-
 QueueResolution ContentView::resolveSpotifyEntries(const QString& link) const {
     return m_spotify.resolveSpotifyEntries(link);
 }
@@ -300,7 +305,7 @@ QueueResolution ContentView::resolveQueueEntryWithRetries(const DownloadItem& it
 
 void ContentView::applyResolution(const QueueResolution& resolution, const DownloadItem& item,
                                   qsizetype index) {
-    m_resolution.applyResolution(resolution, item, index);
+    m_resolution.applyResolution(resolution, {}, item, index);
 }
 
 bool ContentView::shouldRetryInfoForFailedItem(const DownloadItem& item) {
@@ -314,15 +319,59 @@ void ContentView::retryResolveInfo(const DownloadItem& item) {
 // Downloading
 
 RunTarget ContentView::runTarget() const {
-    return {m_downloadMode, m_outputFolder, eventFolder()};
+    return {{eventFolder(), m_downloadMode}, m_outputFolder};
+}
+
+bool ContentView::isDownloadable(const DownloadItem& row) {
+    return isStartable(row) || needsReading(row);
 }
 
 void ContentView::startDownloads() {
-    m_downloads.startDownloads(runTarget());
+    QList<QUuid> itemIDs;
+    for (const DownloadItem& row : m_queue.rows())
+        itemIDs.append(row.id);
+    startDownloadRun(itemIDs);
 }
 
 void ContentView::startDownloadRun(const QList<QUuid>& itemIDs) {
-    m_downloads.startDownloadRun(itemIDs, runTarget());
+    const bool readsFirst = readWhatNeedsReading(itemIDs);
+    const bool hasStartable = std::any_of(itemIDs.begin(), itemIDs.end(), [this](const QUuid& id) {
+        const DownloadItem* row = m_queue.find(id);
+        return row != nullptr && isStartable(*row);
+    });
+    if (hasStartable || !readsFirst)
+        m_downloads.startDownloadRun(itemIDs, runTarget());
+}
+
+/// Of a Spotify link that was not listed nothing can be searched for: it is read again, and what it
+/// turns out to be is downloaded then. False when none of the rows is such a one.
+bool ContentView::readWhatNeedsReading(const QList<QUuid>& itemIDs) {
+    QList<DownloadItem> unread;
+    for (const QUuid& id : itemIDs) {
+        const DownloadItem* row = m_queue.find(id);
+        if (row != nullptr && needsReading(*row))
+            unread.append(*row);
+    }
+    for (const DownloadItem& row : std::as_const(unread)) {
+        m_startWhenRead.insert(row.id);
+        if (!row.isResolvingInfo)
+            m_resolution.retryResolveInfo(row);
+    }
+    return !unread.isEmpty();
+}
+
+void ContentView::startWhatWasRead(const QUuid& id, const QList<QUuid>& newRows) {
+    if (!m_startWhenRead.remove(id))
+        return;
+    m_waitingRows += newRows;
+    startWaitingRows();
+}
+
+/// The user has asked for them already: they are not refused for want of a slot.
+void ContentView::startWaitingRows() {
+    if (m_waitingRows.isEmpty() || m_downloads.freeSlots() < 1)
+        return;
+    m_downloads.startDownloadRun(std::exchange(m_waitingRows, {}), runTarget());
 }
 
 QString ContentView::commandFor(const DownloadItem& item, const QString& eventFolder,
@@ -334,22 +383,12 @@ void ContentView::appendRunLog(const QString& text) {
     m_downloads.appendRunLog(text);
 }
 
-FindDownloaded ContentView::lookAtDownloads() const {
-    const auto index = std::make_shared<FinishedFileIndex>(eventFolder(), m_downloadMode);
-    return [index](const PlaylistEntry& entry) { return index->existingDownloadedFile(entry); };
-}
-
 std::optional<QString> ContentView::existingDownloadedFile(const PlaylistEntry& entry) const {
-    return lookAtDownloads()(entry);
+    return m_library.existingDownloadedFiles({entry}, runTarget().event).first();
 }
 
 QString ContentView::sanitizedFolderName(const QString& name) {
     return reelcrate::sanitizedFolderName(name, defaultEventName());
-}
-
-SilenceTrimResult ContentView::trimEdgeSilenceIfNeeded(const QString& outputPath,
-                                                       DownloadMode mode) const {
-    return m_downloads.trimmer().trimEdgeSilenceIfNeeded(outputPath, mode);
 }
 
 // Files

@@ -6,6 +6,7 @@
 #include "download/download_runs.h"
 #include "download/output_parsing.h"
 #include "download/progress_seed.h"
+#include "library/event_library.h"
 #include "library/file_names.h"
 #include "library/finished_files.h"
 #include "queue/links.h"
@@ -166,8 +167,6 @@ public:
 
     // Reading links. The fetching and listing ones: background threads.
 
-    std::optional<MediaInfo> fetchMediaInfo(const QString& link) const;
-    QList<PlaylistEntry> fetchYouTubePlaylistEntries(const QString& link) const;
     static constexpr auto durationText = &reelcrate::durationText;
     static constexpr auto thumbnailURL = &reelcrate::thumbnailURL;
     static constexpr auto stringValue = &reelcrate::stringValue;
@@ -188,6 +187,9 @@ public:
 
     // Downloading
 
+    /// Whether a download may be asked for: the row is ready or needs attention, and has something
+    /// of its own behind it, as far as is known.
+    static bool isDownloadable(const DownloadItem& row);
     void startDownloads();
     void startDownloadRun(const QList<QUuid>& itemIDs);
     /// Background threads: it looks the tools up.
@@ -195,16 +197,12 @@ public:
                        DownloadMode mode) const;
     static constexpr auto safeOutputStem = &reelcrate::safeOutputStem;
     static constexpr auto downloadDetail = &reelcrate::downloadDetail;
-    static constexpr auto outputPath = &reelcrate::outputPath;
     /// Any thread.
     void appendRunLog(const QString& text);
     std::optional<QString> existingDownloadedFile(const PlaylistEntry& entry) const;
     static constexpr auto existingDownloadID = &reelcrate::existingDownloadID;
-    static constexpr auto bestOutputPath = &reelcrate::bestOutputPath;
     static QString sanitizedFolderName(const QString& name);
     static constexpr auto regularFiles = &reelcrate::regularFiles;
-    /// Background threads.
-    SilenceTrimResult trimEdgeSilenceIfNeeded(const QString& outputPath, DownloadMode mode) const;
     void crawlQueueProgress(const QUuid& itemID, double target, double duration);
     static constexpr auto preparationProgressProfile = &reelcrate::preparationProgressProfile;
     static constexpr auto progressSeed = &reelcrate::progressSeed;
@@ -246,8 +244,10 @@ Q_SIGNALS:
 private:
     void setActiveSummary(const QString& text);
     void addSongsBehind(const QStringList& links);
-    FindDownloaded lookAtDownloads() const;
     RunTarget runTarget() const;
+    bool readWhatNeedsReading(const QList<QUuid>& itemIDs);
+    void startWhatWasRead(const QUuid& id, const QList<QUuid>& newRows);
+    void startWaitingRows();
 
     const ContentViewSetup m_setup;
     QString m_eventName = defaultEventName();
@@ -255,6 +255,8 @@ private:
     DownloadMode m_downloadMode = DownloadMode::audio;
     QString m_outputFolder = defaultOutputFolder();
     QString m_activeSummary = QStringLiteral("Ready");
+    QSet<QUuid> m_startWhenRead;  ///< rows to be downloaded once they have been read
+    QList<QUuid> m_waitingRows;   ///< rows that were, and wait for a slot
 
     // In the order of their dependence: each part knows only parts above it.
     MainQueue m_mainQueue;
@@ -266,6 +268,7 @@ private:
     ToolInstaller m_installer;
     MediaProbe m_probe;
     SpotifyExpansion m_spotify;
+    EventLibrary m_library;
     ResolutionDriver m_resolution;
     DownloadRuns m_downloads;
     QueueEditor m_editor;

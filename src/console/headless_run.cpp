@@ -70,7 +70,7 @@ void HeadlessRun::advance() {
         addLinks();
     if (m_phase == Phase::reading && !isReading())
         startDownloads();
-    if (m_phase == Phase::downloading && m_view.activeDownloadRuns() == 0)
+    if (m_phase == Phase::downloading && m_view.activeDownloadRuns() == 0 && !isReading())
         end(allRowsAreComplete() ? allComplete : someNeedAttention);
 }
 
@@ -97,13 +97,16 @@ void HeadlessRun::startDownloads() {
     m_phase = Phase::downloading;
     m_view.startDownloads();
     // A run that has ended here already never began: its log says why.
-    if (m_view.activeDownloadRuns() == 0)
+    if (m_view.activeDownloadRuns() == 0 && !isReading())
         complain(m_view.runLog());
 }
 
 bool HeadlessRun::allRowsAreComplete() const {
-    const QueueStore& queue = m_view.queue();
-    return queue.size() > 0 && queue.countWithStatus(QueueStatus::complete) == queue.size();
+    const QList<DownloadItem>& rows = m_view.queue().rows();
+    const auto isDone = [](const DownloadItem& row) {
+        return row.status == QueueStatus::complete || row.reading == LinkReading::repeated;
+    };
+    return !rows.isEmpty() && std::all_of(rows.begin(), rows.end(), isDone);
 }
 
 void HeadlessRun::interrupt(int signalNumber) {

@@ -10,14 +10,14 @@ namespace reelcrate {
 
 namespace {
 
-QString outputTemplate(const DownloadItem& item, QString eventFolder) {
+QString outputTemplate(const DownloadItem& item, QString folder) {
     // In an output template a percent sign begins a field; doubled it stands for itself.
-    eventFolder.replace(u'%', QStringLiteral("%%"));
-    if (!eventFolder.endsWith(u'/'))
-        eventFolder += u'/';
+    folder.replace(u'%', QStringLiteral("%%"));
+    if (!folder.endsWith(u'/'))
+        folder += u'/';
     if (item.source == SourceType::spotify)
-        return eventFolder + spotifyFileStem(item.title) + QStringLiteral(" [%(id)s].%(ext)s");
-    return eventFolder + QStringLiteral("%(title).180B [%(id)s].%(ext)s");
+        return folder + spotifyFileStem(item.title) + QStringLiteral(" [%(id)s].%(ext)s");
+    return folder + QStringLiteral("%(title).180B [%(id)s].%(ext)s");
 }
 
 QString target(const DownloadItem& item, DownloadMode mode) {
@@ -31,10 +31,35 @@ QString progressOptions() {
            shellQuoted(QStringLiteral("download:RCR_PROGRESS:%(progress._percent_str)s"));
 }
 
-QString formatSelector() {
-    return shellQuoted(
-        QStringLiteral("b[ext=mp4][height<=1080]/bv*[ext=mp4][height<=1080]+ba[ext=m4a]/"
-                       "b[ext=mp4]/bv*[ext=mp4]+ba[ext=m4a]/bv*+ba/b"));
+/// A file under its final name is to be whole, whatever a configuration file of the user's says: a
+/// transfer that is cut off keeps another name, and a stream that lacks a piece fails.
+QString transferOptions() {
+    return QStringLiteral(
+        " --ignore-errors --part --abort-on-unavailable-fragments --concurrent-fragments ");
+}
+
+QString conversionOptions(Conversion conversion) {
+    // Without it ffmpeg (5.1) reports success also where a full disk cut the file's end off.
+    return conversion == Conversion::strict
+               ? QStringLiteral(" --postprocessor-args ExtractAudio:-xerror")
+               : QString();
+}
+
+QString itemChoice(const DownloadItem& item) {
+    return item.playlistItem > 0
+               ? QStringLiteral(" --playlist-items ") + QString::number(item.playlistItem)
+               : QString();
+}
+
+/// The best picture of at most 1080 lines; among equals the song's own language, a picture of
+/// common range, and the codecs that every player has. A finished file of fewer lines does not win
+/// over two streams of more.
+QString formatChoice() {
+    return QStringLiteral(" -f ") + shellQuoted(QStringLiteral("bv*+ba/b")) +
+           QStringLiteral(" -S res:1080,lang,hdr:sdr,vcodec:h264,acodec:aac,ext:mp4:m4a") +
+           // What MP4 holds at most with difficulty is merged into a container that holds all, and
+           // made an MP4 afterwards.
+           QStringLiteral(" --merge-output-format mp4/mkv");
 }
 
 QString converterLocation(const std::optional<QString>& ffmpeg) {
@@ -45,25 +70,25 @@ QString converterLocation(const std::optional<QString>& ffmpeg) {
 
 }  // namespace
 
-QString downloadCommand(const DownloadItem& item, const QString& eventFolder, DownloadMode mode,
-                        const DownloadTools& tools) {
+QString downloadCommand(const DownloadItem& item, const QString& folder, DownloadMode mode,
+                        const DownloadTools& tools, Conversion conversion) {
     const QString tool = tools.ytDlp.value_or(QStringLiteral("yt-dlp"));
     const QString start = QStringLiteral("PATH=") + shellQuoted(tools.searchPath) +
                           QStringLiteral(":$PATH ") + shellQuoted(tool) + u' ' + progressOptions() +
-                          QStringLiteral(" --ignore-errors --concurrent-fragments ");
-    const QString end = QStringLiteral(" -o ") + shellQuoted(outputTemplate(item, eventFolder)) +
-                        u' ' + shellQuoted(target(item, mode));
+                          transferOptions();
+    const QString end = itemChoice(item) + QStringLiteral(" -o ") +
+                        shellQuoted(outputTemplate(item, folder)) + u' ' +
+                        shellQuoted(target(item, mode));
     const QString converter = converterLocation(tools.ffmpeg);
 
     if (mode == DownloadMode::audio) {
         return start + QString::number(concurrentFragmentDownloads) +
                QStringLiteral(
                    " -x --audio-format mp3 --audio-quality 0 --embed-thumbnail --add-metadata") +
-               converter + end;
+               conversionOptions(conversion) + converter + end;
     }
     return start + QString::number(videoConcurrentFragmentDownloads) +
-           QStringLiteral(" --embed-metadata") + converter + QStringLiteral(" -f ") +
-           formatSelector() + QStringLiteral(" --merge-output-format mp4") + end;
+           QStringLiteral(" --embed-metadata") + converter + formatChoice() + end;
 }
 
 }  // namespace reelcrate

@@ -7,8 +7,8 @@
 
 #include <optional>
 
-/// The one shell command line that downloads a row into the event folder with yt-dlp. A pure
-/// function; any thread; it never fails: without its tools the command itself does.
+/// The one shell command line that downloads a row into a folder with yt-dlp. A pure function; any
+/// thread; it never fails: without its tools the command itself does.
 namespace reelcrate {
 
 inline constexpr int concurrentFragmentDownloads = 8;
@@ -21,9 +21,15 @@ struct DownloadTools {
     QString searchPath;             ///< colon-separated folders, put before the inherited ones
 };
 
-/// `eventFolder` is an absolute path. With each step of its progress the command prints a line
+/// How sound is converted.
+enum class Conversion {
+    strict,   ///< fails at the first thing that cannot be read or written
+    lenient,  ///< leaves out what cannot be read, and says nothing of what cannot be written
+};
+
+/// `folder` is an absolute path. With each step of its progress the command prints a line
 /// "RCR_PROGRESS:" with the percentage.
-QString downloadCommand(const DownloadItem& item, const QString& eventFolder, DownloadMode mode,
-                        const DownloadTools& tools);
+QString downloadCommand(const DownloadItem& item, const QString& folder, DownloadMode mode,
+                        const DownloadTools& tools, Conversion conversion = Conversion::strict);
 
 }  // namespace reelcrate

@@ -3,6 +3,7 @@
 #include "base/background_tasks.h"
 #include "base/main_queue.h"
 #include "download/row_stages.h"
+#include "library/song_key.h"
 
 #include <memory>
 #include <utility>
@@ -11,12 +12,12 @@ namespace reelcrate {
 
 namespace {
 
-QStringList linksOf(const QList<DownloadItem>& rows) {
-    QStringList links;
-    links.reserve(rows.size());
+QStringList songsOf(const QList<DownloadItem>& rows) {
+    QStringList songs;
+    songs.reserve(rows.size());
     for (const DownloadItem& row : rows)
-        links.append(row.url);
-    return links;
+        songs.append(songKey(row.url, row.playlistItem));
+    return songs;
 }
 
 }  // namespace
@@ -27,15 +28,16 @@ QString noun(DownloadMode mode, bool singular) {
 }
 
 DownloadRun::DownloadRun(DownloadParts parts, RunPlan plan, QList<DownloadItem> rows,
-                         qsizetype slotCount, QSet<QString>& runningLinks,
+                         qsizetype slotCount, QSet<QString>& runningSongs,
                          BackgroundTasks& background)
     : m_parts(parts),
       m_plan(std::move(plan)),
       m_rows(std::move(rows)),
+      m_songs(songsOf(m_rows)),
       m_slotCount(slotCount),
-      m_runningLinks(runningLinks),
+      m_runningSongs(runningSongs),
       m_background(background),
-      m_order(linksOf(m_rows)) {}
+      m_order(m_songs) {}
 
 void DownloadRun::start() {
     QList<qsizetype> first;
@@ -55,14 +57,14 @@ void DownloadRun::startRows(qsizetype freeSlots) {
     }
 }
 
-/// The row that may start now, with a slot and its link taken for it.
+/// The row that may start now, with a slot and its song taken for it.
 std::optional<qsizetype> DownloadRun::takeNextRow() {
     if (m_running == m_slotCount)
         return std::nullopt;
-    const auto position = m_order.takeNext(m_runningLinks);
+    const auto position = m_order.takeNext(m_runningSongs);
     if (position) {
         ++m_running;
-        m_runningLinks.insert(m_rows.at(*position).url);
+        m_runningSongs.insert(m_songs.at(*position));
     }
     return position;
 }
@@ -71,7 +73,7 @@ void DownloadRun::markRows(const QList<qsizetype>& first) const {
     for (qsizetype position = 0; position < m_rows.size(); ++position) {
         const QUuid& id = m_rows.at(position).id;
         if (first.contains(position))
-            m_parts.stages.prepare(id, m_plan.mode);
+            m_parts.stages.prepare(id, m_plan.target.mode);
         else
             m_parts.stages.waitForSlot(id);
     }
@@ -80,13 +82,19 @@ void DownloadRun::markRows(const QList<qsizetype>& first) const {
 void DownloadRun::startRow(qsizetype position) {
     const DownloadItem& row = m_rows.at(position);
     // At once, so that the rows that are shown as running are always those that take up a slot.
-    m_parts.stages.prepareAgain(row.id, m_plan.mode);
+    m_parts.stages.prepareAgain(row.id, m_plan.target.mode);
     auto download = std::make_shared<RowDownload>(m_parts, m_plan, row, position);
     m_background.run([this, position, download](const std::stop_token& stop) {
-        download->run(stop);
+        const RowDownload::End end = download->run(stop);
         // A stopped download did not end: the program does.
-        if (!stop.stop_requested())
-            m_parts.mainQueue.post([this, position] { countRow(position); });
+        if (stop.stop_requested())
+            return;
+        m_parts.mainQueue.post([this, position, end] {
+            if (end == RowDownload::End::elsewhere)
+                putBackRow(position);
+            else
+                countRow(position);
+        });
     });
 }
 
@@ -100,10 +108,17 @@ void DownloadRun::countRow(qsizetype position) {
                                     .arg(m_ended)
                                     .arg(m_rows.size())
                                     .arg(m_slotCount)
-                                    .arg(noun(m_plan.mode, false)));
-    Q_EMIT rowEnded(m_rows.at(position).url);
+                                    .arg(noun(m_plan.target.mode, false)));
+    Q_EMIT rowEnded(m_songs.at(position));
     if (isLast)
         Q_EMIT finished();
+}
+
+void DownloadRun::putBackRow(qsizetype position) {
+    --m_running;
+    m_parts.stages.waitForSlot(m_rows.at(position).id);
+    m_order.putBack(position);
+    Q_EMIT rowPutBack(m_songs.at(position));
 }
 
 }  // namespace reelcrate

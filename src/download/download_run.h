@@ -11,8 +11,8 @@
 #include <optional>
 
 /// One run: starts its rows in order, a next one whenever one has ended, and counts. A row whose
-/// link is being downloaded, by whatever run, is held until that has ended. Main thread; each row's
-/// download is a background task.
+/// song is being downloaded, by whatever run or program, is held until that has ended. Main thread;
+/// each row's download is a background task.
 namespace reelcrate {
 
 class BackgroundTasks;
@@ -24,25 +24,34 @@ class DownloadRun : public QObject {
     Q_OBJECT
 
 public:
-    /// `runningLinks`, the links that are being downloaded, is shared by all runs.
+    /// `runningSongs`, the keys of the songs that are being downloaded, is shared by all runs.
     DownloadRun(DownloadParts parts, RunPlan plan, QList<DownloadItem> rows, qsizetype slotCount,
-                QSet<QString>& runningLinks, BackgroundTasks& background);
+                QSet<QString>& runningSongs, BackgroundTasks& background);
 
-    DownloadMode mode() const { return m_plan.mode; }
+    DownloadMode mode() const { return m_plan.target.mode; }
+    const QString& folder() const { return m_plan.target.folder; }
+
+    /// How many of its rows are being downloaded.
+    qsizetype runningCount() const { return m_running; }
 
     /// Marks all rows, and starts as many as the run has slots.
     void start();
 
-    /// The link is no longer being downloaded.
-    void linkFreed(const QString& link) { m_order.linkFreed(link); }
+    /// The song is no longer being downloaded.
+    void songFreed(const QString& song) { m_order.songFreed(song); }
+
+    /// Rows that wait for another program may start again.
+    void releasePutBack() { m_order.releasePutBack(); }
 
     /// Starts as many of the next rows as the run has slots left, and `freeSlots` at most.
     void startRows(qsizetype freeSlots);
 
 Q_SIGNALS:
     void summaryChanged(const QString& text);
-    /// A row with this link has ended and its slot is free.
-    void rowEnded(const QString& link);
+    /// A row of this song has ended and its slot is free.
+    void rowEnded(const QString& song);
+    /// A row has given back its slot, since another program is at its song.
+    void rowPutBack(const QString& song);
     /// The last row has ended.
     void finished();
 
@@ -51,12 +60,14 @@ private:
     void markRows(const QList<qsizetype>& first) const;
     void startRow(qsizetype position);
     void countRow(qsizetype position);
+    void putBackRow(qsizetype position);
 
     const DownloadParts m_parts;
     const RunPlan m_plan;
     const QList<DownloadItem> m_rows;
+    const QStringList m_songs;  ///< the rows' keys
     const qsizetype m_slotCount;
-    QSet<QString>& m_runningLinks;
+    QSet<QString>& m_runningSongs;
     BackgroundTasks& m_background;
     StartOrder m_order;
     qsizetype m_running = 0;

@@ -3,23 +3,22 @@
 #include "base/background_tasks.h"
 #include "base/main_queue.h"
 #include "download/download_run.h"
+#include "download/working_folder.h"
 #include "library/file_names.h"
 #include "queue/queue_store.h"
+#include "tools/shell_runner.h"
 
 #include <QFile>
 #include <QSet>
 
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <system_error>
 
 namespace reelcrate {
 
 namespace {
-
-bool isStartable(const DownloadItem& row) {
-    return row.status == QueueStatus::waiting || row.status == QueueStatus::failed;
-}
 
 /// Absent on success, otherwise the system's description.
 std::optional<QString> createFolders(const QString& path) {
@@ -32,31 +31,36 @@ std::optional<QString> createFolders(const QString& path) {
 
 }  // namespace
 
+bool isStartable(const DownloadItem& row) {
+    const bool isFree = row.status == QueueStatus::waiting || row.status == QueueStatus::failed;
+    // Of a Spotify link that was not listed nothing is known that could be searched for.
+    const bool isKnown = row.source != SourceType::spotify || row.reading == LinkReading::song;
+    return isFree && isKnown && row.reading != LinkReading::repeated;
+}
+
 DownloadRuns::DownloadRuns(QueueStore& queue, ShellRunner& shell, const ToolDiscovery& discovery,
-                           ProcessSupervisor& supervisor, BackgroundTasks& background,
-                           MainQueue& mainQueue, DownloadTiming timing)
+                           EventLibrary& library, BackgroundTasks& background, MainQueue& mainQueue,
+                           DownloadTiming timing)
     : m_queue(queue),
+      m_shell(shell),
       m_background(background),
       m_mainQueue(mainQueue),
       m_timing(timing),
       m_crawls(queue),
       m_stages(queue, m_crawls),
-      m_trimmer(shell, discovery, supervisor, m_claimedFiles),
-      m_parts{shell, discovery, supervisor, m_trimmer, m_claimedFiles, mainQueue, m_stages, m_log} {
+      m_measurer(shell, discovery),
+      m_trimmer(shell, discovery, m_measurer),
+      m_mp4Finisher(shell, discovery),
+      m_finisher(m_measurer, m_trimmer, m_mp4Finisher, library),
+      m_parts{shell, discovery, library, m_finisher, mainQueue, m_stages, m_log} {
     connect(&m_log, &RunLog::cleared, this, &DownloadRuns::runLogCleared);
     connect(&m_log, &RunLog::appended, this, &DownloadRuns::runLogAppended);
+    m_lookAgain.setSingleShot(true);
+    m_lookAgain.setInterval(std::chrono::ceil<std::chrono::milliseconds>(timing.lookAgain));
+    connect(&m_lookAgain, &QTimer::timeout, this, &DownloadRuns::lookAgain);
 }
 
 DownloadRuns::~DownloadRuns() = default;
-
-void DownloadRuns::startDownloads(const RunTarget& target) {
-    QList<QUuid> itemIDs;
-    for (const DownloadItem& row : m_queue.rows()) {
-        if (isStartable(row))
-            itemIDs.append(row.id);
-    }
-    startDownloadRun(itemIDs, target);
-}
 
 QList<DownloadItem> DownloadRuns::eligibleRows(const QList<QUuid>& itemIDs) const {
     const QSet<QUuid> wanted(itemIDs.begin(), itemIDs.end());
@@ -69,7 +73,8 @@ QList<DownloadItem> DownloadRuns::eligibleRows(const QList<QUuid>& itemIDs) cons
 
 void DownloadRuns::startDownloadRun(const QList<QUuid>& itemIDs, const RunTarget& target) {
     const QList<DownloadItem> rows = eligibleRows(itemIDs);
-    const QString nouns = noun(target.mode, false);
+    const DownloadMode mode = target.event.mode;
+    const QString nouns = noun(mode, false);
     if (freeSlots() < 1) {
         Q_EMIT summaryChanged(QStringLiteral("Already downloading %1 %2 at once")
                                   .arg(maxParallelDownloads)
@@ -88,23 +93,31 @@ void DownloadRuns::startDownloadRun(const QList<QUuid>& itemIDs, const RunTarget
     }
 
     const qsizetype slotCount = std::min(freeSlots(), rows.size());
-    addRun({target.mode, target.eventFolder, rows.size(), m_timing}, rows, slotCount);
+    addRun({target.event, rows.size(), m_timing}, rows, slotCount);
     // Beside the downloads, which need not wait for a slow drive.
-    m_background.run(
-        [folder = target.eventFolder](const std::stop_token&) { removeForgottenTrims(folder); });
+    m_background.run([this, folder = target.event.folder](const std::stop_token&) {
+        removeAbandonedWork(folder);
+        if (const QString notice = m_shell.loginNotice(); !notice.isEmpty())
+            appendRunLog(notice);
+    });
     Q_EMIT summaryChanged(
         rows.size() == 1
-            ? QStringLiteral("Downloading selected ") + noun(target.mode, true)
+            ? QStringLiteral("Downloading selected ") + noun(mode, true)
             : QStringLiteral("Downloading up to %1 %2 at once").arg(slotCount).arg(nouns));
 }
 
 void DownloadRuns::addRun(const RunPlan& plan, const QList<DownloadItem>& rows,
                           qsizetype slotCount) {
-    m_runs.push_back(std::make_unique<DownloadRun>(m_parts, plan, rows, slotCount, m_runningLinks,
+    m_runs.push_back(std::make_unique<DownloadRun>(m_parts, plan, rows, slotCount, m_runningSongs,
                                                    m_background));
     DownloadRun* run = m_runs.back().get();
     connect(run, &DownloadRun::summaryChanged, this, &DownloadRuns::summaryChanged);
-    connect(run, &DownloadRun::rowEnded, this, &DownloadRuns::startRowsBehind);
+    connect(run, &DownloadRun::rowEnded, this, &DownloadRuns::freeSong);
+    connect(run, &DownloadRun::rowPutBack, this, [this](const QString& song) {
+        freeSong(song);
+        if (!m_lookAgain.isActive())
+            m_lookAgain.start();
+    });
     // Queued: the run that is finished must have returned before it can go.
     connect(
         run, &DownloadRun::finished, this, [this, run] { finishRun(run); }, Qt::QueuedConnection);
@@ -112,17 +125,32 @@ void DownloadRuns::addRun(const RunPlan& plan, const QList<DownloadItem>& rows,
 }
 
 qsizetype DownloadRuns::freeSlots() const {
-    return maxParallelDownloads - m_queue.countWithStatus(QueueStatus::running);
+    qsizetype free = maxParallelDownloads;
+    for (const auto& run : m_runs)
+        free -= run->runningCount();
+    return free;
 }
 
-/// Each run has slots of its own, but a row that was held for another run's link left its slot
-/// unused, and a later run may have been given that one, too.
-void DownloadRuns::startRowsBehind(const QString& endedLink) {
-    m_runningLinks.remove(endedLink);
+void DownloadRuns::freeSong(const QString& song) {
+    m_runningSongs.remove(song);
     for (const auto& run : m_runs)
-        run->linkFreed(endedLink);
+        run->songFreed(song);
+    startRows();
+    Q_EMIT slotFreed();
+}
+
+/// Each run has slots of its own, but a row that was held for another run's song left its slot
+/// unused, and a later run may have been given that one, too.
+void DownloadRuns::startRows() {
     for (const auto& run : m_runs)
         run->startRows(freeSlots());
+}
+
+/// Nobody tells when another program has done with a song.
+void DownloadRuns::lookAgain() {
+    for (const auto& run : m_runs)
+        run->releasePutBack();
+    startRows();
 }
 
 /// False, with the reason in the log, when the run has no folder to write into.
@@ -135,7 +163,7 @@ bool DownloadRuns::createEventFolder(const RunTarget& target) {
                     "name. Choose another folder.")
                     .arg(target.outputFolder);
     } else {
-        error = createFolders(target.eventFolder);
+        error = createFolders(target.event.folder);
     }
     if (error)
         m_log.append(QStringLiteral("Could not create output folders: ") + *error + u'\n');
@@ -144,6 +172,8 @@ bool DownloadRuns::createEventFolder(const RunTarget& target) {
 
 void DownloadRuns::finishRun(const DownloadRun* run) {
     const DownloadMode mode = run->mode();
+    m_background.run(
+        [folder = run->folder()](const std::stop_token&) { removeWorkFolderIfEmpty(folder); });
     std::erase_if(m_runs, [run](const auto& owned) { return owned.get() == run; });
     setActiveDownloadRuns(std::max(m_activeDownloadRuns - 1, 0));
     if (m_activeDownloadRuns == 0) {

@@ -1,23 +1,27 @@
 #pragma once
 
-#include "download/claimed_files.h"
+#include "download/edge_trim.h"
+#include "download/mp4_finish.h"
 #include "download/progress_crawls.h"
 #include "download/row_download.h"
 #include "download/row_stages.h"
 #include "download/run_log.h"
-#include "download/silence_trim.h"
+#include "download/song_finish.h"
+#include "library/event_library.h"
+#include "library/song_measure.h"
 
 #include <QList>
 #include <QObject>
 #include <QSet>
 #include <QString>
+#include <QTimer>
 #include <QUuid>
 
 #include <memory>
 #include <vector>
 
 /// Download runs: each takes a set of rows and downloads them in queue order, side by side in as
-/// many slots as are free when it starts. All runs share six slots, and no link is downloaded twice
+/// many slots as are free when it starts. All runs share six slots, and no song is downloaded twice
 /// at a time. Main thread; a run's downloads go on in the background, and how they go arrives in
 /// the rows, the run log and the summary.
 namespace reelcrate {
@@ -28,10 +32,13 @@ class QueueStore;
 
 /// Where a run puts its files, and as what.
 struct RunTarget {
-    DownloadMode mode = DownloadMode::audio;
+    EventTarget event;  ///< its folder is created when the run starts
     QString outputFolder;
-    QString eventFolder;  ///< inside the output folder; created when the run starts
 };
+
+/// Whether a run may take the row: it is ready or needs attention, and something stands behind it
+/// that no other row is for.
+bool isStartable(const DownloadItem& row);
 
 class DownloadRuns : public QObject {
     Q_OBJECT
@@ -40,7 +47,7 @@ public:
     static constexpr int maxParallelDownloads = 6;
 
     DownloadRuns(QueueStore& queue, ShellRunner& shell, const ToolDiscovery& discovery,
-                 ProcessSupervisor& supervisor, BackgroundTasks& background, MainQueue& mainQueue,
+                 EventLibrary& library, BackgroundTasks& background, MainQueue& mainQueue,
                  DownloadTiming timing = {});
     ~DownloadRuns() override;
 
@@ -48,12 +55,11 @@ public:
     const RunLog& runLog() const { return m_log; }
     ProgressCrawls& crawls() { return m_crawls; }
     RowStages& stages() { return m_stages; }
-    const SilenceTrimmer& trimmer() const { return m_trimmer; }
 
-    /// Downloads all rows that are ready or need attention.
-    void startDownloads(const RunTarget& target);
+    /// Slots in which nothing is downloaded.
+    qsizetype freeSlots() const;
 
-    /// Downloads those of these rows that are ready or need attention, in the queue's order.
+    /// Downloads those of these rows that are startable, in the queue's order.
     void startDownloadRun(const QList<QUuid>& itemIDs, const RunTarget& target);
 
     void clearRunLog() { m_log.clear(); }
@@ -64,6 +70,7 @@ public:
 Q_SIGNALS:
     void summaryChanged(const QString& text);
     void activeDownloadRunsChanged();
+    void slotFreed();
     void runLogCleared();
     void runLogAppended(const QString& text);
 
@@ -71,22 +78,27 @@ private:
     QList<DownloadItem> eligibleRows(const QList<QUuid>& itemIDs) const;
     bool createEventFolder(const RunTarget& target);
     void addRun(const RunPlan& plan, const QList<DownloadItem>& rows, qsizetype slotCount);
-    qsizetype freeSlots() const;
-    void startRowsBehind(const QString& endedLink);
+    void freeSong(const QString& song);
+    void startRows();
+    void lookAgain();
     void finishRun(const DownloadRun* run);
     void setActiveDownloadRuns(int count);
 
     QueueStore& m_queue;
+    ShellRunner& m_shell;
     BackgroundTasks& m_background;
     MainQueue& m_mainQueue;
     const DownloadTiming m_timing;
     RunLog m_log;
     ProgressCrawls m_crawls;
     RowStages m_stages;
-    ClaimedFiles m_claimedFiles;
-    SilenceTrimmer m_trimmer;
+    SongMeasurer m_measurer;
+    EdgeTrimmer m_trimmer;
+    Mp4Finisher m_mp4Finisher;
+    SongFinisher m_finisher;
     DownloadParts m_parts;
-    QSet<QString> m_runningLinks;
+    QSet<QString> m_runningSongs;
+    QTimer m_lookAgain;
     std::vector<std::unique_ptr<DownloadRun>> m_runs;
     int m_activeDownloadRuns = 0;
 };

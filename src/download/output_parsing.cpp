@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
 namespace reelcrate {
 
@@ -17,14 +18,6 @@ using namespace Qt::StringLiterals;
 
 constexpr qsizetype longestDetail = 120;     // characters
 constexpr qsizetype longestCutDetail = 117;  // characters, before the dots
-constexpr QStringView alreadyDownloaded = u" has already been downloaded";
-constexpr QStringView skippingFragment = u" Skipping fragment ";
-constexpr QStringView deleting = u"Deleting original file ";
-constexpr QStringView addingTags = u"[Metadata] ";
-constexpr QStringView nextItem = u"[download] Downloading item ";
-constexpr QStringView destination = u"Destination: ";
-constexpr QStringView merging = u"Merging formats into ";
-constexpr qsizetype longestPathLine = 65'536;  // UTF-16 units
 
 struct ModeText {
     QLatin1String audio;
@@ -159,80 +152,6 @@ QString withoutMarkerLines(const QString& piece) {
     return lines.join(u'\n').trimmed();
 }
 
-QString withoutQuotes(QStringView text) {
-    while (text.startsWith(u'"'))
-        text = text.sliced(1);
-    while (text.endsWith(u'"'))
-        text.chop(1);
-    return text.toString();
-}
-
-std::optional<QString> pathInLine(const QString& line) {
-    const QString download = QStringLiteral("[download] ");
-    const QStringView text(line);
-    if (const qsizetype at = text.indexOf(destination); at >= 0)
-        return withoutQuotes(text.sliced(at + destination.size()));
-    if (const qsizetype at = text.indexOf(merging); at >= 0)
-        return withoutQuotes(text.sliced(at + merging.size()).trimmed());
-    if (!line.startsWith(download) || !line.contains(alreadyDownloaded))
-        return std::nullopt;
-    const QString path = QString(line).remove(download).remove(alreadyDownloaded.toString());
-    return path.isEmpty() ? std::nullopt : std::optional(path);
-}
-
-// These look through all of an output, however long. A line that says something about files has one
-// of the words.
-bool mayTellOfFiles(QStringView text) {
-    return containsByRarest(text, {destination, deleting, nextItem}, u'D') ||
-           containsByRarest(text, {merging, addingTags}, u'M') ||
-           containsByRarest(text, {alreadyDownloaded}, u'y') ||
-           containsByRarest(text, {skippingFragment}, u'k');
-}
-
-bool mentionsLogin(QStringView text) {
-    return containsByRarest(text, {u"private"}, u'v', Qt::CaseInsensitive) ||
-           containsByRarest(text, {u"login"}, u'g', Qt::CaseInsensitive);
-}
-
-// Behind the tool's name stands at most a reason, never text of the page.
-bool leavesOutPart(const QString& line) {
-    static const QRegularExpression notice(
-        QStringLiteral(R"(^\[download\](?: [^:;]*;)? Skipping fragment [0-9]+ \.\.\.$)"));
-    return line.contains(skippingFragment) && notice.match(line).hasMatch();
-}
-
-FileNews::Kind kindOfPath(const QString& line) {
-    if (line.contains(alreadyDownloaded))
-        return FileNews::Kind::wasThere;
-    return line.startsWith(u"[download] ") ? FileNews::Kind::downloads : FileNews::Kind::converts;
-}
-
-std::optional<FileNews> newsOfWholeLine(const QString& line) {
-    using Kind = FileNews::Kind;
-    if (leavesOutPart(line))
-        return FileNews{Kind::leavesOutPart, {}};
-    if (line.startsWith(nextItem))
-        return FileNews{Kind::nextItem, {}};
-    if (line.startsWith(deleting))
-        return FileNews{Kind::hasConverted, {}};
-    if (line.startsWith(addingTags))
-        return FileNews{Kind::addsTags, {}};
-    return std::nullopt;
-}
-
-QString lastLine(QStringView text) {
-    const auto isLineBreak = [](QChar c) { return c == u'\n' || c == u'\r'; };
-    const auto start = std::find_if(text.crbegin(), text.crend(), isLineBreak);
-    return text.last(start - text.crbegin()).toString();
-}
-
-/// A text is looked through several times: in blocks of whole lines that the nearest cache holds.
-qsizetype endOfBlock(const QString& text, qsizetype start) {
-    constexpr qsizetype blockSize = 4096;
-    const qsizetype lineEnd = text.indexOf(u'\n', start + blockSize);
-    return lineEnd < 0 ? text.size() : lineEnd + 1;
-}
-
 QString shortened(const QString& line) {
     if (!hasAtLeastCharacters(line, longestDetail + 1))
         return line;
@@ -240,15 +159,6 @@ QString shortened(const QString& line) {
 }
 
 }  // namespace
-
-std::optional<QString> outputPath(const QString& piece) {
-    const QStringList lines = trimmedLines(piece);
-    for (auto line = lines.crbegin(); line != lines.crend(); ++line) {
-        if (std::optional<QString> path = pathInLine(*line))
-            return path;
-    }
-    return std::nullopt;
-}
 
 QString downloadDetail(const QString& piece, DownloadMode mode) {
     QString line = piece.trimmed();
@@ -279,40 +189,6 @@ OutputEffect outputEffect(const DownloadItem& row, DownloadMode mode, const QStr
     if (const std::optional<StageBegun> stage = stageBegun(row, mode, telling))
         return *stage;
     return DetailOnly{downloadDetail(telling, mode)};
-}
-
-QList<FileNews> OutputReader::read(const QString& piece) {
-    QList<FileNews> news;
-    qsizetype start = 0;
-    while (start < piece.size()) {
-        const qsizetype end = endOfBlock(piece, start);
-        news += readBlock(m_unfinishedLine + piece.sliced(start, end - start));
-        start = end;
-    }
-    return news;
-}
-
-QList<FileNews> OutputReader::readBlock(const QString& text) {
-    m_mentionsLogin = m_mentionsLogin || reelcrate::mentionsLogin(text);
-    // Hardly any line tells of files: taking them apart is spared.
-    const QStringList lines =
-        mayTellOfFiles(text) ? outputLines(text) : QStringList(lastLine(text));
-    QList<FileNews> allNews;
-    for (qsizetype i = 0; i < lines.size(); ++i) {
-        const QString& line = lines.at(i);
-        const bool isComplete = i + 1 < lines.size();
-        // Not outputPath(): a line separator in a title is a part of the file's name, too.
-        if (const std::optional<QString> path = pathInLine(line.trimmed()))
-            allNews.append({kindOfPath(line), *path});
-        if (const auto news = isComplete ? newsOfWholeLine(line) : std::nullopt) {
-            m_leavesOutParts = m_leavesOutParts || news->kind == FileNews::Kind::leavesOutPart;
-            allNews.append(*news);
-        }
-    }
-    m_unfinishedLine = lines.constLast();
-    if (m_unfinishedLine.size() > longestPathLine)
-        m_unfinishedLine.clear();
-    return allNews;
 }
 
 }  // namespace reelcrate

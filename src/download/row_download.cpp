@@ -3,11 +3,12 @@
 #include "base/background_tasks.h"
 #include "base/main_queue.h"
 #include "download/download_command.h"
-#include "download/output_parsing.h"
-#include "download/row_files.h"
+#include "download/output_reader.h"
 #include "download/row_stages.h"
 #include "download/run_log.h"
-#include "download/silence_trim.h"
+#include "download/song_finish.h"
+#include "download/working_folder.h"
+#include "library/song_key.h"
 #include "tools/shell_runner.h"
 #include "tools/tool_discovery.h"
 
@@ -33,27 +34,27 @@ QString withoutHome(QString text, const QString& home) {
 
 }  // namespace
 
-QString downloadCommandFor(const DownloadItem& item, const QString& eventFolder, DownloadMode mode,
-                           const ToolDiscovery& discovery) {
+QString downloadCommandFor(const DownloadItem& item, const QString& folder, DownloadMode mode,
+                           const ToolDiscovery& discovery, Conversion conversion) {
     return downloadCommand(
-        item, eventFolder, mode,
+        item, folder, mode,
         {discovery.toolPath(QStringLiteral("yt-dlp")), discovery.toolPath(QStringLiteral("ffmpeg")),
-         discovery.toolSearchPath()});
+         discovery.toolSearchPath()},
+        conversion);
 }
 
-/// Follows the downloader's output of one row: logs it, shows it on the row, and tells the row's
-/// files of it. On the thread that runs the command.
+/// Follows the downloader's output of one row: logs it, shows it on the row, and keeps what it says
+/// of its end. On the thread that runs the command.
 class RowDownload::Output {
 public:
-    Output(RowDownload& download, RowFiles& files, const std::stop_token& stop)
-        : m_download(download), m_files(files), m_stop(stop) {}
+    Output(const RowDownload& download, const std::stop_token& stop)
+        : m_download(download), m_stop(stop) {}
 
     void read(const QString& piece) {
-        for (const FileNews& news : m_reader.read(piece))
-            m_files.take(news);
+        m_reader.read(piece);
         m_unshown->fetch_add(piece.size());
         m_download.post([&log = m_download.m_parts.log, &stages = m_download.m_parts.stages,
-                         item = m_download.m_item, mode = m_download.m_plan.mode, piece,
+                         item = m_download.m_item, mode = m_download.m_plan.target.mode, piece,
                          unshown = m_unshown] {
             log.append(piece);
             if (const QString trimmed = piece.trimmed(); !trimmed.isEmpty())
@@ -68,74 +69,163 @@ public:
     const OutputReader& reader() const { return m_reader; }
 
 private:
-    RowDownload& m_download;
-    RowFiles& m_files;
+    const RowDownload& m_download;
     const std::stop_token& m_stop;
     const std::shared_ptr<std::atomic<qsizetype>> m_unshown =
         std::make_shared<std::atomic<qsizetype>>(0);
     OutputReader m_reader;
 };
 
-RowDownload::RowDownload(DownloadParts parts, RunPlan plan, DownloadItem item, qsizetype position)
-    : m_parts(parts), m_plan(std::move(plan)), m_item(std::move(item)), m_position(position) {}
+/// What one run of the downloader came to.
+struct RowDownload::ToolRun {
+    bool succeeded = false;
+    OutputReader output;
+};
 
-void RowDownload::run(const std::stop_token& stop) {
-    RowFiles files(m_plan.eventFolder, m_parts.claimedFiles, m_parts.supervisor);
-    Output output(*this, files, stop);
-    const QString command =
-        downloadCommandFor(m_item, m_plan.eventFolder, m_plan.mode, m_parts.discovery);
-    logCommand(command);
-    const CommandResult result = m_parts.shell.runShellPassingOn(
-        command, [&output](const QString& piece) { output.read(piece); });
-    if (stop.stop_requested())
-        return;
-    // A tool that leaves out what it cannot get reports success all the same.
-    if (result.status == 0 && !output.reader().leavesOutParts()) {
-        finish(files, stop);
-        return;
+RowDownload::RowDownload(DownloadParts parts, RunPlan plan, DownloadItem item, qsizetype position)
+    : m_parts(parts),
+      m_plan(std::move(plan)),
+      m_item(std::move(item)),
+      m_position(position),
+      m_songKey(songKey(m_item.url, m_item.playlistItem)) {}
+
+RowDownload::End RowDownload::run(const std::stop_token& stop) {
+    // What a song and what a film is made from can have one name: neither goes on with the other's.
+    WorkingFolder folder(m_plan.target.folder,
+                         m_songKey + u'.' + rawValue(m_plan.target.mode).toLower());
+    switch (folder.lock()) {
+        case WorkingFolder::Lock::inUse:
+            return End::elsewhere;
+        case WorkingFolder::Lock::failed:
+            logLine(QStringLiteral("Cannot work in %1: %2").arg(folder.path(), folder.failure()));
+            fail(false);
+            return End::ended;
+        case WorkingFolder::Lock::held:
+            break;
     }
-    files.removeUnfinished();
-    if (!result.output.isEmpty())
-        post([&log = m_parts.log, reason = result.output] { log.append(reason); });
-    const bool mentionsLogin = output.reader().mentionsLogin();
-    post([&stages = m_parts.stages, item = m_item, mentionsLogin] {
-        stages.fail(item, mentionsLogin);
-    });
+    // Now that nobody else can be about to put it there.
+    if (const auto path = fileThatIsThere()) {
+        folder.remove();
+        complete(*path, QStringLiteral("Already Downloaded"));
+        return End::ended;
+    }
+    download(folder, stop);
+    return End::ended;
 }
 
-void RowDownload::finish(RowFiles& files, const std::stop_token& stop) {
-    const bool isSong = m_plan.mode == DownloadMode::audio;
+std::optional<QString> RowDownload::fileThatIsThere() const {
+    const PlaylistEntry entry{
+        .url = m_item.url,
+        .source = m_item.source,
+        .title = m_item.reading == LinkReading::song ? m_item.title : QString(),
+        .duration = {},
+        .thumbnailURL = {},
+        .playlistItem = m_item.playlistItem};
+    return m_parts.library.existingDownloadedFiles({entry}, m_plan.target).first();
+}
+
+void RowDownload::download(WorkingFolder& folder, const std::stop_token& stop) {
+    const auto log = [this](const QString& line) { logLine(line); };
+    folder.keepResumable(m_plan.target.mode);
+    ToolRun tool = runTool(folder, Conversion::strict, stop);
+    if (tool.output.cannotResume() && !stop.stop_requested()) {
+        logLine(QStringLiteral("What was there of the download cannot be gone on with: again."));
+        folder.removeParts();
+        tool = runTool(folder, Conversion::strict, stop);
+    }
+    std::optional<double> sourceSeconds;
+    if (tool.output.conversionFailed() && !stop.stop_requested())
+        sourceSeconds = m_parts.finisher.damagedLength(folder.unconvertedSource(), log);
+    if (sourceSeconds && !stop.stop_requested()) {
+        folder.keepResumable(m_plan.target.mode);
+        tool = runTool(folder, Conversion::lenient, stop);
+    }
+    if (stop.stop_requested())
+        return;
+    if (tool.succeeded || tool.output.onlyCoversFailed())
+        finish(folder, sourceSeconds, stop);
+    else
+        fail(tool.output.mentionsLogin());
+}
+
+RowDownload::ToolRun RowDownload::runTool(const WorkingFolder& folder, Conversion conversion,
+                                          const std::stop_token& stop) const {
+    Output output(*this, stop);
+    const QString command = downloadCommandFor(m_item, folder.path(), m_plan.target.mode,
+                                               m_parts.discovery, conversion);
+    logLine(QStringLiteral("Running %1/%2: ").arg(m_position + 1).arg(m_plan.rowCount) +
+            withoutHome(command, m_parts.discovery.places().home));
+    const CommandResult result = m_parts.shell.runShellPassingOn(
+        command, [&output](const QString& piece) { output.read(piece); }, folder.descriptor());
+    if (!result.output.isEmpty() && !stop.stop_requested())
+        logLine(result.output);
+    return {result.status == 0, output.reader()};
+}
+
+void RowDownload::finish(WorkingFolder& folder, std::optional<double> sourceSeconds,
+                         const std::stop_token& stop) const {
+    const auto log = [this](const QString& line) { logLine(line); };
+    const bool isSong = m_plan.target.mode == DownloadMode::audio;
     if (isSong) {
         enterStage(QStringLiteral("Examining Song to Trim"), 0.9, 2);
         if (!pauseFor(stop, m_plan.timing.examining))
             return;
         enterStage(QStringLiteral("Trimming Song"), 0.96, 5);
     }
-    const SilenceTrimResult trimmed =
-        m_parts.trimmer.trimEdgeSilenceIfNeeded(files.finishedPath(), m_plan.mode);
-    if (stop.stop_requested())
-        return;
-    files.keepAll();
+    const QStringList files = folder.finishedFiles(m_plan.target.mode);
+    if (files.isEmpty())
+        log(QStringLiteral("The downloader reported success, but there is no file."));
+    QList<SongFinisher::Prepared> songs;
+    for (const QString& file : files) {
+        auto song = m_parts.finisher.prepare(file, m_plan.target, sourceSeconds, log);
+        if (stop.stop_requested())
+            return;
+        if (song)
+            songs.append(*std::move(song));
+    }
     enterStage(isSong ? QStringLiteral("Saving MP3") : QStringLiteral("Saving MP4"), 0.99, 1);
     if (!pauseFor(stop, isSong ? m_plan.timing.savingAudio : m_plan.timing.savingVideo))
         return;
-    post([&stages = m_parts.stages, id = m_item.id, trimmed] { stages.complete(id, trimmed); });
+    // A link that was not read before may have stood for several.
+    std::optional<QString> last;
+    qsizetype entered = 0;
+    for (const SongFinisher::Prepared& song : std::as_const(songs)) {
+        if (auto path = m_parts.finisher.enter(song.path, m_songKey, m_plan.target, log)) {
+            last = std::move(path);
+            ++entered;
+        }
+    }
+    if (entered > 0 && entered == files.size()) {
+        folder.remove();
+        complete(*last, songs.last().detail);
+    } else {
+        fail(false);
+    }
 }
 
-void RowDownload::logCommand(const QString& command) {
-    const QString line =
-        QStringLiteral("Running %1/%2: ").arg(m_position + 1).arg(m_plan.rowCount) +
-        withoutHome(command, m_parts.discovery.places().home) + u'\n';
+void RowDownload::complete(const QString& path, const QString& detail) const {
+    post([&stages = m_parts.stages, id = m_item.id, path, detail] {
+        stages.complete(id, path, detail);
+    });
+}
+
+void RowDownload::fail(bool mentionsLogin) const {
+    post([&stages = m_parts.stages, item = m_item, mentionsLogin] {
+        stages.fail(item, mentionsLogin);
+    });
+}
+
+void RowDownload::logLine(const QString& line) const {
     post([&log = m_parts.log, line] { log.append(line); });
 }
 
-void RowDownload::enterStage(const QString& detail, double target, double duration) {
+void RowDownload::enterStage(const QString& detail, double target, double duration) const {
     post([&stages = m_parts.stages, id = m_item.id, detail, target, duration] {
         stages.enterStage(id, detail, target, duration);
     });
 }
 
-void RowDownload::post(std::function<void()> block) {
+void RowDownload::post(std::function<void()> block) const {
     m_parts.mainQueue.post(std::move(block));
 }
 

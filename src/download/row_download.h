@@ -1,36 +1,35 @@
 #pragma once
 
+#include "download/download_command.h"
+#include "library/event_library.h"
 #include "records/download_item.h"
-#include "records/download_mode.h"
 
-#include <QSet>
 #include <QString>
 
 #include <chrono>
 #include <functional>
+#include <optional>
 #include <stop_token>
 
-/// The download of one row, from its command to its finished file.
+/// The download of one row, from its command to its song in the event folder.
 namespace reelcrate {
 
-class ClaimedFiles;
+class EventLibrary;
 class MainQueue;
-class ProcessSupervisor;
-class RowFiles;
+class OutputReader;
 class RowStages;
 class RunLog;
 class ShellRunner;
-class SilenceTrimmer;
+class SongFinisher;
 class ToolDiscovery;
-struct CommandResult;
+class WorkingFolder;
 
 /// The parts that a download works with; all outlive it.
 struct DownloadParts {
     ShellRunner& shell;
     const ToolDiscovery& discovery;
-    ProcessSupervisor& supervisor;
-    const SilenceTrimmer& trimmer;
-    ClaimedFiles& claimedFiles;
+    EventLibrary& library;
+    const SongFinisher& finisher;
     MainQueue& mainQueue;
     RowStages& stages;
     RunLog& log;
@@ -43,43 +42,58 @@ struct DownloadTiming {
     Seconds examining{0.18};
     Seconds savingAudio{0.3};
     Seconds savingVideo{0.15};
+    Seconds lookAgain{0.5};  ///< between two looks at a song that another program is at
 };
 
 /// What all rows of a run have in common, fixed at its start.
 struct RunPlan {
-    DownloadMode mode = DownloadMode::audio;
-    QString eventFolder;
+    EventTarget target;
     qsizetype rowCount = 0;
     DownloadTiming timing;
 };
 
-/// The command line that downloads the row into the event folder. Background threads: it looks the
-/// tools up.
-QString downloadCommandFor(const DownloadItem& item, const QString& eventFolder, DownloadMode mode,
-                           const ToolDiscovery& discovery);
+/// The command line that downloads the row into the folder. Background threads: it looks the tools
+/// up.
+QString downloadCommandFor(const DownloadItem& item, const QString& folder, DownloadMode mode,
+                           const ToolDiscovery& discovery,
+                           Conversion conversion = Conversion::strict);
 
 class RowDownload {
 public:
+    enum class End {
+        ended,      ///< complete or failed, as the row says; or stopped
+        elsewhere,  ///< not begun: another program is at the same song
+    };
+
     /// `position` counts from 0 among the run's rows.
     RowDownload(DownloadParts parts, RunPlan plan, DownloadItem item, qsizetype position);
 
     /// Background threads, with a row that is marked as running. Blocks until the row is complete
     /// or failed; how it went arrives in the row. After a stop request it returns early and reports
     /// nothing more.
-    void run(const std::stop_token& stop);
+    End run(const std::stop_token& stop);
 
 private:
     class Output;
+    struct ToolRun;
 
-    void finish(RowFiles& files, const std::stop_token& stop);
-    void logCommand(const QString& command);
-    void enterStage(const QString& detail, double target, double duration);
-    void post(std::function<void()> block);
+    void download(WorkingFolder& folder, const std::stop_token& stop);
+    ToolRun runTool(const WorkingFolder& folder, Conversion conversion,
+                    const std::stop_token& stop) const;
+    void finish(WorkingFolder& folder, std::optional<double> sourceSeconds,
+                const std::stop_token& stop) const;
+    std::optional<QString> fileThatIsThere() const;
+    void complete(const QString& path, const QString& detail) const;
+    void fail(bool mentionsLogin) const;
+    void logLine(const QString& line) const;
+    void enterStage(const QString& detail, double target, double duration) const;
+    void post(std::function<void()> block) const;
 
     const DownloadParts m_parts;
     const RunPlan m_plan;
     const DownloadItem m_item;
     const qsizetype m_position;
+    const QString m_songKey;
 };
 
 }  // namespace reelcrate

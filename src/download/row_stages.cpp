@@ -109,14 +109,14 @@ void RowStages::applyDownloadOutput(const DownloadItem& item, DownloadMode mode,
                outputEffect(*row, mode, piece));
 }
 
-void RowStages::complete(const QUuid& id, const SilenceTrimResult& result) {
+void RowStages::complete(const QUuid& id, const QString& path, const QString& detail) {
     m_crawls.cancel(id);
     m_queue.update(id, [&](DownloadItem& row) {
         row.status = QueueStatus::complete;
         row.progress = 1.0;
         row.hasRealProgress = false;
-        row.detail = result.detail;
-        row.outputPath = result.outputPath;
+        row.detail = detail;
+        row.outputPath = path;
     });
 }
 

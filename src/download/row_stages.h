@@ -1,6 +1,5 @@
 #pragma once
 
-#include "download/silence_trim.h"
 #include "records/download_item.h"
 #include "records/download_mode.h"
 
@@ -33,7 +32,8 @@ public:
     /// One trimmed piece of the downloader's output.
     void applyDownloadOutput(const DownloadItem& item, DownloadMode mode, const QString& piece);
 
-    void complete(const QUuid& id, const SilenceTrimResult& result);
+    /// The song is in the event folder, at this path.
+    void complete(const QUuid& id, const QString& path, const QString& detail);
 
     /// `mentionsLogin`: see OutputReader.
     void fail(const DownloadItem& item, bool mentionsLogin);

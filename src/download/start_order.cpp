@@ -4,41 +4,46 @@
 
 namespace reelcrate {
 
-StartOrder::StartOrder(QStringList links) : m_links(std::move(links)) {}
+StartOrder::StartOrder(QStringList songs) : m_songs(std::move(songs)) {}
 
-std::optional<qsizetype> StartOrder::takeNext(const QSet<QString>& runningLinks) {
-    if (const auto position = takeFreed(runningLinks))
+std::optional<qsizetype> StartOrder::takeNext(const QSet<QString>& runningSongs) {
+    if (const auto position = takeFreed(runningSongs))
         return position;
-    while (m_lookedAt < m_links.size()) {
+    while (m_lookedAt < m_songs.size()) {
         const qsizetype position = m_lookedAt++;
-        const QString& link = m_links.at(position);
-        if (!runningLinks.contains(link))
+        const QString& song = m_songs.at(position);
+        if (!runningSongs.contains(song))
             return position;
-        m_held[link].enqueue(position);
+        m_held[song].enqueue(position);
     }
     return std::nullopt;
 }
 
-std::optional<qsizetype> StartOrder::takeFreed(const QSet<QString>& runningLinks) {
+std::optional<qsizetype> StartOrder::takeFreed(const QSet<QString>& runningSongs) {
     while (!m_freed.empty()) {
         const qsizetype position = *m_freed.begin();
         m_freed.erase(m_freed.begin());
-        const QString& link = m_links.at(position);
-        // Another run may have been quicker; when it is done with the link, it says so again.
-        if (runningLinks.contains(link))
-            continue;
-        QQueue<qsizetype>& held = m_held[link];
-        held.dequeue();
-        if (held.isEmpty())
-            m_held.remove(link);
-        return position;
+        const QString& song = m_songs.at(position);
+        if (!runningSongs.contains(song))
+            return position;
+        // Another run was quicker; when it is done with the song, it says so again.
+        m_held[song].prepend(position);
     }
     return std::nullopt;
 }
 
-void StartOrder::linkFreed(const QString& link) {
-    if (const auto held = m_held.constFind(link); held != m_held.constEnd())
-        m_freed.insert(held->head());
+void StartOrder::songFreed(const QString& song) {
+    const auto held = m_held.find(song);
+    if (held == m_held.end())
+        return;
+    m_freed.insert(held->dequeue());
+    if (held->isEmpty())
+        m_held.erase(held);
+}
+
+void StartOrder::releasePutBack() {
+    m_freed.insert(m_elsewhere.cbegin(), m_elsewhere.cend());
+    m_elsewhere.clear();
 }
 
 }  // namespace reelcrate

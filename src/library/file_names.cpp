@@ -3,13 +3,15 @@
 #include "base/text.h"
 
 #include <QDir>
+#include <QRegularExpression>
 
 namespace reelcrate {
 
 namespace {
 
 constexpr qsizetype longestStem = 140;      // characters
-constexpr qsizetype longestFileStem = 180;  // bytes; a name ends at 255
+constexpr qsizetype longestFileStem = 180;  // bytes
+constexpr qsizetype longestFileName = 255;  // bytes
 
 bool beginsVariable(QStringView text, qsizetype at) {
     if (text.at(at) != u'$' || at + 1 == text.size())
@@ -35,6 +37,16 @@ QString safeOutputStem(const QString& title) {
 
 QString spotifyFileStem(const QString& title) {
     return firstBytes(withoutVariables(safeOutputStem(title)), longestFileStem);
+}
+
+QString numberedFileName(const QString& fileName, int number) {
+    // The identifier in brackets by which the song is found again stays behind the title.
+    static const QRegularExpression form(
+        QStringLiteral(R"(^(.*?)((?: \[[^\[\]]*\])?(?:\.[^.]*)?)$)"),
+        QRegularExpression::DotMatchesEverythingOption);
+    const QRegularExpressionMatch parts = form.match(fileName);
+    const QString end = QStringLiteral(" (%1)").arg(number) + parts.captured(2);
+    return firstBytes(parts.captured(1), longestFileName - end.toUtf8().size()) + end;
 }
 
 QString sanitizedFolderName(const QString& eventName, const QString& defaultName) {

@@ -16,6 +16,10 @@ QString safeOutputStem(const QString& title);
 /// that the identifier and the extension fit a name too.
 QString spotifyFileStem(const QString& title);
 
+/// The file name with a number behind the title, for the second song of that name and further ones:
+/// "Track (2) [id].mp3". A title that leaves no room for it is cut.
+QString numberedFileName(const QString& fileName, int number);
+
 /// The event's name without what is unwelcome in a folder's name; `defaultName` (not limited in
 /// any way) stands in for a blank one.
 QString sanitizedFolderName(const QString& eventName, const QString& defaultName);

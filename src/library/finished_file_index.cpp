@@ -3,8 +3,9 @@
 #include "base/text.h"
 #include "library/file_names.h"
 #include "library/finished_files.h"
+#include "library/song_key.h"
 
-#include <QSet>
+#include <QFileInfo>
 
 #include <algorithm>
 #include <filesystem>
@@ -17,12 +18,11 @@ namespace {
 // In characters: a shorter key would match too many others.
 constexpr qsizetype shortestKey = 6;
 constexpr qsizetype shortestKeyAroundAnother = 12;
-static_assert(shortestKey >= KeyIndex::shortest);
 
 QStringList finishedFilesNewestFirst(const QString& folder, DownloadMode mode) {
     std::vector<std::pair<std::filesystem::file_time_type, QString>> files;
     for (const QString& path : regularFiles(folder)) {
-        if (hasFinishedExtension(path, mode))
+        if (hasFinishedExtension(path, mode) && QFileInfo(path).size() > 0)
             files.emplace_back(modificationDate(path), path);
     }
     std::stable_sort(files.begin(), files.end(),
@@ -40,106 +40,90 @@ QStringList loweredNames(const QStringList& paths) {
     return names;
 }
 
-bool isBracket(QChar c) {
-    return c == u'[' || c == u']';
-}
-
-// Every text that stands between an opening bracket and the closing one that comes next.
-QStringList bracketedTexts(const QString& name) {
-    QStringList texts;
-    qsizetype opening = -1;
-    for (qsizetype i = 0; i < name.size(); ++i) {
-        if (!isBracket(name.at(i)))
-            continue;
-        if (name.at(i) == u']' && opening >= 0)
-            texts.append(name.sliced(opening + 1, i - opening - 1));
-        opening = name.at(i) == u'[' ? i : -1;
-    }
-    return texts;
-}
-
-QHash<QString, qsizetype> filesByBracketedText(const QStringList& names) {
-    QHash<QString, qsizetype> files;
-    for (qsizetype file = 0; file < names.size(); ++file) {
-        for (const QString& text : bracketedTexts(names.at(file))) {
-            if (!files.contains(text))
-                files.insert(text, file);
-        }
-    }
-    return files;
-}
-
 std::optional<QString> usableKey(const QString& text) {
     const QString key = normalizedDownloadKey(text);
     return hasAtLeastCharacters(key, shortestKey) ? std::optional(key) : std::nullopt;
 }
 
-// Of files with the same key only the first can be the answer, so that it alone is indexed.
-std::vector<QString> distinctKeys(const QStringList& paths, std::vector<qsizetype>& fileByKey) {
-    std::vector<QString> keys;
-    QSet<QString> seen;
-    for (qsizetype file = 0; file < paths.size(); ++file) {
-        const std::optional<QString> key = usableKey(nameWithoutExtension(paths.at(file)));
-        if (!key || seen.contains(*key))
-            continue;
-        seen.insert(*key);
-        keys.push_back(*key);
-        fileByKey.push_back(file);
+bool isDigitAt(const QString& text, qsizetype at) {
+    return at >= 0 && at < text.size() && text.at(at).isDigit();
+}
+
+/// "track1" does not stand in "track12": that is another track.
+bool containsWhole(const QString& text, const QString& part) {
+    for (qsizetype at = text.indexOf(part); at >= 0; at = text.indexOf(part, at + 1)) {
+        const qsizetype end = at + part.size();
+        const bool cutsBefore = isDigitAt(text, at - 1) && isDigitAt(text, at);
+        const bool cutsBehind = isDigitAt(text, end - 1) && isDigitAt(text, end);
+        if (!cutsBefore && !cutsBehind)
+            return true;
     }
-    return keys;
+    return false;
+}
+
+QString keyOf(const PlaylistEntry& entry) {
+    return songKey(entry.url, entry.playlistItem);
 }
 
 }  // namespace
 
-FinishedFileIndex::FinishedFileIndex(const QString& eventFolder, DownloadMode mode)
-    : m_paths(finishedFilesNewestFirst(eventFolder, mode)),
-      m_loweredNames(loweredNames(m_paths)),
-      m_fileByBracketed(filesByBracketedText(m_loweredNames)),
-      m_keys(distinctKeys(m_paths, m_fileByKey)) {}
+bool titleKeysMatch(const QString& fileKey, const QString& key) {
+    return containsWhole(fileKey, key) ||
+           (hasAtLeastCharacters(key, shortestKeyAroundAnother) && containsWhole(key, fileKey));
+}
+
+FinishedFileIndex::FinishedFileIndex(const QString& eventFolder, DownloadMode mode,
+                                     FileWriters writers)
+    : m_writers(std::move(writers)),
+      m_paths(finishedFilesNewestFirst(eventFolder, mode)),
+      m_loweredNames(loweredNames(m_paths)) {
+    for (const QString& path : std::as_const(m_paths))
+        m_titleKeys.push_back(usableKey(nameWithoutExtension(path)));
+}
 
 std::optional<QString> FinishedFileIndex::existingDownloadedFile(const PlaylistEntry& entry) const {
-    if (m_paths.isEmpty())
-        return std::nullopt;
-    std::optional<qsizetype> file = findByIdentifier(entry);
+    const QString key = keyOf(entry);
+    std::optional<qsizetype> file;
+    if (!m_writers.isEmpty())
+        file = firstFile(key, [&](qsizetype each) { return m_writers.contains(m_paths.at(each)); });
+    if (const auto id = existingDownloadID(entry); !file && id) {
+        const QString needle = u'[' + id->toLower() + u']';
+        file = firstFile(key,
+                         [&](qsizetype each) { return m_loweredNames.at(each).contains(needle); });
+    }
     if (!file)
-        file = findByTitle(entry);
+        file = findByTitle(entry, key);
     return file ? std::optional(m_paths.at(*file)) : std::nullopt;
 }
 
-std::optional<qsizetype> FinishedFileIndex::findByIdentifier(const PlaylistEntry& entry) const {
-    const std::optional<QString> id = existingDownloadID(entry);
-    if (!id)
-        return std::nullopt;
-    const QString lowered = id->toLower();
-    if (std::none_of(lowered.begin(), lowered.end(), isBracket)) {
-        const auto found = m_fileByBracketed.constFind(lowered);
-        return found == m_fileByBracketed.cend() ? std::nullopt : std::optional(*found);
+/// The first of the files that are not known to be another song's.
+std::optional<qsizetype> FinishedFileIndex::firstFile(const QString& key,
+                                                      const IsAnswer& isAnswer) const {
+    for (qsizetype file = 0; file < m_paths.size(); ++file) {
+        if (isAnswer(file) && m_writers.value(m_paths.at(file), key) == key)
+            return file;
     }
-    const QString needle = u'[' + lowered + u']';
-    const auto found = std::find_if(m_loweredNames.begin(), m_loweredNames.end(),
-                                    [&](const QString& name) { return name.contains(needle); });
-    return found == m_loweredNames.end() ? std::nullopt
-                                         : std::optional(found - m_loweredNames.begin());
+    return std::nullopt;
 }
 
-std::optional<qsizetype> FinishedFileIndex::findByTitle(const PlaylistEntry& entry) const {
-    QStringList keys;
+std::optional<qsizetype> FinishedFileIndex::findByTitle(const PlaylistEntry& entry,
+                                                        const QString& key) const {
+    if (entry.title.trimmed().isEmpty())
+        return std::nullopt;
+    QStringList titles;
     for (const QString& text : {entry.title, safeOutputStem(entry.title)}) {
-        const std::optional<QString> key = usableKey(text);
-        if (key && !keys.contains(*key))
-            keys.append(*key);
+        const std::optional<QString> title = usableKey(text);
+        if (title && !titles.contains(*title))
+            titles.append(*title);
     }
-    std::optional<std::size_t> first;
-    const auto consider = [&](std::optional<std::size_t> found) {
-        if (found && (!first || *found < *first))
-            first = found;
-    };
-    for (const QString& key : std::as_const(keys)) {
-        consider(m_keys.firstContaining(key));
-        if (hasAtLeastCharacters(key, shortestKeyAroundAnother))
-            consider(m_keys.firstContainedIn(key));
-    }
-    return first ? std::optional(m_fileByKey[*first]) : std::nullopt;
+    if (titles.isEmpty())
+        return std::nullopt;
+    return firstFile(key, [&](qsizetype file) {
+        const std::optional<QString>& fileTitle = m_titleKeys[static_cast<std::size_t>(file)];
+        return fileTitle && std::any_of(titles.begin(), titles.end(), [&](const QString& title) {
+                   return titleKeysMatch(*fileTitle, title);
+               });
+    });
 }
 
 }  // namespace reelcrate

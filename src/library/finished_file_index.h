@@ -1,6 +1,5 @@
 #pragma once
 
-#include "library/key_index.h"
 #include "records/download_mode.h"
 #include "records/media_records.h"
 
@@ -8,31 +7,41 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <optional>
 #include <vector>
 
 /// Which songs an event folder already holds, as it was at one moment. Made by one walk through the
-/// folder; what an entry costs afterwards does not grow with the number of files. Immutable once
-/// made, then for any thread; a folder that cannot be read holds nothing.
+/// folder; immutable once made, then for any thread. A folder that cannot be read holds nothing.
 namespace reelcrate {
+
+/// Which song wrote a file, by its key, for the files of which that is known.
+using FileWriters = QHash<QString, QString>;
 
 class FinishedFileIndex {
 public:
-    FinishedFileIndex(const QString& eventFolder, DownloadMode mode);
+    FinishedFileIndex(const QString& eventFolder, DownloadMode mode, FileWriters writers = {});
 
-    /// The absolute path of the newest file with the entry's identifier in its name, or else of the
-    /// newest whose name matches the entry's title. Of files with the same date the first by path.
+    /// The absolute path of the file that the same song is known to have written, or of the newest
+    /// with the entry's identifier in its name, or else of the newest whose name matches the
+    /// entry's title. A file that is known to be another song's is none of these. Of files with the
+    /// same date the first by path.
     std::optional<QString> existingDownloadedFile(const PlaylistEntry& entry) const;
 
 private:
-    std::optional<qsizetype> findByIdentifier(const PlaylistEntry& entry) const;
-    std::optional<qsizetype> findByTitle(const PlaylistEntry& entry) const;
+    using IsAnswer = std::function<bool(qsizetype file)>;
 
-    QStringList m_paths;                          // newest first; the other members name files by
-    QStringList m_loweredNames;                   // their position in this list
-    QHash<QString, qsizetype> m_fileByBracketed;  // the first file with the text in brackets
-    std::vector<qsizetype> m_fileByKey;           // of the key at this position in m_keys
-    KeyIndex m_keys;
+    std::optional<qsizetype> firstFile(const QString& key, const IsAnswer& isAnswer) const;
+    std::optional<qsizetype> findByTitle(const PlaylistEntry& entry, const QString& key) const;
+
+    FileWriters m_writers;
+    QStringList m_paths;         // newest first; the other members name files by
+    QStringList m_loweredNames;  // their position in this list
+    std::vector<std::optional<QString>> m_titleKeys;
 };
+
+/// Whether one of two comparison keys of titles stands in the other such that they may be the same
+/// title: not if that would cut a number in two.
+bool titleKeysMatch(const QString& fileKey, const QString& key);
 
 }  // namespace reelcrate

@@ -6,7 +6,6 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
-#include <QSet>
 
 #include <algorithm>
 #include <array>
@@ -79,11 +78,13 @@ QString filtered(const QString& text, Keeps keeps) {
 
 QStringList regularFiles(const QString& folder) {
     QStringList paths;
-    QDirIterator files(QFileInfo(folder).absoluteFilePath(),
-                       QDir::Files | QDir::Hidden | QDir::NoSymLinks, QDirIterator::Subdirectories);
+    const QString top = QFileInfo(folder).absoluteFilePath();
+    const QString unfinished = top + u'/' + workFolderName + u'/';
+    QDirIterator files(top, QDir::Files | QDir::Hidden | QDir::NoSymLinks,
+                       QDirIterator::Subdirectories);
     while (files.hasNext()) {
         const QString path = files.next();
-        if (!hasAnyExtension(path, unfinishedExtensions))
+        if (!hasAnyExtension(path, unfinishedExtensions) && !path.startsWith(unfinished))
             paths.append(path);
     }
     std::sort(paths.begin(), paths.end());
@@ -110,22 +111,6 @@ bool hasExtension(const QString& path, const QString& extension) {
 QString nameWithoutExtension(const QString& path) {
     const QStringView name = lastComponent(path);
     return name.first(extensionDot(name)).toString();
-}
-
-QString bestOutputPath(const QStringList& beforeFiles, const QString& eventFolder) {
-    const QSet<QString> before(beforeFiles.begin(), beforeFiles.end());
-    std::optional<fs::file_time_type> newestDate;
-    QString newest = eventFolder;
-    for (const QString& path : regularFiles(eventFolder)) {
-        if (before.contains(path))
-            continue;
-        const fs::file_time_type date = modificationDate(path);
-        if (!newestDate || date > *newestDate) {
-            newestDate = date;
-            newest = path;
-        }
-    }
-    return newest;
 }
 
 QString normalizedDownloadKey(const QString& text) {

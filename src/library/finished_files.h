@@ -3,6 +3,7 @@
 #include "records/download_mode.h"
 #include "records/media_records.h"
 
+#include <QLatin1String>
 #include <QString>
 #include <QStringList>
 
@@ -14,9 +15,12 @@
 /// call. What cannot be read is not listed, or counts as infinitely old; nothing else fails.
 namespace reelcrate {
 
+/// The folder inside an event folder in which downloads work.
+inline constexpr QLatin1String workFolderName{".reelcrate"};
+
 /// The absolute paths of all finished files in the folder and below it, hidden ones included,
-/// sorted by path. Symbolic links are neither listed nor followed; the parts of downloads that are
-/// not finished (".part", ".ytdl") are not listed.
+/// sorted by path. Symbolic links are neither listed nor followed; what downloads are at work on is
+/// not listed, nor are the parts that earlier ones left (".part", ".ytdl").
 QStringList regularFiles(const QString& folder);
 
 /// When the file's content was last changed; the earliest possible time when that is unknown.
@@ -31,11 +35,6 @@ bool hasExtension(const QString& path, const QString& extension);
 
 /// The last component of a path without its extension; all of it when its only dot leads.
 QString nameWithoutExtension(const QString& path);
-
-/// The newest of the files that are in the folder and not in `beforeFiles`; the folder itself when
-/// there is none. Downloads side by side can take one another's file for theirs: it is only for
-/// those that name no file themselves.
-QString bestOutputPath(const QStringList& beforeFiles, const QString& eventFolder);
 
 /// The letters and digits of the text outside square brackets, without case and accents: what
 /// remains of a title in whatever file name it was turned into.

@@ -25,7 +25,18 @@ QueueStore::Fields changedFields(const DownloadItem& before, const DownloadItem&
     compare(QueueStore::IsResolvingInfo, &DownloadItem::isResolvingInfo);
     compare(QueueStore::Progress, &DownloadItem::progress);
     compare(QueueStore::HasRealProgress, &DownloadItem::hasRealProgress);
+    compare(QueueStore::PlaylistItem, &DownloadItem::playlistItem);
+    compare(QueueStore::Reading, &DownloadItem::reading);
     return fields;
+}
+
+/// Adds to a count; what there is none of is not in the table.
+template <typename Key>
+void change(QHash<Key, qsizetype>& counts, const Key& key, qsizetype difference) {
+    qsizetype& count = counts[key];
+    count += difference;
+    if (count == 0)
+        counts.remove(key);
 }
 
 }  // namespace
@@ -121,7 +132,7 @@ bool QueueStore::update(const QUuid& id, const Change& change) {
     const Fields fields = changedFields(m_rows.at(index), row);
     if (!fields)
         return true;
-    if (fields & (Status | Url)) {
+    if (fields & (Status | Url | PlaylistItem | Reading)) {
         count(m_rows.at(index), -1);
         count(row, 1);
     }
@@ -132,10 +143,9 @@ bool QueueStore::update(const QUuid& id, const Change& change) {
 
 void QueueStore::count(const DownloadItem& row, int difference) {
     m_statusCounts[row.status] += difference;
-    qsizetype& sameUrl = m_urlCounts[row.url];
-    sameUrl += difference;
-    if (sameUrl == 0)
-        m_urlCounts.remove(row.url);
+    change(m_urlCounts, row.url, difference);
+    if (row.reading == LinkReading::song)
+        change(m_songCounts, std::pair(row.url, row.playlistItem), difference);
 }
 
 void QueueStore::indexFrom(qsizetype first) {

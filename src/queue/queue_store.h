@@ -9,6 +9,7 @@
 #include <QSet>
 
 #include <functional>
+#include <utility>
 
 /// The rows of the queue, in display order, and their only mutator. Rows are found by id in
 /// constant time. Main thread. A row that is not there is absent or left alone, never an error.
@@ -30,6 +31,8 @@ public:
         IsResolvingInfo = 1 << 8,
         Progress = 1 << 9,
         HasRealProgress = 1 << 10,
+        PlaylistItem = 1 << 11,
+        Reading = 1 << 12,
     };
     Q_DECLARE_FLAGS(Fields, Field)
 
@@ -50,6 +53,11 @@ public:
 
     /// How many rows have exactly this link, without a walk.
     qsizetype countWithUrl(const QString& url) const { return m_urlCounts.value(url); }
+
+    /// How many rows have been read and are exactly this song, without a walk.
+    qsizetype countOfSong(const QString& url, int playlistItem) const {
+        return m_songCounts.value({url, playlistItem});
+    }
 
     void append(const QList<DownloadItem>& rows);
 
@@ -79,6 +87,7 @@ private:
     QHash<QUuid, qsizetype> m_indexes;
     QHash<QueueStatus, qsizetype> m_statusCounts;
     QHash<QString, qsizetype> m_urlCounts;
+    QHash<std::pair<QString, int>, qsizetype> m_songCounts;
 };
 
 Q_DECLARE_OPERATORS_FOR_FLAGS(QueueStore::Fields)

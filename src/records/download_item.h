@@ -15,6 +15,13 @@ QUuid newRowId();
 /// The standard upper-case text form of an identifier, without braces.
 QString idText(const QUuid& id);
 
+/// What reading a row's link has told so far.
+enum class LinkReading {
+    open,      ///< nothing: the title, if there is one, is a stand-in
+    song,      ///< the row is one song, under its own title
+    repeated,  ///< every song behind the link has a row of its own already
+};
+
 struct DownloadItem {
     QUuid id = newRowId();
     QString url;
@@ -28,6 +35,8 @@ struct DownloadItem {
     bool isResolvingInfo = false;
     double progress = 0.0;         ///< 0 to 1
     bool hasRealProgress = false;  ///< the shown progress is the tool's own percentage
+    int playlistItem = 0;  ///< which of several media on one page, from 1; 0: all that is there
+    LinkReading reading = LinkReading::open;
 
     friend bool operator==(const DownloadItem&, const DownloadItem&) = default;
 };

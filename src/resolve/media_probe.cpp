@@ -1,6 +1,5 @@
 #include "resolve/media_probe.h"
 
-#include "resolve/media_probe_output.h"
 #include "tools/shell_runner.h"
 #include "tools/tool_discovery.h"
 
@@ -16,25 +15,24 @@ constexpr double playlistLimitSeconds = 90;
 MediaProbe::MediaProbe(ShellRunner& shell, const ToolDiscovery& discovery)
     : m_shell(shell), m_discovery(discovery) {}
 
-QString MediaProbe::tool() const {
+ProbeTool MediaProbe::tool() const {
     const QString command = QStringLiteral("yt-dlp");
-    return m_discovery.toolPath(command).value_or(command);
+    return {m_discovery.toolPath(command).value_or(command), m_discovery.toolSearchPath()};
 }
 
-std::optional<MediaInfo> MediaProbe::fetchMediaInfo(const QString& link) const {
+LinkProbe MediaProbe::fetchMediaInfo(const QString& link, int playlistItem) const {
     const CommandResult result =
-        m_shell.runShellSync(mediaInfoCommand(tool(), link), mediaInfoLimitSeconds);
-    if (result.status != 0)
-        return std::nullopt;
-    return mediaInfoFromOutput(result.output, link);
+        m_shell.runShellApart(mediaInfoCommand(tool(), link, playlistItem), mediaInfoLimitSeconds);
+    return {mediaFromOutput(result.output), result.status == CommandResult::timedOut,
+            result.status != 0, result.errors};
 }
 
-QList<PlaylistEntry> MediaProbe::fetchYouTubePlaylistEntries(const QString& link) const {
+ListingProbe MediaProbe::fetchPlaylistEntries(const QString& link, SourceType source) const {
     const CommandResult result =
-        m_shell.runShellSync(playlistCommand(tool(), link), playlistLimitSeconds);
+        m_shell.runShellApart(playlistCommand(tool(), link), playlistLimitSeconds);
     if (result.status != 0)
-        return {};
-    return playlistEntriesFromOutput(result.output);
+        return {{}, result.errors};
+    return {listingFromOutput(result.output, link, source), result.errors};
 }
 
 }  // namespace reelcrate

@@ -1,12 +1,12 @@
 #include "resolve/media_probe_output.h"
 
-#include "base/text.h"
 #include "queue/links.h"
 #include "resolve/media_values.h"
 #include "tools/shell_quote.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QJsonObject>
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -15,14 +15,15 @@ namespace reelcrate {
 
 namespace {
 
+// One line of JSON for each of the media: a title may hold line breaks, and a configuration file of
+// the user's may print lines of its own.
+constexpr QLatin1String mark{"RCR_MEDIA:"};
 constexpr QLatin1String mediaInfoOptions{
-    " --no-update --skip-download --no-warnings --no-playlist --print '%(title)s' --print "
-    "'%(duration_string)s' --print '%(thumbnail)s' --print '%(webpage_url)s' -- "};
+    " --no-update --skip-download --no-warnings --no-playlist --print "
+    "'RCR_MEDIA:%(.{title,duration_string,duration,thumbnail,webpage_url,playlist_index,"
+    "n_entries})j'"};
 constexpr QLatin1String playlistOptions{
-    " --no-update --flat-playlist --dump-single-json --no-warnings --yes-playlist -- "};
-
-// What yt-dlp prints for a field that it does not have.
-constexpr QLatin1String missingField{"NA"};
+    " --no-update --flat-playlist --dump-single-json --no-warnings --yes-playlist"};
 
 bool isWebAddress(const QString& line) {
     static const QRegularExpression form(
@@ -31,88 +32,102 @@ bool isWebAddress(const QString& line) {
     return form.match(line).hasMatch();
 }
 
-bool isDuration(const QString& line) {
-    static const QRegularExpression form(
-        QRegularExpression::anchoredPattern(QStringLiteral("[0-9]+(?::[0-9]+){0,2}")));
-    return line == missingField || form.match(line).hasMatch();
-}
-
-bool isThumbnail(const QString& line) {
-    return line == missingField || isWebAddress(line);
-}
-
-// The index of the duration's line. A title may hold line breaks, printed as they are, so that the
-// fields stand further down than on the lines that they were asked for; they are told by their
-// form.
-qsizetype durationLine(const QStringList& lines) {
-    for (qsizetype i = 1; i + 2 < lines.size(); ++i) {
-        if (isDuration(lines.at(i)) && isThumbnail(lines.at(i + 1)) &&
-            isWebAddress(lines.at(i + 2)))
-            return i;
+// An address of the site's video is made from its identifier; elsewhere an entry without an address
+// is one of the media of the listed page.
+PlaylistEntry entryFrom(const QJsonObject& listed, int number, const QString& link,
+                        SourceType source) {
+    PlaylistEntry entry{.url = stringValue(listed.value(u"webpage_url")),
+                        .source = source,
+                        .title = stringValue(listed.value(u"title")),
+                        .duration = durationText(listed),
+                        .thumbnailURL = thumbnailURL(listed)};
+    if (entry.url.isEmpty())
+        entry.url = stringValue(listed.value(u"url"));
+    if (!entry.url.startsWith(u"http")) {
+        const QString id = stringValue(listed.value(u"id"));
+        const QString identifier = id.isEmpty() ? entry.url : id;
+        if (source == SourceType::youtube) {
+            entry.url = identifier.isEmpty() ? QString() : watchPagePrefix + identifier;
+        } else {
+            entry.url = link;
+            entry.playlistItem = number;
+        }
     }
-    return 1;
+    entry.isRead = !entry.title.isEmpty();
+    return entry;
 }
 
-QString presentField(const QString& field) {
-    return field == missingField ? QString() : field;
+MediaInfo mediaFrom(const QJsonObject& printed) {
+    const QString page = stringValue(printed.value(u"webpage_url"));
+    return {.title = stringValue(printed.value(u"title")).simplified(),
+            .duration = durationText(printed),
+            .thumbnailURL = stringValue(printed.value(u"thumbnail")),
+            .resolvedURL = isWebAddress(page) ? page : QString(),
+            .playlistIndex = printed.value(u"playlist_index").toInt()};
 }
 
-QString entryAddress(const QJsonObject& entry) {
-    QString address = stringValue(entry.value(u"webpage_url"));
-    if (address.isEmpty())
-        address = stringValue(entry.value(u"url"));
-    if (address.startsWith(u"http"))
-        return address;
-    const QString id = stringValue(entry.value(u"id"));
-    const QString& identifier = id.isEmpty() ? address : id;
-    return identifier.isEmpty() ? QString() : watchPagePrefix + identifier;
+/// A configuration file of the user's may print lines of its own around the one of the listing.
+QJsonObject listingIn(const QString& output) {
+    for (const QString& text : QStringList(output) + output.split(u'\n')) {
+        const QJsonObject object = QJsonDocument::fromJson(text.toUtf8()).object();
+        if (object.value(u"entries").isArray())
+            return object;
+    }
+    return {};
+}
+
+QString toolWords(const ProbeTool& tool) {
+    return QStringLiteral("PATH=") + shellQuoted(tool.searchPath) + QStringLiteral(":$PATH ") +
+           shellQuoted(tool.path);
 }
 
 }  // namespace
 
-QString mediaInfoCommand(const QString& tool, const QString& link) {
-    return shellQuoted(tool) + mediaInfoOptions + shellQuoted(link);
+QString mediaInfoCommand(const ProbeTool& tool, const QString& link, int playlistItem) {
+    const QString item =
+        playlistItem > 0 ? QStringLiteral(" --playlist-items %1").arg(playlistItem) : QString();
+    return toolWords(tool) + mediaInfoOptions + item + QStringLiteral(" -- ") + shellQuoted(link);
 }
 
-std::optional<MediaInfo> mediaInfoFromOutput(const QString& output, const QString& link) {
-    QStringList lines = trimmedLines(output);
-    lines.removeAll(QString());
-    if (lines.isEmpty())
-        return std::nullopt;
-    const qsizetype duration = durationLine(lines);
-    const QString page = lines.value(duration + 2);
-    return MediaInfo{.title = lines.first(duration).join(u' '),
-                     .duration = presentField(lines.value(duration)),
-                     .thumbnailURL = presentField(lines.value(duration + 1)),
-                     .resolvedURL = isWebAddress(page) ? page : link};
-}
-
-QString playlistCommand(const QString& tool, const QString& link) {
-    return shellQuoted(tool) + playlistOptions + shellQuoted(link);
-}
-
-QList<PlaylistEntry> playlistEntriesFromOutput(const QString& output) {
-    const QJsonDocument document = QJsonDocument::fromJson(output.toUtf8());
-    const QJsonArray listed = document.object().value(u"entries").toArray();
-    const bool allAreObjects = std::all_of(
-        listed.begin(), listed.end(), [](const QJsonValue& value) { return value.isObject(); });
-    if (!allAreObjects)
-        return {};
-
-    QList<PlaylistEntry> entries;
-    for (const QJsonValue value : listed) {
-        const QJsonObject entry = value.toObject();
-        const QString title = stringValue(entry.value(u"title"));
-        const QString address = entryAddress(entry);
-        if (title.isEmpty() || address.isEmpty())
+ProbedMedia mediaFromOutput(const QString& output) {
+    ProbedMedia probed;
+    for (const QString& line : output.split(u'\n')) {
+        if (!line.startsWith(mark))
             continue;
-        entries.append(PlaylistEntry{.url = address,
-                                     .source = SourceType::youtube,
-                                     .title = title,
-                                     .duration = durationText(entry),
-                                     .thumbnailURL = thumbnailURL(entry)});
+        const QJsonDocument document =
+            QJsonDocument::fromJson(QStringView(line).sliced(mark.size()).toUtf8());
+        if (!document.isObject())
+            continue;
+        const QJsonObject printed = document.object();
+        probed.media.append(mediaFrom(printed));
+        probed.counted = std::max<qsizetype>(probed.counted, printed.value(u"n_entries").toInt());
     }
-    return entries;
+    probed.counted = std::max(probed.counted, probed.media.size());
+    return probed;
+}
+
+QString playlistCommand(const ProbeTool& tool, const QString& link) {
+    return toolWords(tool) + playlistOptions + QStringLiteral(" -- ") + shellQuoted(link);
+}
+
+Listing listingFromOutput(const QString& output, const QString& link, SourceType source) {
+    const QJsonObject document = listingIn(output);
+    const QJsonArray listed = document.value(u"entries").toArray();
+    Listing listing;
+    int number = 0;
+    for (const QJsonValue value : listed) {
+        ++number;
+        if (!value.isObject())
+            continue;
+        const PlaylistEntry entry = entryFrom(value.toObject(), number, link, source);
+        if (!entry.url.isEmpty())
+            listing.entries.append(entry);
+    }
+    const auto counted =
+        std::max<qsizetype>(listed.size(), document.value(u"playlist_count").toInt());
+    if (!listing.entries.isEmpty() && listing.entries.size() < counted)
+        listing.cut = CutListing{.listed = listing.entries.size(), .counted = counted};
+    return listing;
 }
 
 }  // namespace reelcrate

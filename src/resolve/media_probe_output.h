@@ -7,22 +7,42 @@
 
 #include <optional>
 
-/// The command lines that ask yt-dlp what a link stands for, and the readers of what it prints.
-/// Pure functions; any thread. Output that cannot be read gives nothing, or an empty list.
+/// The command lines that ask yt-dlp what a link stands for, and the readers of what it prints on
+/// standard output. Pure functions; any thread. Output that cannot be read gives nothing, or an
+/// empty list.
 namespace reelcrate {
 
-/// Asks for title, duration, thumbnail and page address of one link. `tool` is a path or a name.
-QString mediaInfoCommand(const QString& tool, const QString& link);
+/// What the command lines are made with.
+struct ProbeTool {
+    QString path;        ///< or a name
+    QString searchPath;  ///< colon-separated folders, put before the inherited ones
+};
 
-/// Reads the answer to `mediaInfoCommand`. `link` is what was asked about; it stands in where the
-/// tool reports no web address of its own.
-std::optional<MediaInfo> mediaInfoFromOutput(const QString& output, const QString& link);
+/// Asks for title, duration, thumbnail and page address of each of the media behind a link, or of
+/// one of them, counted from 1.
+QString mediaInfoCommand(const ProbeTool& tool, const QString& link, int playlistItem = 0);
 
-/// Asks for the songs of a playlist without reading each of them. `tool` is a path or a name.
-QString playlistCommand(const QString& tool, const QString& link);
+/// What was printed about the media behind a link.
+struct ProbedMedia {
+    QList<MediaInfo> media;  ///< in the order of the page
+    qsizetype counted = 0;   ///< how many there are, as far as the tool said
+};
 
-/// Reads the answer to `playlistCommand`, in playlist order; entries without a title or without an
-/// address are left out.
-QList<PlaylistEntry> playlistEntriesFromOutput(const QString& output);
+/// Reads the answer to `mediaInfoCommand`. Other lines, which a configuration file of the user's
+/// may make the tool print, are passed over.
+ProbedMedia mediaFromOutput(const QString& output);
+
+/// Asks for the songs of a playlist without reading each of them.
+QString playlistCommand(const ProbeTool& tool, const QString& link);
+
+/// What a listing holds: entries in its order, and how many the site counts.
+struct Listing {
+    QList<PlaylistEntry> entries;
+    std::optional<CutListing> cut;  ///< when the site counts more than are listed
+};
+
+/// Reads the answer to `playlistCommand` for a link of this source. An entry without a title has
+/// still to be read. One that is not there any more (null) is left out, and counts as not listed.
+Listing listingFromOutput(const QString& output, const QString& link, SourceType source);
 
 }  // namespace reelcrate

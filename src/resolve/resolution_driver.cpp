@@ -5,10 +5,12 @@
 #include "base/text.h"
 #include "queue/links.h"
 #include "queue/queue_store.h"
+#include "resolve/link_reading.h"
 #include "resolve/media_probe.h"
 #include "resolve/spotify_expansion.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace reelcrate {
@@ -41,24 +43,27 @@ bool containsAny(const QString& text, const QStringList& markers) {
                        [&](const QString& marker) { return lowered.contains(marker); });
 }
 
-QueueResolution failed(const QString& text) {
-    return {{}, text};
-}
-
-QueueResolution oneEntry(const MediaInfo& info, const DownloadItem& item) {
-    const QString& url = info.resolvedURL.isEmpty() ? item.url : info.resolvedURL;
-    return {{PlaylistEntry{url, item.source, info.title, info.duration, info.thumbnailURL}},
-            std::nullopt};
+/// A run has the row: what reading it yields comes too late.
+bool isTaken(const DownloadItem& row) {
+    return row.status != QueueStatus::waiting && row.status != QueueStatus::failed;
 }
 
 DownloadItem rowFor(const PlaylistEntry& entry, const std::optional<QString>& downloaded) {
     DownloadItem row;
     row.url = entry.url;
+    row.playlistItem = entry.playlistItem;
     row.source = entry.source;
     row.title = entry.title;
     row.duration = entry.duration;
     row.thumbnailURL = entry.thumbnailURL;
-    if (downloaded) {
+    row.reading = entry.isRead ? LinkReading::song : LinkReading::open;
+    if (entry.failure) {
+        row.status = QueueStatus::failed;
+        row.detail = *entry.failure;
+    } else if (!entry.isRead) {
+        row.isResolvingInfo = true;
+        row.detail = QStringLiteral("Loading info...");
+    } else if (downloaded) {
         row.status = QueueStatus::complete;
         row.detail = QStringLiteral("Already Downloaded");
         row.outputPath = *downloaded;
@@ -85,17 +90,23 @@ QString summaryOfNewRows(qsizetype total, qsizetype found) {
     return QStringLiteral("Added %1 song").arg(total) + pluralSuffix(total);
 }
 
+qsizetype countWith(const QList<DownloadItem>& rows, QueueStatus status) {
+    return std::count_if(rows.begin(), rows.end(),
+                         [status](const DownloadItem& row) { return row.status == status; });
+}
+
 }  // namespace
 
 ResolutionDriver::ResolutionDriver(QueueStore& queue, const MediaProbe& probe,
-                                   const SpotifyExpansion& spotify,
-                                   std::function<FindDownloaded()> lookAtDownloads,
+                                   const SpotifyExpansion& spotify, const EventLibrary& library,
+                                   std::function<EventTarget()> eventTarget,
                                    BackgroundTasks& background, MainQueue& mainQueue,
                                    ResolutionTiming timing)
     : m_queue(queue),
       m_probe(probe),
       m_spotify(spotify),
-      m_lookAtDownloads(std::move(lookAtDownloads)),
+      m_library(library),
+      m_eventTarget(std::move(eventTarget)),
       m_background(background),
       m_mainQueue(mainQueue),
       m_timing(timing) {}
@@ -113,15 +124,27 @@ void ResolutionDriver::resolveBatch(const QList<DownloadItem>& items, const std:
         const QueueResolution resolution = resolveQueueEntryWithRetries(item, stop);
         if (!pauseFor(stop, m_timing.minimumPerLink - (Clock::now() - start)))
             return;
-        m_mainQueue.post([this, item, resolution] {
-            if (const qsizetype index = m_queue.indexOf(item.id); index >= 0)
-                applyResolution(resolution, item, index);
-        });
+        m_mainQueue.post([this, item, resolution] { lookWhatIsThere(resolution, item); });
     }
+}
+
+/// Where the event's folder is, the main thread knows; but it does not walk through it.
+void ResolutionDriver::lookWhatIsThere(const QueueResolution& resolution,
+                                       const DownloadItem& item) {
+    m_background.run([this, resolution, item, target = m_eventTarget()](const std::stop_token&) {
+        const FilesThatAreThere files =
+            m_library.existingDownloadedFiles(resolution.entries, target);
+        m_mainQueue.post([this, resolution, item, files] {
+            if (const qsizetype index = m_queue.indexOf(item.id); index >= 0)
+                applyResolution(resolution, files, item, index);
+        });
+    });
 }
 
 void ResolutionDriver::showReading(const DownloadItem& item) {
     m_queue.update(item.id, [&](DownloadItem& row) {
+        if (isTaken(row))
+            return;
         row.detail = playlistLike(item.url, item.source)
                          ? QStringLiteral("Reading playlist songs...")
                          : QStringLiteral("Loading info for ") + videoID(item.url);
@@ -149,62 +172,96 @@ QueueResolution ResolutionDriver::resolveOnce(const DownloadItem& item) const {
     if (item.source == SourceType::spotify)
         return m_spotify.resolveSpotifyEntries(item.url);
 
-    const bool fromVideoSite = item.source == SourceType::youtube;
-    if (fromVideoSite && isYouTubePlaylistLink(item.url)) {
-        QList<PlaylistEntry> entries = m_probe.fetchYouTubePlaylistEntries(item.url);
-        if (!entries.isEmpty())
-            return {std::move(entries), std::nullopt};
+    const bool isOneOfSeveral = item.playlistItem > 0;
+    QString remarks;
+    const auto listed = [&] {
+        const ListingProbe probe = m_probe.fetchPlaylistEntries(item.url, item.source);
+        remarks += probe.errors;
+        QueueResolution resolution = resolutionOfListing(probe.found);
+        resolution.remarks = remarks;
+        return resolution;
+    };
+    if (!isOneOfSeveral && item.source == SourceType::youtube && isYouTubePlaylistLink(item.url)) {
+        if (QueueResolution resolution = listed(); !resolution.entries.isEmpty())
+            return resolution;
     }
-    if (const auto info = m_probe.fetchMediaInfo(item.url))
-        return oneEntry(*info, item);
-    return failed(fromVideoSite
-                      ? QStringLiteral("Could not load the YouTube title. Check that the video or "
-                                       "playlist is public.")
-                      : QStringLiteral("Could not load link info. Check that the link is public."));
+    const LinkProbe probe = m_probe.fetchMediaInfo(item.url, item.playlistItem);
+    remarks += probe.errors;
+    // Each of many songs takes its time to be looked at; a listing does not look at them.
+    if (probe.tookTooLong && !isOneOfSeveral) {
+        if (QueueResolution resolution = listed(); !resolution.entries.isEmpty())
+            return resolution;
+    }
+    QueueResolution resolution = resolutionOfMedia(item, probe.found, probe.isPartial);
+    resolution.remarks = remarks;
+    return resolution;
 }
 
 void ResolutionDriver::showRetry(const QUuid& id, int failedAttempt) const {
-    const bool there = m_queue.update(id, [&](DownloadItem& row) {
+    const DownloadItem* found = m_queue.find(id);
+    if (found == nullptr || isTaken(*found))
+        return;
+    m_queue.update(id, [&](DownloadItem& row) {
         row.isResolvingInfo = true;
         row.status = QueueStatus::waiting;
         row.detail = QStringLiteral("Temporary read issue. Trying again %1 of %2...")
                          .arg(failedAttempt + 1)
                          .arg(maxMetadataResolveAttempts);
     });
-    if (there)
-        Q_EMIT summaryChanged(QStringLiteral("Trying link again"));
+    Q_EMIT summaryChanged(QStringLiteral("Trying link again"));
 }
 
-/// The entries whose link no other row has. One resolution may hold a link twice; both stay.
-QList<PlaylistEntry> ResolutionDriver::newEntries(const QueueResolution& resolution,
-                                                  qsizetype index) const {
-    const QString& ownUrl = m_queue.rows().at(index).url;
-    QList<PlaylistEntry> entries;
-    for (const PlaylistEntry& entry : resolution.entries) {
-        const qsizetype own = entry.url == ownUrl ? 1 : 0;
-        if (m_queue.countWithUrl(entry.url) == own)
-            entries.append(entry);
-    }
-    return entries;
+/// Whether no other row than this one is there for the entry. Of two rows with one link, the one
+/// that is read first is its.
+bool ResolutionDriver::isNew(const PlaylistEntry& entry, const DownloadItem& row) const {
+    const bool isOwn = row.reading == LinkReading::song && entry.url == row.url &&
+                       entry.playlistItem == row.playlistItem;
+    return m_queue.countOfSong(entry.url, entry.playlistItem) == (isOwn ? 1 : 0);
 }
 
-void ResolutionDriver::applyResolution(const QueueResolution& resolution, const DownloadItem& item,
+void ResolutionDriver::applyResolution(const QueueResolution& resolution,
+                                       const FilesThatAreThere& files, const DownloadItem& item,
                                        qsizetype index) {
-    const QList<PlaylistEntry> entries = newEntries(resolution, index);
-    if (entries.isEmpty()) {
-        keepRow(resolution, item, index);
+    if (!resolution.remarks.trimmed().isEmpty())
+        Q_EMIT logged(QStringLiteral("Reading %1:\n").arg(item.url) + resolution.remarks);
+    const DownloadItem row = m_queue.rows().at(index);
+    if (isTaken(row)) {
+        m_queue.update(row.id, [](DownloadItem& taken) { taken.isResolvingInfo = false; });
         return;
     }
-    const FindDownloaded findDownloaded = m_lookAtDownloads();
+    // One resolution may hold a link twice; both stay.
     QList<DownloadItem> rows;
-    rows.reserve(entries.size());
-    qsizetype found = 0;
-    for (const PlaylistEntry& entry : entries) {
-        rows.append(rowFor(entry, findDownloaded(entry)));
-        found += rows.last().status == QueueStatus::complete ? 1 : 0;
+    for (qsizetype i = 0; i < resolution.entries.size(); ++i) {
+        if (isNew(resolution.entries.at(i), row))
+            rows.append(rowFor(resolution.entries.at(i), files.value(i)));
     }
+    if (rows.isEmpty())
+        keepRow(resolution, item, index);
+    else
+        replaceRow(rows, resolution, index);
+    QList<QUuid> newRows;
+    for (const DownloadItem& added : std::as_const(rows))
+        newRows.append(added.id);
+    Q_EMIT rowRead(row.id, newRows);
+}
+
+void ResolutionDriver::replaceRow(const QList<DownloadItem>& rows,
+                                  const QueueResolution& resolution, qsizetype index) {
+    const QString link = m_queue.rows().at(index).url;
     m_queue.replace(index, rows);
-    Q_EMIT summaryChanged(summaryOfNewRows(rows.size(), found));
+    QString summary = summaryOfNewRows(rows.size(), countWith(rows, QueueStatus::complete));
+    if (const qsizetype failed = countWith(rows, QueueStatus::failed); failed > 0)
+        summary += QStringLiteral("; %1 could not be read").arg(failed);
+    if (resolution.cut) {
+        summary += QStringLiteral("; ") + cutText(*resolution.cut);
+        Q_EMIT logged(link + QStringLiteral(": ") + cutText(*resolution.cut));
+    }
+    Q_EMIT summaryChanged(summary);
+
+    QList<DownloadItem> unread;
+    std::copy_if(rows.begin(), rows.end(), std::back_inserter(unread),
+                 [](const DownloadItem& row) { return row.isResolvingInfo; });
+    resolveInfo(unread);
 }
 
 void ResolutionDriver::keepRow(const QueueResolution& resolution, const DownloadItem& item,
@@ -213,6 +270,7 @@ void ResolutionDriver::keepRow(const QueueResolution& resolution, const Download
     m_queue.update(m_queue.rows().at(index).id, [&](DownloadItem& row) {
         row.isResolvingInfo = false;
         row.status = isFailure ? QueueStatus::failed : QueueStatus::waiting;
+        row.reading = isFailure ? LinkReading::open : LinkReading::repeated;
         row.title = titleOfUnreadRow(item);
         row.detail =
             resolution.failure.value_or(QStringLiteral("Those songs are already in the queue."));
@@ -229,6 +287,7 @@ void ResolutionDriver::retryResolveInfo(const DownloadItem& item) {
     const bool there = m_queue.update(item.id, [](DownloadItem& row) {
         row.status = QueueStatus::waiting;
         row.isResolvingInfo = true;
+        row.reading = LinkReading::open;
         row.detail = QStringLiteral("Reading link again...");
         row.progress = 0.0;
     });

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/event_library.h"
 #include "records/download_item.h"
 #include "records/media_records.h"
 
@@ -34,8 +35,8 @@ struct ResolutionTiming {
     Seconds retryPausePerAttempt{0.8};  ///< ... and this for each attempt made so far
 };
 
-/// The absolute path of the file that an earlier download of the entry left, or nothing.
-using FindDownloaded = std::function<std::optional<QString>(const PlaylistEntry&)>;
+/// The file that is there already for each of a resolution's entries, in their order.
+using FilesThatAreThere = QList<std::optional<QString>>;
 
 class ResolutionDriver : public QObject {
     Q_OBJECT
@@ -43,11 +44,11 @@ class ResolutionDriver : public QObject {
 public:
     static constexpr int maxMetadataResolveAttempts = 3;
 
-    /// `lookAtDownloads` is called once for each result with songs in it, so that what it returns
-    /// may answer from one look at the event folder.
+    /// `eventTarget` tells, on the main thread, where songs may be there already.
     ResolutionDriver(QueueStore& queue, const MediaProbe& probe, const SpotifyExpansion& spotify,
-                     std::function<FindDownloaded()> lookAtDownloads, BackgroundTasks& background,
-                     MainQueue& mainQueue, ResolutionTiming timing = {});
+                     const EventLibrary& library, std::function<EventTarget()> eventTarget,
+                     BackgroundTasks& background, MainQueue& mainQueue,
+                     ResolutionTiming timing = {});
 
     /// Reads the links of these rows, one after another, in the background.
     void resolveInfo(const QList<DownloadItem>& items);
@@ -57,9 +58,10 @@ public:
     QueueResolution resolveQueueEntryWithRetries(const DownloadItem& item,
                                                  const std::stop_token& stop = {}) const;
 
-    /// Rewrites the queue by what reading `item`, the row at `index`, has yielded.
-    void applyResolution(const QueueResolution& resolution, const DownloadItem& item,
-                         qsizetype index);
+    /// Rewrites the queue by what reading `item`, the row at `index`, has yielded. A row that a run
+    /// has taken meanwhile stays as it is.
+    void applyResolution(const QueueResolution& resolution, const FilesThatAreThere& files,
+                         const DownloadItem& item, qsizetype index);
 
     /// Whether trying a failed row again means reading its link again rather than downloading it.
     static bool shouldRetryInfoForFailedItem(const DownloadItem& item);
@@ -69,19 +71,27 @@ public:
 
 Q_SIGNALS:
     void summaryChanged(const QString& text) const;
+    /// What the tools had to say, and what a site did not list.
+    void logged(const QString& text) const;
+    /// The row made way for these; none when it could not be read, or has nothing new.
+    void rowRead(const QUuid& id, const QList<QUuid>& newRows) const;
 
 private:
     void resolveBatch(const QList<DownloadItem>& items, const std::stop_token& stop);
     QueueResolution resolveOnce(const DownloadItem& item) const;
     void showReading(const DownloadItem& item);
+    void lookWhatIsThere(const QueueResolution& resolution, const DownloadItem& item);
     void showRetry(const QUuid& id, int failedAttempt) const;
     void keepRow(const QueueResolution& resolution, const DownloadItem& item, qsizetype index);
-    QList<PlaylistEntry> newEntries(const QueueResolution& resolution, qsizetype index) const;
+    void replaceRow(const QList<DownloadItem>& rows, const QueueResolution& resolution,
+                    qsizetype index);
+    bool isNew(const PlaylistEntry& entry, const DownloadItem& row) const;
 
     QueueStore& m_queue;
     const MediaProbe& m_probe;
     const SpotifyExpansion& m_spotify;
-    std::function<FindDownloaded()> m_lookAtDownloads;
+    const EventLibrary& m_library;
+    std::function<EventTarget()> m_eventTarget;
     BackgroundTasks& m_background;
     MainQueue& m_mainQueue;
     const ResolutionTiming m_timing;

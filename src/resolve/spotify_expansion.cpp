@@ -19,9 +19,9 @@ QueueResolution SpotifyExpansion::resolveSpotifyEntries(const QString& link) con
     const auto tool = m_discovery.toolPath(QStringLiteral("spotdl"));
     if (!tool)
         return spotifyNeedsSetup();
-    const CommandResult result = m_shell.runShellSync(
+    const CommandResult result = m_shell.runShellApart(
         spotifyListCommand(m_discovery.toolSearchPath(), *tool, link), limitSeconds);
-    return resolutionFromSpotifyOutput(result.status, result.output);
+    return resolutionFromSpotifyOutput(result.status, result.output, result.errors);
 }
 
 }  // namespace reelcrate

@@ -62,6 +62,16 @@ std::optional<QJsonArray> listedSongs(const QString& output) {
     return songsBetween(output, output.indexOf(openingLine), closing);
 }
 
+// The lines that name songs which could not be read.
+QString songsLeftOut(const QString& output) {
+    QString lines;
+    for (const QString& line : output.split(u'\n')) {
+        if (line.contains(u" generated an exception: "))
+            lines += line.trimmed() + u'\n';
+    }
+    return lines;
+}
+
 }  // namespace
 
 QString spotifyListCommand(const QString& searchPath, const QString& tool, const QString& link) {
@@ -70,14 +80,18 @@ QString spotifyListCommand(const QString& searchPath, const QString& tool, const
            QStringLiteral(" --save-file - --threads 4 --log-level ERROR");
 }
 
-QueueResolution resolutionFromSpotifyOutput(int status, const QString& output) {
-    if (status != 0)
-        return failed(spotifyFailureMessage(output));
-    const QList<PlaylistEntry> entries =
-        playlistEntriesFromSpotifyJSON(listedSongs(output).value_or(QJsonArray()));
-    if (entries.isEmpty())
-        return failed(spotifyFailureMessage(output));
-    return {.entries = entries, .failure = std::nullopt};
+QueueResolution resolutionFromSpotifyOutput(int status, const QString& output,
+                                            const QString& errors) {
+    const QString all = output + errors;
+    QueueResolution resolution;
+    if (status == 0) {
+        resolution.entries =
+            playlistEntriesFromSpotifyJSON(listedSongs(output).value_or(QJsonArray()));
+    }
+    if (resolution.entries.isEmpty())
+        resolution = failed(spotifyFailureMessage(all));
+    resolution.remarks = errors + songsLeftOut(output);
+    return resolution;
 }
 
 QueueResolution spotifyNeedsSetup() {

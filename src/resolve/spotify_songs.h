@@ -17,8 +17,9 @@ namespace reelcrate {
 /// `searchPath` is the colon-separated list of tool folders, `tool` spotdl's path.
 QString spotifyListCommand(const QString& searchPath, const QString& tool, const QString& link);
 
-/// Reads the exit status and the whole output of `spotifyListCommand`.
-QueueResolution resolutionFromSpotifyOutput(int status, const QString& output);
+/// Reads the exit status of `spotifyListCommand` and what it printed on either stream.
+QueueResolution resolutionFromSpotifyOutput(int status, const QString& output,
+                                            const QString& errors = {});
 
 /// The resolution of every Spotify link while spotdl is not installed.
 QueueResolution spotifyNeedsSetup();

@@ -180,6 +180,8 @@ std::optional<QString> queueStatusSubtitle(const DownloadItem& item) {
         return readingSubtitle(item, detail);
     if (item.status == QueueStatus::running)
         return runningSubtitle(detail);
+    if (item.reading == LinkReading::repeated)
+        return std::nullopt;
     return item.status == QueueStatus::waiting ? QStringLiteral("Click gold arrow to download")
                                                : QStringLiteral("Starts when a slot opens");
 }
@@ -247,7 +249,7 @@ RowAction queueRowAction(const DownloadItem& item, bool shouldRetryInfo) {
         case QueueStatus::waiting:
             break;
     }
-    return RowAction::download;
+    return item.reading == LinkReading::repeated ? RowAction::readAgain : RowAction::download;
 }
 
 QString rowActionSymbol(RowAction action) {

@@ -3,6 +3,8 @@
 #include "app/content_view.h"
 #include "theme/tech_theme.h"
 
+#include <algorithm>
+
 namespace reelcrate {
 
 namespace {
@@ -12,10 +14,9 @@ bool isSettingUp(const ContentView& view) {
 }
 
 bool canDownloadAll(const ContentView& view) {
-    const QueueStore& queue = view.queue();
+    const QList<DownloadItem>& rows = view.queue().rows();
     const bool slotIsFree = view.activeQueueDownloadCount() < ContentView::maxParallelDownloads;
-    const bool somethingToDo = queue.countWithStatus(QueueStatus::waiting) > 0 ||
-                               queue.countWithStatus(QueueStatus::failed) > 0;
+    const bool somethingToDo = std::any_of(rows.begin(), rows.end(), ContentView::isDownloadable);
     return slotIsFree && somethingToDo && view.coreToolsReady();
 }
 

@@ -23,7 +23,7 @@ protected:
     /// The output path and the target.
     QStringList lastTwo(const DownloadItem& row, const QString& eventFolder = folder) {
         const QString line = downloadCommand(row, eventFolder, DownloadMode::audio, tools);
-        return tool.run(line).arguments.mid(21);
+        return tool.run(line).arguments.mid(25);
     }
 
     ArgumentPrinter tool{QStringLiteral("yt-dlp")};
@@ -37,19 +37,31 @@ protected:
 TEST_F(DownloadCommand, AsksForAnMP3OrAnMP4) {
     const QString progress = text(
         "--no-update --newline --no-colors --progress --progress-delta 0.2 "
-        "--progress-template download:RCR_PROGRESS:%(progress._percent_str)s --ignore-errors");
+        "--progress-template download:RCR_PROGRESS:%(progress._percent_str)s --ignore-errors "
+        "--part --abort-on-unavailable-fragments");
     EXPECT_EQ(arguments(DownloadMode::audio),
               progress + text(" --concurrent-fragments 8 -x --audio-format mp3 --audio-quality 0 "
-                              "--embed-thumbnail --add-metadata --ffmpeg-location '/opt/my tools' "
+                              "--embed-thumbnail --add-metadata --postprocessor-args "
+                              "ExtractAudio:-xerror --ffmpeg-location '/opt/my tools' "
                               "-o '/music/Event/%(title).180B [%(id)s].%(ext)s' "
                               "https://youtu.be/x?a=1&b"));
     EXPECT_EQ(arguments(DownloadMode::video),
               progress + text(" --concurrent-fragments 12 --embed-metadata --ffmpeg-location "
-                              "'/opt/my tools' -f b[ext=mp4][height<=1080]/"
-                              "bv*[ext=mp4][height<=1080]+ba[ext=m4a]/b[ext=mp4]/"
-                              "bv*[ext=mp4]+ba[ext=m4a]/bv*+ba/b --merge-output-format mp4 "
+                              "'/opt/my tools' -f bv*+ba/b -S "
+                              "res:1080,lang,hdr:sdr,vcodec:h264,acodec:aac,ext:mp4:m4a "
+                              "--merge-output-format mp4/mkv "
                               "-o '/music/Event/%(title).180B [%(id)s].%(ext)s' "
                               "https://youtu.be/x?a=1&b"));
+}
+
+TEST_F(DownloadCommand, TakesOneOfSeveralAndWhatItCan) {
+    DownloadItem third = video;
+    third.playlistItem = 3;
+    EXPECT_TRUE(downloadCommand(third, folder, DownloadMode::video, tools)
+                    .contains(text(" --playlist-items 3 -o ")));
+    const QString lenient =
+        downloadCommand(video, folder, DownloadMode::audio, tools, Conversion::lenient);
+    EXPECT_FALSE(lenient.contains(u"-xerror") || lenient.contains(u"  "));
 }
 
 TEST_F(DownloadCommand, SearchesForASpotifySong) {

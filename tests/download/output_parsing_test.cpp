@@ -2,7 +2,6 @@
 
 #include "download/progress_seed.h"
 #include "support/rows.h"
-#include "support/sample.h"
 #include "support/texts.h"
 
 namespace reelcrate {
@@ -18,96 +17,6 @@ DownloadItem row(SourceType source = SourceType::youtube) {
 OutputEffect effect(const char* piece, DownloadMode mode = audio,
                     const DownloadItem& item = row()) {
     return outputEffect(item, mode, text(piece));
-}
-
-TEST(OutputPath, IsTakenFromTheLastLineThatNamesOne) {
-    expectTexts(
-        [](const QString& piece) { return outputPath(piece).value_or(text("none")); },
-        {{"[download] Destination: /x/Song [abc].webm", "/x/Song [abc].webm"},
-         {"[Merger] Merging formats into \"/x/A \"B\".mp4\"", "/x/A \"B\".mp4"},
-         {"Destination: \"\"/x\"\"", "/x"},
-         {"[download] /x/a has already been downloaded", "/x/a"},
-         {"[download] /x/[download] a has already been downloaded has already been downloaded",
-          "/x/a"},
-         {"[download] Destination: /x/a.m4a\rRCR_PROGRESS: 5.0%\n[ExtractAudio] Destination: "
-          "/x/a.mp3\n\n[Metadata] Adding metadata to \"/x/a.mp3\"\n",
-          "/x/a.mp3"},
-         {"Destination: /x/1\n[download] /x/2 has already been downloaded\n", "/x/2"},
-         {"Destination: /x/Destination: y", "/x/Destination: y"},
-         {"Merging formats into /x Destination: /y", "/y"},
-         {"destination: /x\nDestination:\r\n/x has already been downloaded", "none"},
-         {"[download]  has already been downloaded", "none"}});
-}
-
-using Kind = FileNews::Kind;
-
-TEST(OutputReader, ReadsRecordedOutputWhereverItIsCut) {
-    const QString cafe = text("/music/Event/Caf\u00E9 Del Mar [cafe-del-mar].mp3");
-    const QString city = text("/music/Event/City Lights [city-lights].mp4");
-    const struct {
-        const char* name;
-        FileNews last;
-        qsizetype conversions;
-        qsizetype additions;
-    } samples[] = {{"yt-dlp_mp3.txt", {Kind::converts, cafe}, 1, 1},
-                   {"yt-dlp_mp4.txt", {Kind::downloads, city}, 0, 1},
-                   {"yt-dlp_again.txt", {Kind::wasThere, cafe}, 0, 1}};
-    for (const auto& [name, last, conversions, additions] : samples) {
-        const QString output = sample(name);
-        for (const qsizetype size : {1, 7, 50, 4096}) {
-            SCOPED_TRACE(size);
-            OutputReader reader;
-            QList<FileNews> read;
-            for (qsizetype at = 0; at < output.size(); at += size)
-                read += reader.read(output.mid(at, size));
-            EXPECT_EQ(read.removeAll(FileNews{Kind::hasConverted, {}}), conversions);
-            EXPECT_EQ(read.removeAll(FileNews{Kind::addsTags, {}}), additions);
-            ASSERT_FALSE(read.isEmpty());
-            EXPECT_EQ(read.last(), last);
-        }
-    }
-    EXPECT_TRUE(OutputReader().read(sample("yt-dlp_404.txt")).isEmpty());
-}
-
-TEST(OutputReader, KeepsBlanksAtTheCutAndForgetsEndlessLines) {
-    OutputReader reader;
-    const auto written = [](const char* path) { return FileNews{Kind::converts, text(path)}; };
-    EXPECT_EQ(reader.read(text("Destination: /x/My ")), QList{written("/x/My")});
-    EXPECT_EQ(reader.read(text("Song\u2028One\u0085.mp3\rDestination: /x/2\n")),
-              (QList{written("/x/My Song\u2028One\u0085.mp3"), written("/x/2")}));
-    EXPECT_TRUE(reader.read(text("RCR_PROGRESS: 1%\n")).isEmpty());
-    reader.read(QString(100'000, u'x'));
-    EXPECT_EQ(reader.read(text("Destination: /x/2\n")), QList{written("/x/2")});
-}
-
-TEST(OutputReader, NoticesWhatSpeaksAgainstTheSongWhereverItIsCut) {
-    const struct {
-        const char* output;
-        bool mentionsLogin;
-        bool leavesOutParts;
-    } cases[] = {
-        {"[download] fragment not found; Skipping fragment 3 ...\n", false, true},
-        {"x\r\n[download] Skipping fragment 12 ...\r\n", false, true},
-        {"[download] Destination: /x/a; Skipping fragment 3 ... [x].mp4\n", false, false},
-        {"1%\r[download] fragment not found; Skipping fragment 3 ...\n", false, true},
-        {"My [download] Skipping fragment 3 ...\n", false, false},
-        {"[download] Downloading playlist: My; Skipping fragment 3 ...\n", false, false},
-        {"[download] Skipping fragment 3 ...", false, false},
-        {"ERROR: This video is PRIVATE\n", true, false},
-        {"ERROR: use --cookies to Login\n", true, false},
-        {"RCR_PROGRESS: 1%\nlog in, privateer\n", true, false},
-        {"RCR_PROGRESS: 1%\nlog in, priv ate\n", false, false},
-    };
-    for (const auto& [output, mentionsLogin, leavesOutParts] : cases) {
-        for (const qsizetype size : {1, 9, 4096}) {
-            SCOPED_TRACE(output);
-            OutputReader reader;
-            for (qsizetype at = 0; at < text(output).size(); at += size)
-                reader.read(text(output).mid(at, size));
-            EXPECT_EQ(reader.mentionsLogin(), mentionsLogin);
-            EXPECT_EQ(reader.leavesOutParts(), leavesOutParts);
-        }
-    }
 }
 
 TEST(OutputEffect, PercentagesRaiseTheRow) {

@@ -12,49 +12,65 @@ namespace {
 
 using testing::ElementsAre;
 
-const QString a = QStringLiteral("http://site/a");
-const QString b = QStringLiteral("http://site/b");
-const QString c = QStringLiteral("http://site/c");
+const QString a = QStringLiteral("a");
+const QString b = QStringLiteral("b");
+const QString c = QStringLiteral("c");
 
-/// Takes all that may start now; their links run from then on.
-QList<qsizetype> takeAll(StartOrder& order, const QStringList& links, QSet<QString>& running) {
+/// Takes all that may start now; their songs run from then on.
+QList<qsizetype> takeAll(StartOrder& order, const QStringList& songs, QSet<QString>& running) {
     QList<qsizetype> taken;
     while (const auto position = order.takeNext(running)) {
-        running.insert(links.at(*position));
+        running.insert(songs.at(*position));
         taken.append(*position);
     }
     return taken;
 }
 
-TEST(StartOrder, HoldsALinkThatRunsAndLetsOthersPass) {
-    const QStringList links{a, a, b, a, b, c};
-    StartOrder order(links);
+TEST(StartOrder, HoldsASongThatRunsAndLetsOthersPass) {
+    const QStringList songs{a, a, b, a, b, c};
+    StartOrder order(songs);
     QSet<QString> running;
-    EXPECT_THAT(takeAll(order, links, running), ElementsAre(0, 2, 5));
-    for (const QString& link : {b, a}) {
-        running.remove(link);
-        order.linkFreed(link);
+    EXPECT_THAT(takeAll(order, songs, running), ElementsAre(0, 2, 5));
+    for (const QString& song : {b, a}) {
+        running.remove(song);
+        order.songFreed(song);
     }
-    EXPECT_THAT(takeAll(order, links, running), ElementsAre(1, 4));
+    EXPECT_THAT(takeAll(order, songs, running), ElementsAre(1, 4));
     running.remove(a);
-    order.linkFreed(a);
-    order.linkFreed(c);
-    EXPECT_THAT(takeAll(order, links, running), ElementsAre(3));
+    order.songFreed(a);
+    order.songFreed(c);
+    EXPECT_THAT(takeAll(order, songs, running), ElementsAre(3));
     running.clear();
-    order.linkFreed(a);
+    order.songFreed(a);
     EXPECT_EQ(order.takeNext(running), std::nullopt);
 }
 
 TEST(StartOrder, ARowGoesOnWaitingWhenAnotherRunIsQuicker) {
-    const QStringList links{a, b};
-    StartOrder order(links);
+    const QStringList songs{a, b};
+    StartOrder order(songs);
     QSet<QString> running{a};
-    EXPECT_THAT(takeAll(order, links, running), ElementsAre(1));
-    order.linkFreed(a);  // and taken again at once
+    EXPECT_THAT(takeAll(order, songs, running), ElementsAre(1));
+    order.songFreed(a);  // and taken again at once
     EXPECT_EQ(order.takeNext(running), std::nullopt);
     running.remove(a);
-    order.linkFreed(a);
+    order.songFreed(a);
     EXPECT_EQ(order.takeNext(running), 0);
+}
+
+TEST(StartOrder, ARowThatWasPutBackWaitsUntilItIsReleased) {
+    const QStringList songs{a, b, a, c};
+    StartOrder order(songs);
+    QSet<QString> running;
+    EXPECT_EQ(order.takeNext(running), 0);
+    order.putBack(0);  // another program is at it
+    EXPECT_THAT(takeAll(order, songs, running), ElementsAre(1, 2, 3));
+    order.releasePutBack();
+    EXPECT_EQ(order.takeNext(running), std::nullopt) << "its song runs";
+    running.remove(a);
+    order.songFreed(a);
+    EXPECT_EQ(order.takeNext(running), 0);
+    order.releasePutBack();
+    EXPECT_EQ(order.takeNext({}), std::nullopt);
 }
 
 }  // namespace

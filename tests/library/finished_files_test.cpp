@@ -1,17 +1,15 @@
 #include "library/finished_files.h"
 
-#include "base/text.h"
 #include "library/file_names.h"
 #include "library/finished_file_index.h"
+#include "library/song_key.h"
 #include "support/texts.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
-#include <algorithm>
 #include <chrono>
-#include <random>
 
 namespace reelcrate {
 namespace {
@@ -38,6 +36,7 @@ protected:
         QDir().mkpath(path.left(path.lastIndexOf(u'/')));
         QFile file(path);
         EXPECT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
+        file.write("sound");
         file.close();
         fs::last_write_time(path.toStdString(), m_newest - std::chrono::nanoseconds(age));
         return path;
@@ -87,20 +86,6 @@ TEST_F(FinishedFiles, DatesAreFineAndUnreadableOnesOld) {
     EXPECT_EQ(modificationDate(folder() + text("/none")), fs::file_time_type::min());
 }
 
-TEST_F(FinishedFiles, BestOutputPathIsTheNewestNewFile) {
-    add(text("before.mp3"), 1);
-    const QStringList before = regularFiles(folder());
-    EXPECT_EQ(bestOutputPath(before, folder()), folder());
-    add(text("c.mp3"), 9);
-    add(text("newer.mp3.part"), 1);
-    EXPECT_EQ(bestOutputPath(before, folder()), m_folder.filePath(text("c.mp3")));
-    add(text("b.mp3"), 7);
-    add(text("a.mp3"), 8);
-    add(text("d.mp3"), 7);
-    EXPECT_EQ(bestOutputPath(before, folder()), m_folder.filePath(text("b.mp3")));
-    EXPECT_EQ(bestOutputPath({}, folder()), m_folder.filePath(text("before.mp3")));
-}
-
 TEST(NormalizedDownloadKey, KeepsLettersAndDigitsOutsideBrackets) {
     expectTexts(normalizedDownloadKey,
                 {{"Caf\u00E9 Del Mar (Remix)", "cafedelmarremix"},
@@ -144,7 +129,18 @@ TEST_F(FinishedFiles, AreRecognisedByTitle) {
     const QString prefix = add(text("Long Way.mp3"), 7);
     add(text("Short.mp3"), 8);
     add(text("Hey.mp3"), 9);
+    const QString tenth = add(text("Track 10 [x].mp3"), 3);
+    add(text("Symphony No 12 in full length.mp3"), 2);
+    QFile empty(add(text("Nothing In It.mp3"), 1));
+    EXPECT_TRUE(empty.resize(0));
+    add(text(".reelcrate/key/At Work On.mp3"), 1);
     const std::pair<const char*, QString> cases[] = {
+        {"Track 1", QString()},
+        {"Track 10", tenth},
+        {"Symphony No 1", QString()},
+        {"2 in full length", QString()},
+        {"At Work On", QString()},
+        {"Nothing In It", QString()},
         {"Caf\u00E9 Del Mar (Remix)", cafe},
         {"DEL MAR", cafe},
         {"hello: world!", hidden},
@@ -171,84 +167,28 @@ TEST_F(FinishedFiles, LongTitlesMatchTheNamesTheyWereCutTo) {
     const QString title(300, QChar(0x4E2D));
     const QString path = add(spotifyFileStem(title) + text(" [xyz].mp3"));
     EXPECT_EQ(find(titled(title)), path);
+    // Nothing can be told by no title.
+    add(text("Spotify Match [xyz].mp3"));
     EXPECT_EQ(find(titled(text(" "))), QString());
-    const QString match = add(text("Spotify Match [xyz].mp3"));
-    EXPECT_EQ(find(titled(text(" "))), match);
 }
 
-struct KnownFile {
-    QString path;
-    QString name;
-    QString key;
-};
-
-QList<KnownFile> finishedNewestFirst(const QString& folder) {
-    QStringList paths = regularFiles(folder);
-    paths.removeIf(
-        [](const QString& path) { return !hasFinishedExtension(path, DownloadMode::audio); });
-    std::stable_sort(paths.begin(), paths.end(), [](const QString& a, const QString& b) {
-        return modificationDate(a) > modificationDate(b);
-    });
-    QList<KnownFile> files;
-    for (const QString& path : std::as_const(paths)) {
-        const QString name = nameWithoutExtension(path);
-        files.append({path, name.toLower(), normalizedDownloadKey(name)});
-    }
-    return files;
-}
-
-/// The rule itself, by a look at each file.
-QString findOneByOne(const PlaylistEntry& entry, const QList<KnownFile>& newestFirst) {
-    if (const auto id = existingDownloadID(entry)) {
-        for (const KnownFile& file : newestFirst) {
-            if (file.name.contains(u'[' + id->toLower() + u']'))
-                return file.path;
-        }
-    }
-    const QStringList keys{normalizedDownloadKey(entry.title),
-                           normalizedDownloadKey(safeOutputStem(entry.title))};
-    for (const KnownFile& file : newestFirst) {
-        for (const QString& key : keys) {
-            const bool matches =
-                file.key.contains(key) || (characterCount(key) >= 12 && key.contains(file.key));
-            if (matches && characterCount(key) >= 6 && characterCount(file.key) >= 6)
-                return file.path;
-        }
-    }
-    return {};
-}
-
-TEST_F(FinishedFiles, IndexAnswersAsALookAtEachFileDoes) {
-    std::mt19937 random(2026);
-    const auto pick = [&](int below) { return static_cast<int>(random() % below); };
-    const auto word = [&](int shortest, int longest) {
-        const QStringList letters{text("a"), text("B"),          text("b"), text("\u00E9 "),
-                                  text("e"), text("\U0001D400"), text("["), text("]")};
-        QString made;
-        for (int i = shortest + pick(longest - shortest + 1); i > 0; --i)
-            made += letters.at(pick(40) == 0 ? 5 + pick(3) : pick(5));
-        return made;
+TEST_F(FinishedFiles, AreTheirWritersAlone) {
+    const QString one = add(text("Same Name [x].mp3"), 1);
+    const QString two = add(text("Unlike [abc].mp3"), 2);
+    const QString url = text("https://site.example/song#part");
+    const PlaylistEntry entry{url, SourceType::link, text("Same Name"), {}, {}};
+    const auto findWith = [&](const FileWriters& writers, const PlaylistEntry& wanted) {
+        return FinishedFileIndex(folder(), DownloadMode::audio, writers)
+            .existingDownloadedFile(wanted)
+            .value_or(QString());
     };
-    for (int i = 0; i < 700; ++i) {
-        const QString id = pick(3) == 0 ? text(" [") + word(1, 4) + u']' : QString();
-        add(word(3, 14) + id + (pick(9) == 0 ? text(".mp4") : text(".mp3")), pick(60));
-    }
-    const QList<KnownFile> newestFirst = finishedNewestFirst(folder());
-    const FinishedFileIndex index(folder(), DownloadMode::audio);
-    int found = 0;
-    for (int i = 0; i < 1500; ++i) {
-        PlaylistEntry entry = titled(word(4, 24));
-        if (pick(2) == 0) {
-            entry.source = SourceType::youtube;
-            entry.url = text("https://a.example/?v=") + word(1, 4);
-        }
-        SCOPED_TRACE((entry.title + u' ' + entry.url).toStdString());
-        const QString expected = findOneByOne(entry, newestFirst);
-        ASSERT_EQ(index.existingDownloadedFile(entry).value_or(QString()), expected);
-        found += expected.isEmpty() ? 0 : 1;
-    }
-    EXPECT_GT(found, 300);
-    EXPECT_LT(found, 1400);
+    const QString own = songKey(text("HTTPS://SITE.example/song"), 0);
+    EXPECT_EQ(findWith({}, entry), one);
+    EXPECT_EQ(findWith({{one, text("another")}}, entry), QString());
+    EXPECT_EQ(findWith({{one, text("another")}, {two, own}}, entry), two);
+    const PlaylistEntry byId = video("https://youtu.be/abc", "Same Name");
+    EXPECT_EQ(findWith({{two, own}}, byId), one);
+    EXPECT_EQ(findWith({{two, own}, {one, own}}, byId), QString());
 }
 
 }  // namespace

@@ -7,69 +7,80 @@
 namespace reelcrate {
 namespace {
 
-/// The fields that are read from the output, for a link "LINK", with bars between them.
+/// The fields that are read from the output, with bars between them; media on lines of their own.
 QString fields(const QString& output) {
-    const std::optional<MediaInfo> info = mediaInfoFromOutput(output, text("LINK"));
-    if (!info)
-        return {};
-    return QStringList({info->title, info->duration, info->thumbnailURL, info->resolvedURL})
-        .join(u'|');
+    QStringList lines;
+    const ProbedMedia found = mediaFromOutput(output);
+    for (const MediaInfo& info : found.media)
+        lines.append(QStringList({info.title, info.duration, info.thumbnailURL, info.resolvedURL,
+                                  QString::number(info.playlistIndex)})
+                         .join(u'|'));
+    return QString::number(found.counted) + u'\n' + lines.join(u'\n');
 }
 
-TEST(MediaInfoOutput, IsReadLineByLine) {
-    expectTexts(fields, {{"Song\n3:45\nhttp://i.x/t\nhttps://p.x/1\n",
-                          "Song|3:45|http://i.x/t|https://p.x/1"},
-                         {"\n Song \n\n3:45\r\n\u0085http://i.x/t\nhttps://p.x/1",
-                          "Song|3:45|http://i.x/t|https://p.x/1"},
-                         {"Song\nNA\nNA\nhttps://p.x/1.mp3\n", "Song|||https://p.x/1.mp3"},
-                         {"Song\n3:45\nNA\nNA\n", "Song|3:45||LINK"},
-                         {"Song", "Song|||LINK"},
-                         {"", ""},
-                         {" \n\t\r\n\u2029", ""}});
+TEST(MediaInfoOutput, IsReadFromItsOwnLinesAlone) {
+    expectTexts(
+        fields,
+        {{R"(RCR_MEDIA:{"title": "Song", "duration_string": "3:45", "duration": 225,
+)",
+          "0\n"},
+         {"Welcome\n"
+          R"(RCR_MEDIA:{"title": "Song", "duration_string": "3:45", "thumbnail": "http://i.x/t", )"
+          R"("webpage_url": "https://p.x/1"})"
+          "\nBye",
+          "1\nSong|3:45|http://i.x/t|https://p.x/1|0"},
+         {R"(RCR_MEDIA:{"title": " One\n\u2028Two ", "duration": 59.5, "webpage_url": null})",
+          "1\nOne Two|1:00|||0"},
+         {"A title that says\r\nRCR_MEDIA: and no more\nRCR_MEDIA:[]\nRCR_MEDIA:{}", "1\n||||0"},
+         {"RCR_MEDIA:{\"title\": \"A\", \"playlist_index\": 1, \"n_entries\": 3}\n"
+          "RCR_MEDIA:{\"title\": \"C\", \"playlist_index\": 3, \"n_entries\": 3}\n",
+          "3\nA||||1\nC||||3"},
+         {"", "0\n"}});
 }
 
 TEST(MediaInfoOutput, NoOtherAddressThanAWebAddressIsTaken) {
-    for (const char* page : {"file:///etc/passwd", "wistia:abc", "--exec=harm", "-o",
-                             "https://p.x/1 --exec=harm", "https://", "see https://p.x/1"})
-        EXPECT_EQ(fields(text("Song\n45\nhttp://i.x/t\n") + text(page)),
-                  text("Song|45|http://i.x/t|LINK"))
-            << page;
-}
-
-TEST(MediaInfoOutput, FieldsAreToldByTheirFormBelowATitleWithLineBreaks) {
-    expectTexts(
-        fields,
-        {{"One\nTwo\n\nThree\n1:02:03\nhttp://i.x/t\nhttps://p.x/1\n",
-          "One Two Three|1:02:03|http://i.x/t|https://p.x/1"},
-         {"One\u2028Two\n45\nNA\nHTTPS://p.x/1\n", "One Two|45||HTTPS://p.x/1"},
-         {"One\nhttps://evil.x/\n-x\n3:45\nhttp://i.x/t\nhttps://p.x/1\n",
-          "One https://evil.x/ -x|3:45|http://i.x/t|https://p.x/1"},
-         // A page with several media prints the block once for each.
-         {"A\n1:00\nNA\nhttps://p.x/a\nB\n2:00\nNA\nhttps://p.x/b\n", "A|1:00||https://p.x/a"},
-         // The first line is always the title's.
-         {"3:45\nhttp://i.x/t\nhttps://p.x/1\n", "3:45|http://i.x/t|https://p.x/1|LINK"}});
+    const auto page = [](const QString& address) {
+        const QString line = text(R"(RCR_MEDIA:{"title": "T", "webpage_url": "%1"})").arg(address);
+        return mediaFromOutput(line).media.value(0).resolvedURL;
+    };
+    expectTexts(page, {{"https://p.x/1", "https://p.x/1"},
+                       {"HTTP://p.x", "HTTP://p.x"},
+                       {"file:///etc/passwd", ""},
+                       {"wistia:abc", ""},
+                       {"--exec=harm", ""},
+                       {"https://p.x/1 --exec=harm", ""},
+                       {"https://", ""},
+                       {"NA", ""},
+                       {"see https://p.x/1", ""}});
 }
 
 TEST(RecordedProbe, IsRead) {
     EXPECT_EQ(fields(sample("yt-dlp_probe.txt")),
-              text("Caf\u00E9 Del Mar||http://127.0.0.1:8000/cover/cafe-del-mar.jpg|"
-                   "http://127.0.0.1:8000/song/cafe-del-mar"));
+              text("1\nCaf\u00E9 Del Mar||http://127.0.0.1:8000/cover/cafe-del-mar.jpg|"
+                   "http://127.0.0.1:8000/song/cafe-del-mar|0"));
 
-    const QList<PlaylistEntry> read = playlistEntriesFromOutput(sample("yt-dlp_playlist.json"));
-    ASSERT_EQ(read.size(), 4);
-    EXPECT_TRUE(read.at(2).url.startsWith(u"http://127.0.0.1:8000/song/cafe-del-mar#"));
-    EXPECT_EQ(read.at(2).title, text("Caf\u00E9 Del Mar"));
-    EXPECT_EQ(read.at(2).duration, text("0:08"));
-    EXPECT_EQ(read.at(2).thumbnailURL, text("http://127.0.0.1:8000/cover/cafe-del-mar.jpg"));
+    const Listing read =
+        listingFromOutput(sample("yt-dlp_playlist.json"), text("LINK"), SourceType::youtube);
+    ASSERT_EQ(read.entries.size(), 4);
+    EXPECT_TRUE(read.entries.at(2).url.startsWith(u"http://127.0.0.1:8000/song/cafe-del-mar#"));
+    EXPECT_EQ(read.entries.at(2).title, text("Caf\u00E9 Del Mar"));
+    EXPECT_EQ(read.entries.at(2).duration, text("0:08"));
+    EXPECT_EQ(read.entries.at(2).thumbnailURL,
+              text("http://127.0.0.1:8000/cover/cafe-del-mar.jpg"));
+    EXPECT_EQ(read.cut, std::nullopt);
 }
 
 TEST(PlaylistOutput, BuildsTheAddressFromWhatThereIs) {
-    const auto address = [](const QString& given) {
-        const QString json = text(R"({"entries": [{"title": "T", )") + given + text("}]}");
-        return playlistEntriesFromOutput(json).value(0).url;
+    const auto addressAt = [](SourceType source) {
+        return [source](const QString& given) {
+            const QString json = text(R"({"entries": [{"title": "T", )") + given + text("}]}");
+            const PlaylistEntry entry =
+                listingFromOutput(json, text("LINK"), source).entries.value(0);
+            return entry.url + (entry.playlistItem > 0 ? text(" 1") : QString());
+        };
     };
     expectTexts(
-        address,
+        addressAt(SourceType::youtube),
         {{R"("id": "abc", "url": "abc")", "https://www.youtube.com/watch?v=abc"},
          {R"("id": "abc", "url": "https://u.x/")", "https://u.x/"},
          {R"("id": "abc", "webpage_url": "http://w.x/", "url": "https://u.x/")", "http://w.x/"},
@@ -78,47 +89,64 @@ TEST(PlaylistOutput, BuildsTheAddressFromWhatThereIs) {
          {R"("id": "--exec=x", "url": "-o")", "https://www.youtube.com/watch?v=--exec=x"},
          {R"("id": 42)", "https://www.youtube.com/watch?v=42"},
          {R"("id": null)", ""}});
+    // Elsewhere it is the page's own item.
+    expectTexts(addressAt(SourceType::link), {{R"("id": "abc", "url": "wistia:x")", "LINK 1"},
+                                              {R"("url": "https://u.x/")", "https://u.x/"},
+                                              {R"("id": null)", "LINK 1"}});
 }
 
-TEST(PlaylistOutput, KeepsOrderAndDoubles) {
-    const QList<PlaylistEntry> read = playlistEntriesFromOutput(text(R"({"entries": [
-        {"id": "b", "title": " B ", "duration": 61.5, "thumbnails": [{"url": "t1"}, {"url": "t2"}]},
-        {"id": "a", "title": "A", "duration": null}, {"id": "no title"},
-        {"id": "b", "title": "\ud83c\udfb5"}]})"));
-    ASSERT_EQ(read.size(), 3);
+TEST(PlaylistOutput, KeepsOrderAndDoublesAndWhatHasStillToBeRead) {
+    const QString output = text(
+        "Welcome\n"
+        R"({"entries": [{"id": "b", "title": " B ", "duration": 61.5, "thumbnails": )"
+        R"([{"url": "t1"}, {"url": "t2"}]}, {"id": "a", "title": "A", "duration": null}, )"
+        R"({"id": "no-title"}, null, {"id": "b", "title": "\ud83c\udfb5"}], "playlist_count": 206})"
+        "\nBye\n");
+    const Listing read = listingFromOutput(output, text("LINK"), SourceType::youtube);
+    ASSERT_EQ(read.entries.size(), 4);
     const PlaylistEntry first{text("https://www.youtube.com/watch?v=b"), SourceType::youtube,
                               text("B"), text("1:02"), text("t2")};
-    EXPECT_EQ(read.at(0), first);
-    EXPECT_EQ(read.at(1).duration, QString());
-    EXPECT_EQ(read.at(2).title, text("\U0001F3B5"));
+    EXPECT_EQ(read.entries.at(0), first);
+    EXPECT_EQ(read.entries.at(1).duration, QString());
+    EXPECT_FALSE(read.entries.at(2).isRead);
+    EXPECT_EQ(read.entries.at(3).title, text("\U0001F3B5"));
+    EXPECT_EQ(read.cut, (CutListing{4, 206}));
 }
 
-TEST(PlaylistOutput, IsAllOrNothing) {
+TEST(PlaylistOutput, ThatIsNoListIsNone) {
     for (const char* output :
          {"", "null", "[]", R"({"id": "abc", "title": "A single video"})", R"({"entries": {}})",
-          R"({"entries": [{"id": "a", "title": "A"}, null]})",
-          R"({"entries": [{"id": "a", "title": "A"}]} trailing)"})
-        EXPECT_TRUE(playlistEntriesFromOutput(text(output)).isEmpty()) << output;
+          R"({"entries": [null, null]})", R"({"entries": [{"id": "a", "title": "A"}]} trailing)"}) {
+        const Listing read = listingFromOutput(text(output), text("LINK"), SourceType::youtube);
+        EXPECT_TRUE(read.entries.isEmpty()) << output;
+        EXPECT_EQ(read.cut, std::nullopt) << output;
+    }
 }
 
 TEST(MediaProbeCommand, HandsEveryLinkOverUnchanged) {
-    ArgumentPrinter tool(text("yt dlp's"));
+    ArgumentPrinter printer(text("yt dlp's"));
+    const ProbeTool tool{printer.path(), text("/opt/a b")};
     const QStringList infoWords =
         text(
-            "--no-update --skip-download --no-warnings --no-playlist --print %(title)s --print "
-            "%(duration_string)s --print %(thumbnail)s --print %(webpage_url)s --")
+            "--no-update --skip-download --no-warnings --no-playlist --print "
+            "RCR_MEDIA:%(.{title,duration_string,duration,thumbnail,webpage_url,playlist_index,"
+            "n_entries})j")
             .split(u' ');
     const QStringList playlistWords =
         text("--no-update --flat-playlist --dump-single-json --no-warnings --yes-playlist --")
             .split(u' ');
     for (const QString& link : hostileTexts) {
         SCOPED_TRACE(link.toStdString());
-        EXPECT_EQ(tool.run(mediaInfoCommand(tool.path(), link)).arguments,
-                  infoWords + QStringList(link));
-        EXPECT_EQ(tool.leftBehind, QStringList());
-        EXPECT_EQ(tool.run(playlistCommand(tool.path(), link)).arguments,
+        const Invocation all = printer.run(mediaInfoCommand(tool, link));
+        EXPECT_EQ(all.arguments, infoWords + QStringList({text("--"), link}));
+        EXPECT_TRUE(all.searchPath.startsWith(u"/opt/a b:"));
+        EXPECT_EQ(printer.leftBehind, QStringList());
+        EXPECT_EQ(
+            printer.run(mediaInfoCommand(tool, link, 12)).arguments,
+            infoWords + QStringList({text("--playlist-items"), text("12"), text("--"), link}));
+        EXPECT_EQ(printer.run(playlistCommand(tool, link)).arguments,
                   playlistWords + QStringList(link));
-        EXPECT_EQ(tool.leftBehind, QStringList());
+        EXPECT_EQ(printer.leftBehind, QStringList());
     }
 }
 

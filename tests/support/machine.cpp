@@ -3,6 +3,8 @@
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
+#include <QProcess>
+#include <QStandardPaths>
 #include <QTest>
 #include <QThread>
 
@@ -66,6 +68,24 @@ void Machine::installScript(const QString& tool, const QByteArray& script) {
     const QString path = toolFolder() + u'/' + tool;
     writeFile(path, script);
     QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+}
+
+void Machine::linkConverter() {
+    for (const char* tool : {"ffmpeg", "ffprobe"}) {
+        const QString name = QString::fromLatin1(tool);
+        QFile::link(QStandardPaths::findExecutable(name), toolFolder() + u'/' + name);
+    }
+}
+
+void Machine::installSong(double tone) {
+    const QString sound =
+        QStringLiteral("sine=frequency=440:duration=%1,adelay=500:all=1,apad=pad_dur=0.5")
+            .arg(tone);
+    const QString path = toolFolder() + QStringLiteral("/song.mp3");
+    QProcess::execute(QStandardPaths::findExecutable(QStringLiteral("ffmpeg")),
+                      {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-nostdin"),
+                       QStringLiteral("-y"), QStringLiteral("-f"), QStringLiteral("lavfi"),
+                       QStringLiteral("-i"), sound, path});
 }
 
 QStringList Machine::calls() const {

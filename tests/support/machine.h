@@ -36,6 +36,11 @@ public:
     /// Puts a stand-in from tests/fakes into the private tool folder.
     void install(const QString& tool);
     void installScript(const QString& tool, const QByteArray& script);
+    /// Puts the real converter there.
+    void linkConverter();
+    /// Puts a real song there, as song.mp3: half a second of silence, a tone of this length in
+    /// seconds, half a second of silence.
+    void installSong(double tone = 1.0);
 
     /// What the stand-ins were asked, a line each; a file that the stand-ins know.
     QStringList calls() const;

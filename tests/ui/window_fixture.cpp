@@ -27,8 +27,10 @@ void keepWarning(QtMsgType type, const QMessageLogContext& /*context*/, const QS
 }  // namespace
 
 WindowTest::WindowTest() {
-    for (const char* tool : {"yt-dlp", "ffmpeg", "spotdl"})
+    for (const char* tool : {"yt-dlp", "spotdl"})
         machine.install(QString::fromLatin1(tool));
+    machine.linkConverter();
+    machine.installSong();
     setup.toolPlaces = machine.places();
     setup.desktopFolder = machine.path(QStringLiteral("Desktop"));
     setup.resolutionTiming = {10ms, 10ms, 1ms};

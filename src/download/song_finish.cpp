@@ -1,0 +1,137 @@
+#include "download/song_finish.h"
+
+#include "download/edge_trim.h"
+#include "download/mp4_finish.h"
+#include "library/finished_files.h"
+#include "library/song_measure.h"
+
+#include <QFileInfo>
+
+#include <cmath>
+
+namespace reelcrate {
+
+namespace {
+
+constexpr double sameLengthSeconds = 1.0;
+constexpr double sourceToleranceSeconds = 0.5;
+
+QString inSeconds(double seconds) {
+    return QString::number(seconds, 'f', 1) + QStringLiteral(" s");
+}
+
+/// A line of the log that says which file it is about.
+QString about(const QString& file, const QString& remark) {
+    return QFileInfo(file).fileName() + QStringLiteral(": ") + remark;
+}
+
+QString savedText(const EventTarget& target) {
+    return QStringLiteral("Saved to ") + QFileInfo(target.folder).fileName();
+}
+
+QString savedText(const TrimOutcome& trim, const EventTarget& target) {
+    switch (trim.kind) {
+        case TrimOutcome::Kind::trimmed:
+            return QStringLiteral("Saved; trimmed silent start/end");
+        case TrimOutcome::Kind::skipped:
+            return QStringLiteral("Saved; silence trim skipped");
+        case TrimOutcome::Kind::noMp3:
+            break;
+    }
+    return savedText(target);
+}
+
+}  // namespace
+
+SongFinisher::SongFinisher(const SongMeasurer& measurer, const EdgeTrimmer& trimmer,
+                           const Mp4Finisher& mp4Finisher, EventLibrary& library)
+    : m_measurer(measurer), m_trimmer(trimmer), m_mp4Finisher(mp4Finisher), m_library(library) {}
+
+std::optional<SongFinisher::Prepared> SongFinisher::prepare(const QString& file,
+                                                            const EventTarget& target,
+                                                            std::optional<double> sourceSeconds,
+                                                            const Log& log) const {
+    return target.mode == DownloadMode::audio ? prepareSong(file, target, sourceSeconds, log)
+                                              : prepareVideo(file, target, log);
+}
+
+std::optional<SongFinisher::Prepared> SongFinisher::prepareSong(const QString& file,
+                                                                const EventTarget& target,
+                                                                std::optional<double> sourceSeconds,
+                                                                const Log& log) const {
+    const SongMeasure measure = m_measurer.measure(file);
+    if (const auto reason = whyNoWholeSong(measure)) {
+        log(about(file, *reason));
+        return std::nullopt;
+    }
+    if (!measure.complaint.isEmpty())
+        log(about(file, measure.complaint));
+    if (sourceSeconds &&
+        std::abs(*sourceSeconds - measure.decodedSeconds) > sourceToleranceSeconds) {
+        log(about(file, QStringLiteral("%1 of %2 were converted.")
+                            .arg(inSeconds(measure.decodedSeconds), inSeconds(*sourceSeconds))));
+        return std::nullopt;
+    }
+    const TrimOutcome trim = m_trimmer.trim(file, measure);
+    if (!trim.reason.isEmpty())
+        log(about(file, trim.reason));
+    return Prepared{file, savedText(trim, target)};
+}
+
+std::optional<SongFinisher::Prepared> SongFinisher::prepareVideo(const QString& file,
+                                                                 const EventTarget& target,
+                                                                 const Log& log) const {
+    const Mp4Result video = m_mp4Finisher.finish(file);
+    if (!video.reason.isEmpty())
+        log(about(file, video.reason));
+    if (video.path.isEmpty())
+        return std::nullopt;
+    return Prepared{video.path, savedText(target)};
+}
+
+std::optional<QString> SongFinisher::enter(const QString& file, const QString& songKey,
+                                           const EventTarget& target, const Log& log) const {
+    const Arrival arrival =
+        m_library.enter(file, songKey, target.folder,
+                        [this](const QString& own, const QString& there, bool isOfThisRun) {
+                            return isSameSong(own, there, isOfThisRun);
+                        });
+    switch (arrival.outcome) {
+        case Arrival::Outcome::wasThere:
+            log(about(file, QStringLiteral("The song is there already.")));
+            break;
+        case Arrival::Outcome::notPlaced:
+            log(about(file, arrival.reason));
+            return std::nullopt;
+        case Arrival::Outcome::entered:
+            break;
+    }
+    return arrival.path;
+}
+
+std::optional<double> SongFinisher::damagedLength(const QString& source, const Log& log) const {
+    if (source.isEmpty())
+        return std::nullopt;
+    const SongMeasure measure = m_measurer.measure(source);
+    if (measure.complaint.isEmpty() || measure.decodedSeconds <= 0)
+        return std::nullopt;
+    log(about(source, QStringLiteral("The source is damaged (%1); what can be heard of it is "
+                                     "converted.")
+                          .arg(measure.complaint)));
+    return measure.headerSeconds.value_or(measure.decodedSeconds);
+}
+
+/// Of what came in this run, different links are known for different songs: as long is not enough.
+bool SongFinisher::isSameSong(const QString& file, const QString& there, bool isOfThisRun) const {
+    if (isOfThisRun) {
+        const QString own = m_measurer.soundHash(file);
+        return !own.isEmpty() && own == m_measurer.soundHash(there);
+    }
+    const SongMeasure own = m_measurer.measure(file);
+    const SongMeasure other = m_measurer.measure(there);
+    if (whyNoWholeSong(own) || whyNoWholeSong(other))
+        return false;
+    return std::abs(own.decodedSeconds - other.decodedSeconds) <= sameLengthSeconds;
+}
+
+}  // namespace reelcrate

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "library/event_library.h"
+
+#include <QString>
+
+#include <functional>
+#include <optional>
+
+/// What becomes of a file that the downloader has finished: it is looked at, trimmed or made an
+/// MP4, and enters the event folder if it is a whole song. Background threads: each step blocks.
+/// Nothing here fails a program: what is no song stays where it is, and the log says why.
+namespace reelcrate {
+
+class EdgeTrimmer;
+class Mp4Finisher;
+class SongMeasurer;
+
+class SongFinisher {
+public:
+    using Log = std::function<void(const QString& line)>;
+
+    /// A file that may enter.
+    struct Prepared {
+        QString path;
+        QString detail;  ///< the complete row's text
+    };
+
+    /// All parts outlive it.
+    SongFinisher(const SongMeasurer& measurer, const EdgeTrimmer& trimmer,
+                 const Mp4Finisher& mp4Finisher, EventLibrary& library);
+
+    /// Absent when the file is no whole song or video. A song of which the source's length in
+    /// seconds is known has to be as long.
+    std::optional<Prepared> prepare(const QString& file, const EventTarget& target,
+                                    std::optional<double> sourceSeconds, const Log& log) const;
+
+    /// The path in the event folder of the prepared file, or of the same song that was there
+    /// already. Absent when it cannot be moved there.
+    std::optional<QString> enter(const QString& file, const QString& songKey,
+                                 const EventTarget& target, const Log& log) const;
+
+    /// The length in seconds of what can be heard of a source that was not converted, if something
+    /// in it is damaged, and the log says so. Absent when it is sound, or when there is nothing.
+    std::optional<double> damagedLength(const QString& source, const Log& log) const;
+
+private:
+    std::optional<Prepared> prepareSong(const QString& file, const EventTarget& target,
+                                        std::optional<double> sourceSeconds, const Log& log) const;
+    std::optional<Prepared> prepareVideo(const QString& file, const EventTarget& target,
+                                         const Log& log) const;
+    bool isSameSong(const QString& file, const QString& there, bool isOfThisRun) const;
+
+    const SongMeasurer& m_measurer;
+    const EdgeTrimmer& m_trimmer;
+    const Mp4Finisher& m_mp4Finisher;
+    EventLibrary& m_library;
+};
+
+}  // namespace reelcrate

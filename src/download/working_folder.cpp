@@ -1,0 +1,250 @@
+#include "download/working_folder.h"
+
+#include "library/finished_files.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QSysInfo>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace reelcrate {
+
+namespace {
+
+constexpr QLatin1String lockName{"lock"};
+constexpr qint64 abandonedAfterDays = 3;
+constexpr int mostTries = 5;
+
+// Of what downloads end with and of what they are converted from.
+constexpr std::array mediaExtensions{"mp3", "m4a", "aac",  "flac", "wav", "aiff", "aif", "opus",
+                                     "ogg", "oga", "webm", "mp4",  "mkv", "mov",  "m4v", "flv",
+                                     "ts",  "3gp", "avi",  "mka",  "wma", "wmv",  "mpg", "weba"};
+
+QString systemText(int error) {
+    return QString::fromLocal8Bit(std::strerror(error));
+}
+
+QString workFolder(const QString& eventFolder) {
+    return eventFolder + u'/' + workFolderName;
+}
+
+bool isMedia(const QString& name) {
+    return std::any_of(mediaExtensions.begin(), mediaExtensions.end(), [&](const char* extension) {
+        return hasExtension(name, QString::fromLatin1(extension));
+    });
+}
+
+/// A piece of a transfer that the downloader can go on with.
+bool isPart(const QString& name) {
+    return name.endsWith(u".part") || name.endsWith(u".ytdl") || name.contains(u".part-Frag");
+}
+
+/// What a tool writes beside a file before it takes its place.
+bool isTemporary(const QString& name) {
+    return name.startsWith(u'.') || nameWithoutExtension(name).endsWith(u".temp") ||
+           nameWithoutExtension(name).endsWith(u".orig");
+}
+
+/// "Title [id].f137.mp4": the picture or the sound alone, before they are merged.
+bool isUnmerged(const QString& name) {
+    static const QRegularExpression form(QStringLiteral("\\]\\.f[^.\\]]+\\.[^.]+$"));
+    return form.match(name).hasMatch();
+}
+
+QString finalExtension(DownloadMode mode) {
+    return byMode(mode, QStringLiteral("mp3"), QStringLiteral("mp4"));
+}
+
+/// Under its final name a file is whole, unless it is what a tool converts or merges into.
+bool isResumable(const QString& name, DownloadMode mode) {
+    if (isPart(name) || name == lockName)
+        return true;
+    if (!isMedia(name) || isTemporary(name))
+        return false;
+    return isUnmerged(name) || !hasExtension(name, finalExtension(mode));
+}
+
+}  // namespace
+
+WorkingFolder::WorkingFolder(const QString& eventFolder, const QString& name)
+    : m_path(workFolder(QFileInfo(eventFolder).absoluteFilePath()) + u'/' + name) {}
+
+WorkingFolder::~WorkingFolder() {
+    release();
+}
+
+void WorkingFolder::release() {
+    m_lockFile.reset();
+    if (m_descriptor >= 0)
+        ::close(m_descriptor);
+    m_descriptor = -1;
+}
+
+/// Makes the folder, if need be, and opens it.
+bool WorkingFolder::open() {
+    // The event folder is made by the run alone: where a drive was pulled out, nothing is made.
+    for (const QString& folder : {QFileInfo(m_path).path(), m_path}) {
+        if (::mkdir(QFile::encodeName(folder).constData(), 0777) != 0 && errno != EEXIST) {
+            m_failure = systemText(errno);
+            return false;
+        }
+    }
+    m_descriptor =
+        ::open(QFile::encodeName(m_path).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (m_descriptor < 0)
+        m_failure = systemText(errno);
+    return m_descriptor >= 0;
+}
+
+/// Whether the path still leads to the open folder: the one who had it may just have removed it.
+bool WorkingFolder::isStillThere() const {
+    struct stat opened = {};
+    struct stat named = {};
+    return ::fstat(m_descriptor, &opened) == 0 &&
+           ::stat(QFile::encodeName(m_path).constData(), &named) == 0 &&
+           opened.st_ino == named.st_ino && opened.st_dev == named.st_dev;
+}
+
+WorkingFolder::Lock WorkingFolder::lock() {
+    for (int attempt = 0; attempt < mostTries; ++attempt) {
+        release();
+        if (!open())
+            continue;
+        // The children hold this lock with the program, so that none is at work here any more when
+        // it is free. Where a drive does not know such locks, the file alone decides.
+        const bool isFree = ::flock(m_descriptor, LOCK_EX | LOCK_NB) == 0;
+        if (!isFree && errno == EWOULDBLOCK) {
+            release();
+            return Lock::inUse;
+        }
+        if (!isStillThere())
+            continue;
+        const Lock result = lockFile(isFree);
+        if (result != Lock::failed)
+            return result;
+    }
+    release();
+    return Lock::failed;
+}
+
+/// `nobodyOfThisMachine`: the system says that no process of this machine holds the folder.
+WorkingFolder::Lock WorkingFolder::lockFile(bool nobodyOfThisMachine) {
+    const QString path = m_path + u'/' + lockName;
+    m_lockFile = std::make_unique<QLockFile>(path);
+    m_lockFile->setStaleLockTime(0);
+    if (m_lockFile->tryLock(0))
+        return Lock::held;
+    if (m_lockFile->error() != QLockFile::LockFailedError) {
+        m_failure = QStringLiteral("The folder cannot be written to.");
+        return Lock::failed;
+    }
+    // Its program was killed, and the number that stands in the file is another process's by now.
+    qint64 process = 0;
+    QString host;
+    QString program;
+    if (nobodyOfThisMachine && m_lockFile->getLockInfo(&process, &host, &program) &&
+        host == QSysInfo::machineHostName() && QFile::remove(path) && m_lockFile->tryLock(0))
+        return Lock::held;
+    release();
+    return Lock::inUse;
+}
+
+void WorkingFolder::keepResumable(DownloadMode mode) const {
+    const QDir folder(m_path);
+    for (const QString& name : folder.entryList(QDir::Files | QDir::Hidden | QDir::System)) {
+        if (!isResumable(name, mode))
+            QFile::remove(folder.filePath(name));
+    }
+}
+
+void WorkingFolder::removeParts() const {
+    const QDir folder(m_path);
+    for (const QString& name : folder.entryList(QDir::Files | QDir::Hidden)) {
+        if (isPart(name))
+            QFile::remove(folder.filePath(name));
+    }
+}
+
+void WorkingFolder::empty() const {
+    const QDir folder(m_path);
+    for (const QFileInfo& file : folder.entryInfoList(QDir::AllEntries | QDir::Hidden |
+                                                      QDir::System | QDir::NoDotAndDotDot)) {
+        if (file.isDir() && !file.isSymLink())
+            QDir(file.filePath()).removeRecursively();
+        else if (file.fileName() != lockName)
+            QFile::remove(file.filePath());
+    }
+}
+
+QStringList WorkingFolder::finishedFiles(DownloadMode mode) const {
+    const QDir folder(m_path);
+    QStringList names = folder.entryList(QDir::Files | QDir::NoSymLinks, QDir::Name);
+    names.removeIf([](const QString& name) {
+        return !isMedia(name) || isTemporary(name) || isUnmerged(name);
+    });
+    const QString last = finalExtension(mode);
+    QStringList paths;
+    for (const QString& name : std::as_const(names)) {
+        const QString converted = nameWithoutExtension(name) + u'.' + last;
+        const bool isConverted = !hasExtension(name, last) && names.contains(converted);
+        const bool isKind = mode == DownloadMode::video || hasFinishedExtension(name, mode);
+        if (isKind && !isConverted)
+            paths.append(folder.filePath(name));
+    }
+    return paths;
+}
+
+QString WorkingFolder::unconvertedSource() const {
+    const QDir folder(m_path);
+    for (const QString& name : folder.entryList(QDir::Files | QDir::NoSymLinks, QDir::Name)) {
+        if (isMedia(name) && isResumable(name, DownloadMode::audio))
+            return folder.filePath(name);
+    }
+    return {};
+}
+
+void WorkingFolder::remove() {
+    if (m_descriptor < 0)
+        return;
+    empty();
+    m_lockFile.reset();
+    // Fails where another program has just locked the folder in turn, which is right.
+    ::rmdir(QFile::encodeName(m_path).constData());
+    release();
+}
+
+void removeAbandonedWork(const QString& eventFolder) {
+    const QDir folder(workFolder(eventFolder));
+    const QDateTime limit = QDateTime::currentDateTime().addDays(-abandonedAfterDays);
+    for (const QFileInfo& each : folder.entryInfoList(QDir::Dirs | QDir::Hidden |
+                                                      QDir::NoDotAndDotDot | QDir::NoSymLinks)) {
+        const auto files = QDir(each.filePath()).entryInfoList(QDir::Files | QDir::Hidden);
+        const bool isOld = each.lastModified() < limit &&
+                           std::all_of(files.begin(), files.end(), [&](const QFileInfo& file) {
+                               return file.lastModified() < limit;
+                           });
+        if (!isOld)
+            continue;
+        WorkingFolder abandoned(eventFolder, each.fileName());
+        if (abandoned.lock() == WorkingFolder::Lock::held)
+            abandoned.remove();
+    }
+    removeWorkFolderIfEmpty(eventFolder);
+}
+
+void removeWorkFolderIfEmpty(const QString& eventFolder) {
+    ::rmdir(QFile::encodeName(workFolder(eventFolder)).constData());
+}
+
+}  // namespace reelcrate

@@ -1,0 +1,62 @@
+#include "library/event_library.h"
+
+#include "library/file_names.h"
+#include "library/place_file.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace reelcrate {
+
+namespace {
+
+using Outcome = Arrival::Outcome;
+
+// Somebody who has so many songs of one name has made them by a fault.
+constexpr int mostOfOneName = 999;
+
+}  // namespace
+
+QList<std::optional<QString>> EventLibrary::existingDownloadedFiles(
+    const QList<PlaylistEntry>& entries, const EventTarget& target) const {
+    FileWriters writers;
+    {
+        const std::lock_guard lock(m_mutex);
+        writers = m_writers;
+    }
+    const FinishedFileIndex index(target.folder, target.mode, writers);
+    QList<std::optional<QString>> files;
+    files.reserve(entries.size());
+    for (const PlaylistEntry& entry : entries)
+        files.append(index.existingDownloadedFile(entry));
+    return files;
+}
+
+std::optional<QString> EventLibrary::writerOf(const QString& path) const {
+    const std::lock_guard lock(m_mutex);
+    const auto writer = m_writers.constFind(path);
+    return writer == m_writers.cend() ? std::nullopt : std::optional(*writer);
+}
+
+Arrival EventLibrary::enter(const QString& file, const QString& songKey, const QString& eventFolder,
+                            const IsSameSong& isSameSong) {
+    const QDir folder(QFileInfo(eventFolder).absoluteFilePath());
+    const QString name = QFileInfo(file).fileName();
+    for (int number = 1; number <= mostOfOneName; ++number) {
+        const QString path = folder.filePath(number == 1 ? name : numberedFileName(name, number));
+        const Placement placement = placeFile(file, path);
+        if (placement.outcome == Placement::Outcome::failed)
+            return {Outcome::notPlaced, {}, placement.reason};
+        if (placement.outcome == Placement::Outcome::placed) {
+            const std::lock_guard lock(m_mutex);
+            m_writers.insert(path, songKey);
+            return {Outcome::entered, path, {}};
+        }
+        const auto writer = writerOf(path);
+        if (writer == songKey || isSameSong(file, path, writer.has_value()))
+            return {Outcome::wasThere, path, {}};
+    }
+    return {Outcome::notPlaced, {}, QStringLiteral("There are too many songs of this name.")};
+}
+
+}  // namespace reelcrate

@@ -1,0 +1,87 @@
+#include "library/place_file.h"
+
+#include <QByteArray>
+#include <QFile>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace reelcrate {
+
+namespace {
+
+using Outcome = Placement::Outcome;
+
+/// The errno of a failure, or 0.
+int renameWithoutReplacing(const char* from, const char* to) {
+#if defined(__linux__)
+    const int result = ::renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE);
+#elif defined(__APPLE__)
+    const int result = ::renamex_np(from, to, RENAME_EXCL);
+#else
+    const int result = -1;
+    errno = EINVAL;
+#endif
+    return result == 0 ? 0 : errno;
+}
+
+int linkAndUnlink(const char* from, const char* to) {
+    if (::link(from, to) != 0)
+        return errno;
+    ::unlink(from);
+    return 0;
+}
+
+/// For drives that know neither: an empty file holds the name until the song takes it.
+int reserveAndRename(const char* from, const char* to) {
+    const int reserved = ::open(to, O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0666);
+    if (reserved < 0)
+        return errno;
+    ::close(reserved);
+    if (::rename(from, to) == 0)
+        return 0;
+    const int error = errno;
+    ::unlink(to);
+    return error;
+}
+
+bool isNotKnownToTheDrive(int error) {
+    return error == EINVAL || error == ENOSYS || error == EPERM || error == EOPNOTSUPP ||
+           error == EMLINK;
+}
+
+/// The errno of a failure, or 0.
+int writeThrough(const char* path) {
+    const int file = ::open(path, O_RDONLY | O_CLOEXEC);
+    if (file < 0)
+        return errno;
+    const int result = ::fsync(file);
+    const int error = errno;
+    ::close(file);
+    return result == 0 || error == EINVAL || error == EROFS ? 0 : error;
+}
+
+}  // namespace
+
+Placement placeFile(const QString& from, const QString& to) {
+    const QByteArray source = QFile::encodeName(from);
+    const QByteArray target = QFile::encodeName(to);
+    int error = writeThrough(source.constData());
+    if (error == 0) {
+        error = renameWithoutReplacing(source.constData(), target.constData());
+        if (isNotKnownToTheDrive(error))
+            error = linkAndUnlink(source.constData(), target.constData());
+        if (isNotKnownToTheDrive(error))
+            error = reserveAndRename(source.constData(), target.constData());
+    }
+    if (error == 0)
+        return {};
+    if (error == EEXIST)
+        return {Outcome::taken, {}};
+    return {Outcome::failed, QString::fromLocal8Bit(std::strerror(error))};
+}
+
+}  // namespace reelcrate

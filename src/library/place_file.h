@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QString>
+
+/// Gives a file its place by one step that never replaces another. Background threads: it waits for
+/// the drive.
+namespace reelcrate {
+
+struct Placement {
+    enum class Outcome { placed, taken, failed };
+
+    Outcome outcome = Outcome::placed;
+    QString reason;  ///< the system's, when it failed
+};
+
+/// Writes the file through to the drive and renames it; both paths are on one drive. Two programs
+/// that want one name at once get it in turn: one is placed, to the other it is taken.
+Placement placeFile(const QString& from, const QString& to);
+
+}  // namespace reelcrate
