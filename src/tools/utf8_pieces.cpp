@@ -3,6 +3,7 @@
 #include <QStringDecoder>
 
 #include <algorithm>
+#include <optional>
 
 namespace reelcrate {
 
@@ -34,19 +35,28 @@ qsizetype incompleteTail(const QByteArray& bytes) {
     return 0;
 }
 
-}  // namespace
-
-QString Utf8Pieces::add(const QByteArray& bytes) {
-    QByteArray all = m_incomplete + bytes;
-    const qsizetype tail = incompleteTail(all);
-    m_incomplete = all.last(tail);
-    all.chop(tail);
-
+/// Absent where the bytes are not UTF-8.
+std::optional<QString> decoded(const QByteArray& bytes) {
     // A byte-order mark in mid-stream is a character like any other.
     QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom |
                                                      QStringDecoder::Flag::Stateless);
-    QString text = decoder(all);
-    return decoder.hasError() ? QString() : text;
+    QString text = decoder(bytes);
+    if (decoder.hasError())
+        return std::nullopt;
+    return text;
+}
+
+}  // namespace
+
+QString Utf8Pieces::add(const QByteArray& bytes) {
+    const QByteArray all = m_incomplete + bytes;
+    const qsizetype tail = incompleteTail(all);
+    auto text = decoded(all.chopped(tail));
+    // What waited was no beginning of these bytes, then: it is dropped alone.
+    if (!text && !m_incomplete.isEmpty())
+        text = decoded(bytes.chopped(tail));
+    m_incomplete = all.last(tail);
+    return text.value_or(QString());
 }
 
 }  // namespace reelcrate

@@ -10,7 +10,8 @@ namespace reelcrate {
 class Utf8Pieces {
 public:
     /// The text that is complete with these bytes; empty when nothing is complete yet, or when the
-    /// bytes are not UTF-8: such a piece is dropped.
+    /// bytes are not UTF-8: such a piece is dropped, or what waited for it, where that alone is
+    /// what spoils it.
     QString add(const QByteArray& bytes);
 
 private:
