@@ -51,6 +51,9 @@ ToolPlaces ToolPlaces::ofThisMachine() {
     places.appSupport = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
     if (places.appSupport.isEmpty())
         places.appSupport = joined(places.home, QStringLiteral("Library/Application Support"));
+    // From XDG_DATA_HOME, whose standard has a relative path ignored.
+    if (QDir::isRelativePath(places.appSupport))
+        places.appSupport = joined(places.home, QStringLiteral(".local/share"));
     const QDir resources(QCoreApplication::applicationDirPath() +
                          QStringLiteral("/../lib/reelcrate"));
     if (resources.exists())

@@ -134,6 +134,28 @@ TEST_F(ToolDiscoveryTest, TheSearchPathBeginsWithTheProgramsOwnFolders) {
               own.arg(resources) + system.arg(twice.home));
 }
 
+TEST_F(ToolDiscoveryTest, ARelativeDataFolderIsIgnored) {
+    const QString inHome = machine.path(QStringLiteral(".local/share"));
+    const struct {
+        QString folder;
+        QString appSupport;
+    } cases[] = {
+        {machine.path(QStringLiteral("data")), machine.path(QStringLiteral("data"))},
+        {QStringLiteral("data"), inHome},
+        {QStringLiteral("./data"), inHome},
+        {QString(), inHome},
+    };
+    const QByteArray former = qgetenv("XDG_DATA_HOME");
+    for (const auto& [folder, appSupport] : cases) {
+        qputenv("XDG_DATA_HOME", QFile::encodeName(folder));
+        EXPECT_EQ(ToolPlaces::ofThisMachine().appSupport, appSupport) << folder.toStdString();
+    }
+    if (former.isNull())
+        qunsetenv("XDG_DATA_HOME");
+    else
+        qputenv("XDG_DATA_HOME", former);
+}
+
 TEST_F(ToolDiscoveryTest, AUsersBareMachineNamesWhatIsMissing) {
     const ToolDiscovery discovery(shell, machine.places());
     MainQueue mainQueue;
