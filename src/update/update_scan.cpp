@@ -51,6 +51,8 @@ void UpdateScan::scanForUpdate() {
                          QNetworkRequest::AlwaysNetwork);
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
                          QNetworkRequest::UserVerifiedRedirectPolicy);
+    // Left alone, Qt tells the site the language of the user's desktop.
+    request.setRawHeader("Accept-Language", "en");
     watch(m_network.get(request));
 }
 
@@ -81,15 +83,19 @@ UpdateOutcome UpdateScan::outcomeOf(QNetworkReply& reply) const {
         return updateCheckFailed(QStringLiteral("The website redirects to an insecure address."));
     if (reply.property(tooLateProperty).toBool())
         return updateCheckFailed(QStringLiteral("The request timed out."));
+
+    // A status first: Qt counts one that is no success as an error of the network. After a redirect
+    // that led nowhere, though, the reply still has the redirect's.
+    const QVariant status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute);
+    const int number = status.toInt();
+    const bool isSuccess = number >= 200 && number <= 299;
+    const bool isRedirect = number >= 300 && number <= 399;
+    const bool failed = reply.error() != QNetworkReply::NoError;
+    if (status.isValid() && !isSuccess && !(isRedirect && failed))
+        return updateNotesRefused(number);
     if (reply.property(tooLargeProperty).toBool())
         return updateNotesUnreadable();
-
-    // A status first: Qt counts one that is no success as an error of the network.
-    const QVariant status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute);
-    const bool isSuccess = status.toInt() >= 200 && status.toInt() <= 299;
-    if (status.isValid() && !isSuccess)
-        return updateNotesRefused(status.toInt());
-    if (reply.error() != QNetworkReply::NoError)
+    if (failed)
         return updateCheckFailed(reply.errorString());
     const auto manifest = AppUpdateManifest::decode(reply.readAll());
     return manifest ? judgeUpdate(*manifest, m_ownVersion, m_ownBuild) : updateNotesUnreadable();

@@ -6,6 +6,7 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace reelcrate {
@@ -75,6 +76,7 @@ protected:
             QTcpSocket* socket = server.nextPendingConnection();
             ++requests;
             QObject::connect(socket, &QTcpSocket::readyRead, socket, [this, socket] {
+                request += socket->readAll();
                 socket->write(answer);
                 if (!answer.isEmpty())
                     socket->disconnectFromHost();
@@ -103,6 +105,7 @@ protected:
 
     QTcpServer server;
     QByteArray answer;
+    QByteArray request;
     int requests = 0;
     UpdateOutcome outcome;
     UpdateScan scan{QStringLiteral("4.8"), 48, [this] {
@@ -126,6 +129,10 @@ TEST_F(UpdateScanTest, EveryAnswerHasItsOutcome) {
     EXPECT_EQ(scanned("200 OK", QByteArray(1 << 19, '[')), updateNotesUnreadable());
     EXPECT_EQ(scanned("302 Found\r\nLocation: http://127.0.0.1/", "").title,
               QStringLiteral("Update scan failed"));
+    EXPECT_EQ(scanned("302 Found\r\nLocation: https://127.0.0.1:9/", "").title,
+              QStringLiteral("Update scan failed"))
+        << "nobody listens there";
+    EXPECT_EQ(scanned("404 Not Found", QByteArray(2 << 20, ' ')), updateNotesRefused(404));
     answer.clear();  // and no answer at all
     EXPECT_EQ(scanned().message,
               QStringLiteral("Could not check updates. Connect to Wi-Fi or internet and try again. "
@@ -133,6 +140,12 @@ TEST_F(UpdateScanTest, EveryAnswerHasItsOutcome) {
     server.close();
     EXPECT_EQ(scanned().title, QStringLiteral("Update scan failed"));
     EXPECT_FALSE(outcome.wasChecked);
+}
+
+TEST_F(UpdateScanTest, SaysNothingOfTheUser) {
+    scanned("200 OK", current);
+    EXPECT_THAT(request.toLower().split('\n'), testing::Contains("accept-language: en\r"));
+    EXPECT_THAT(request.toLower().toStdString(), testing::Not(testing::HasSubstr("cookie")));
 }
 
 TEST_F(UpdateScanTest, AsksOnceAtATime) {
