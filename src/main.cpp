@@ -5,6 +5,8 @@
 #include "console/setup_run.h"
 #include "console/termination_signals.h"
 #include "tools/process_supervisor.h"
+#include "tools/shell_runner.h"
+#include "tools/tool_versions.h"
 #include "ui/reelcrate_app.h"
 
 #include <QGuiApplication>
@@ -69,6 +71,15 @@ std::unique_ptr<QCoreApplication> makeApplication(bool withWindow, int& argc, ch
     return std::make_unique<QGuiApplication>(argc, argv);
 }
 
+void printVersions(ProcessSupervisor& supervisor) {
+    print(stdout, QStringLiteral("Reelcrate %1 (%2)\n")
+                      .arg(ContentView::appVersion)
+                      .arg(ContentView::appBuild));
+    ShellRunner shell(supervisor);
+    const ToolDiscovery discovery(shell, ToolPlaces::ofThisMachine());
+    print(stdout, toolVersionLines(discovery, shell).join(u'\n') + u'\n');
+}
+
 int runWithoutWindow(ProcessSupervisor& supervisor, const Arguments& arguments) {
     ContentView view(supervisor, ContentViewSetup::ofThisMachine());
     if (arguments.action == Arguments::Action::checkUpdate)
@@ -117,9 +128,7 @@ int main(int argc, char** argv) {
             print(stdout, helpText());
             return EXIT_SUCCESS;
         case Arguments::Action::showVersion:
-            print(stdout, QStringLiteral("Reelcrate %1 (%2)\n")
-                              .arg(ContentView::appVersion)
-                              .arg(ContentView::appBuild));
+            printVersions(supervisor);
             return EXIT_SUCCESS;
         case Arguments::Action::checkUpdate:
         case Arguments::Action::setUp:

@@ -42,7 +42,8 @@ void describe(QCommandLineParser& parser) {
         {setup, QStringLiteral("With --headless: install the tools that are missing, and end.")},
         {checkUpdate, QStringLiteral("Tell whether there is a newer version, and end.")},
         {{QStringLiteral("h"), help}, QStringLiteral("Show this help.")},
-        {{QStringLiteral("v"), version}, QStringLiteral("Show the program's version.")},
+        {{QStringLiteral("v"), version},
+         QStringLiteral("Show the program's version, and its tools'.")},
     });
     parser.addPositionalArgument(
         QStringLiteral("LINK"),

@@ -15,7 +15,6 @@ namespace reelcrate {
 namespace {
 
 const QString engineFolder = QStringLiteral("DownloaderEngine/bin");
-const QString readyOnSystem = QStringLiteral("Ready - already on this Mac");
 const QString toolsFolder = QStringLiteral("Tools/bin");
 
 QString joined(const QString& folder, const QString& rest) {
@@ -61,6 +60,10 @@ ToolPlaces ToolPlaces::ofThisMachine() {
     return places;
 }
 
+const QString ResolvedTool::readyBundled = QStringLiteral("Ready - bundled with app");
+const QString ResolvedTool::readyPrivately = QStringLiteral("Ready - installed privately");
+const QString ResolvedTool::readyOnSystem = QStringLiteral("Ready - already on this Mac");
+
 bool ResolvedTool::isFromSystem() const {
     return detail == readyOnSystem;
 }
@@ -84,8 +87,8 @@ QStringList ToolDiscovery::toolCandidates(const QString& command) const {
 
 QString ToolDiscovery::candidateDetail(const QString& path) const {
     if (m_places.resourceFolder && path.startsWith(*m_places.resourceFolder))
-        return QStringLiteral("Ready - bundled with app");
-    return QStringLiteral("Ready - installed privately");
+        return ResolvedTool::readyBundled;
+    return ResolvedTool::readyPrivately;
 }
 
 QStringList ToolDiscovery::systemPlaces() const {
@@ -113,7 +116,7 @@ std::optional<ResolvedTool> ToolDiscovery::resolvedTool(const QString& command) 
             return ResolvedTool{candidate, candidateDetail(candidate)};
     }
     if (auto path = systemToolPath(command))
-        return ResolvedTool{*std::move(path), readyOnSystem};
+        return ResolvedTool{*std::move(path), ResolvedTool::readyOnSystem};
     return std::nullopt;
 }
 

@@ -30,7 +30,11 @@ struct ToolPlaces {
 
 struct ResolvedTool {
     QString path;    ///< absolute
-    QString detail;  ///< a readiness text
+    QString detail;  ///< one of these readiness texts
+
+    static const QString readyBundled;
+    static const QString readyPrivately;
+    static const QString readyOnSystem;
 
     /// Found on the system's search path, not among the program's own copies.
     bool isFromSystem() const;

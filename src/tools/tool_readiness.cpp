@@ -2,11 +2,10 @@
 
 #include "base/background_tasks.h"
 #include "base/main_queue.h"
-#include "tools/shell_quote.h"
-#include "tools/shell_runner.h"
 #include "tools/tool_discovery.h"
 
 #include <QRegularExpression>
+#include <QVersionNumber>
 
 #include <algorithm>
 #include <array>
@@ -14,6 +13,10 @@
 namespace reelcrate {
 
 namespace {
+
+const QString ytDlp = QStringLiteral("yt-dlp");
+const QString deno = QStringLiteral("deno");
+const QString spotdl = QStringLiteral("spotdl");
 
 struct Tool {
     const char* name;
@@ -28,44 +31,47 @@ constexpr std::array tools{
     Tool{"Audio/Video Converter", "ffmpeg", "Create MP3 and MP4 files", "Missing - click Setup"},
     Tool{"Spotify Link Resolver", "spotdl", "Optional Spotify playlist matching",
          "Optional - install only if using Spotify links"},
+    Tool{"YouTube Script Runner", "deno", "Optional, for YouTube videos that need it",
+         "Optional - click Setup, some YouTube videos need it"},
 };
 
-/// Distributions ship a yt-dlp that is too old for the options that every download uses. Absent
-/// when it is not, or does not say.
-std::optional<QString> remarkOnAge(const QString& ytDlp, ShellRunner& shell) {
-    const QString oldest = QStringLiteral("2024.04.09");
-    constexpr double limitSeconds = 10;
-    const CommandResult answer =
-        shell.runShellSync(shellQuoted(ytDlp) + QStringLiteral(" --version"), limitSeconds);
-    static const QRegularExpression date(QStringLiteral("^\\d{4}\\.\\d\\d\\.\\d\\d"));
-    const QString version = answer.output.trimmed().section(u'\n', -1).trimmed();
-    const QRegularExpressionMatch match = date.match(version);
-    if (answer.status != 0 || !match.hasMatch() || match.captured() >= oldest)
+/// Distributions ship a yt-dlp that is too old for the options that every download uses, and a Deno
+/// that yt-dlp passes over. Absent when the tool is not, or does not say.
+std::optional<QString> remarkOnAge(const ToolVersion& tool) {
+    const QString oldest =
+        tool.command == ytDlp ? QStringLiteral("2024.04.09") : QStringLiteral("2.3");
+    static const QRegularExpression number(QStringLiteral("^\\d+\\.\\d+"));
+    if (!number.match(tool.version).hasMatch() ||
+        QVersionNumber::fromString(tool.version) >= QVersionNumber::fromString(oldest))
         return std::nullopt;
     return QStringLiteral("%1 is version %2, which is too old: %3 or newer is needed.")
-        .arg(ytDlp, version, oldest);
+        .arg(tool.path, tool.version, oldest);
 }
 
-/// In the background. What there is to say beside the record goes to the remarks.
-ToolState lookFor(const Tool& tool, const ToolDiscovery& discovery, ShellRunner& shell,
-                  QStringList& remarks) {
+/// In the background.
+void lookFor(const Tool& tool, const ToolDiscovery& discovery, ShellRunner& shell,
+             ToolCheck& check) {
     ToolState state;
     state.name = QString::fromLatin1(tool.name);
     state.command = QString::fromLatin1(tool.command);
     state.requiredFor = QString::fromLatin1(tool.requiredFor);
     state.detail = QString::fromLatin1(tool.whenMissing);
     const auto found = discovery.resolvedTool(state.command);
-    if (!found)
-        return state;
-    if (state.command == QStringLiteral("yt-dlp") && found->isFromSystem()) {
-        if (const auto remark = remarkOnAge(found->path, shell)) {
-            remarks.append(*remark);
-            return state;
-        }
+    std::optional<QString> remark;
+    if (found && (state.command == ytDlp || (state.command == deno && found->isFromSystem()))) {
+        const ToolVersion version = askedVersion(state.command, *found, shell);
+        if (found->isFromSystem())
+            remark = remarkOnAge(version);
+        if (state.command == ytDlp)
+            check.ytDlp = version;
     }
-    state.isReady = true;
-    state.detail = found->detail;
-    return state;
+    if (remark) {
+        check.remarks.append(*remark);
+    } else if (found) {
+        state.isReady = true;
+        state.detail = found->detail;
+    }
+    check.states.append(state);
 }
 
 QString logLine(const ToolState& state) {
@@ -82,9 +88,8 @@ QList<ToolState> filtered(const QList<ToolState>& states, Predicate predicate) {
 
 }  // namespace
 
-const QStringList ToolReadiness::coreToolCommands{QStringLiteral("yt-dlp"),
-                                                  QStringLiteral("ffmpeg")};
-const QStringList ToolReadiness::optionalToolCommands{QStringLiteral("spotdl")};
+const QStringList ToolReadiness::coreToolCommands{ytDlp, QStringLiteral("ffmpeg")};
+const QStringList ToolReadiness::optionalToolCommands{spotdl, deno};
 
 ToolReadiness::ToolReadiness(ShellRunner& shell, const ToolDiscovery& discovery,
                              BackgroundTasks& background, MainQueue& mainQueue)
@@ -97,21 +102,24 @@ void ToolReadiness::checkTools() {
     appendToolLog(QStringLiteral("Checking required tools...\n"));
     Q_EMIT toolsChanged();
     m_background.run([this](const std::stop_token&) {
-        QList<ToolState> states;
-        QStringList remarks;
+        ToolCheck check;
         for (const Tool& tool : tools)
-            states.append(lookFor(tool, m_discovery, m_shell, remarks));
-        m_mainQueue.post([this, states, remarks] { applyCheck(states, remarks); });
+            lookFor(tool, m_discovery, m_shell, check);
+        m_mainQueue.post([this, check] { applyCheck(check); });
     });
 }
 
-void ToolReadiness::applyCheck(const QList<ToolState>& states, const QStringList& remarks) {
-    m_toolStates = states;
+void ToolReadiness::applyCheck(const ToolCheck& check) {
+    m_toolStates = check.states;
+    m_ytDlp = check.ytDlp;
     m_isCheckingTools = false;
     QStringList lines;
-    for (const ToolState& state : states)
+    for (const ToolState& state : check.states)
         lines.append(logLine(state));
-    appendToolLog((lines + remarks).join(u'\n') + u'\n');
+    lines += check.remarks;
+    if (check.ytDlp)
+        lines.append(versionLine(*check.ytDlp));
+    appendToolLog(lines.join(u'\n') + u'\n');
     Q_EMIT toolsChanged();
     Q_EMIT summaryChanged(coreToolsReady() ? QStringLiteral("Downloader tools are ready")
                                            : QStringLiteral("Setup needs attention"));
@@ -152,10 +160,9 @@ QString ToolReadiness::setupDetailText() const {
         return QStringLiteral("Missing ") + missing.join(QStringLiteral(", ")) +
                QStringLiteral(". Click Setup to finish.");
     }
-    const bool spotifyReady =
-        std::any_of(m_toolStates.begin(), m_toolStates.end(), [](const ToolState& state) {
-            return state.isReady && optionalToolCommands.contains(state.command);
-        });
+    const bool spotifyReady = std::any_of(
+        m_toolStates.begin(), m_toolStates.end(),
+        [](const ToolState& state) { return state.isReady && state.command == spotdl; });
     return spotifyReady
                ? QStringLiteral("YouTube, Facebook, and Spotify helpers are ready.")
                : QStringLiteral("YouTube and Facebook are ready. Spotify matching is optional.");

@@ -180,12 +180,16 @@ TEST_F(ToolDiscoveryTest, AUsersBareMachineNamesWhatIsMissing) {
     EXPECT_TRUE(readiness.missingRequiredTools().isEmpty());
     EXPECT_EQ(readiness.setupDetailText(),
               QStringLiteral("YouTube and Facebook are ready. Spotify matching is optional."));
-    EXPECT_EQ(readiness.toolLog(),
-              QStringLiteral("Checking required tools...\n"
-                             "OK: YouTube/Facebook Engine - Ready - installed privately\n"
-                             "OK: Audio/Video Converter - Ready - installed privately\n"
-                             "Missing: Spotify Link Resolver - Optional - install only if using "
-                             "Spotify links\n"));
+    EXPECT_EQ(
+        readiness.toolLog(),
+        QStringLiteral("Checking required tools...\n"
+                       "OK: YouTube/Facebook Engine - Ready - installed privately\n"
+                       "OK: Audio/Video Converter - Ready - installed privately\n"
+                       "Missing: Spotify Link Resolver - Optional - install only if using "
+                       "Spotify links\n"
+                       "Missing: YouTube Script Runner - Optional - click Setup, some YouTube "
+                       "videos need it\n"
+                       "yt-dlp stand-in, installed privately\n"));
 }
 
 TEST_F(ToolDiscoveryTest, ASystemsYtDlpThatIsTooOldCountsAsMissing) {
@@ -222,12 +226,35 @@ TEST_F(ToolDiscoveryTest, ASystemsYtDlpThatIsTooOldCountsAsMissing) {
         EXPECT_EQ(discovery.toolPath(QStringLiteral("yt-dlp")), ytDlp);
     }
 
-    // A private copy is not asked, whatever its age.
+    // A private copy counts, whatever its age: Setup has a newer one.
     writeFile(ytDlp, "#!/bin/bash\necho 2023.03.04\n");
     machine.installScript(QStringLiteral("yt-dlp"), "#!/bin/bash\necho 2023.03.04\n");
     readiness.checkTools();
     ASSERT_TRUE(waitUntil([&] { return !readiness.isCheckingTools(); }));
     EXPECT_TRUE(readiness.coreToolsReady());
+}
+
+TEST_F(ToolDiscoveryTest, ASystemsDenoThatYtDlpPassesOverCountsAsMissing) {
+    ToolPlaces places = machine.places();
+    places.systemFolders = {machine.path(QStringLiteral("bin"))};
+    QDir().mkpath(places.systemFolders.first());
+    const ToolDiscovery discovery(shell, places);
+    MainQueue mainQueue;
+    BackgroundTasks background;
+    ToolReadiness readiness(shell, discovery, background, mainQueue);
+    for (const auto& [answer, isReady] : {std::pair{"deno 1.46.3 (stable, release)", false},
+                                          {"deno 2.2.9 (stable)", false},
+                                          {"deno 2.3.0 (stable)", true},
+                                          {"deno 2.10.1 (stable)", true},
+                                          {"something else", true}}) {
+        SCOPED_TRACE(answer);
+        const QString deno = places.systemFolders.first() + QStringLiteral("/deno");
+        writeFile(deno, QByteArray("#!/bin/bash\necho '") + answer + "'\n");
+        QFile::setPermissions(deno, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        readiness.checkTools();
+        ASSERT_TRUE(waitUntil([&] { return !readiness.isCheckingTools(); }));
+        EXPECT_EQ(readiness.toolStates().last().isReady, isReady);
+    }
 }
 
 }  // namespace
