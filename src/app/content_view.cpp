@@ -55,6 +55,8 @@ ContentView::ContentView(ProcessSupervisor& supervisor, ContentViewSetup setup)
     connect(&m_readiness, &ToolReadiness::toolsChanged, this, &ContentView::toolsChanged);
     connect(&m_installer, &ToolInstaller::isInstallingToolsChanged, this,
             &ContentView::toolsChanged);
+    connect(&m_installer, &ToolInstaller::progressChanged, this,
+            &ContentView::setupProgressChanged);
     connect(&m_readiness, &ToolReadiness::toolLogCleared, this, &ContentView::toolLogCleared);
     connect(&m_readiness, &ToolReadiness::toolLogAppended, this, &ContentView::toolLogAppended);
     connect(&m_readiness, &ToolReadiness::summaryChanged, this, &ContentView::setActiveSummary);

@@ -228,6 +228,8 @@ Q_SIGNALS:
     void toolsChanged();
     void toolLogCleared();
     void toolLogAppended(const QString& text);
+    /// How far a step of Setup is; empty when that is not known, or no longer so.
+    void setupProgressChanged(const QString& progress);
     void activeSummaryChanged();
     void selectionChanged();
     void eventNameChanged();

@@ -39,7 +39,7 @@ void describe(QCommandLineParser& parser) {
         {json, QStringLiteral("Print the queue as JSON at the end, and nothing else, on standard "
                               "output.")},
         {download, QStringLiteral("In the window: download the links once they have been read.")},
-        {setup, QStringLiteral("With --headless: install the tools that are missing, and end.")},
+        {setup, QStringLiteral("With --headless: install what is missing or newer, and end.")},
         {checkUpdate, QStringLiteral("Tell whether there is a newer version, and end.")},
         {{QStringLiteral("h"), help}, QStringLiteral("Show this help.")},
         {{QStringLiteral("v"), version},

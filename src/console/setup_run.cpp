@@ -10,6 +10,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <unistd.h>
 
 namespace reelcrate {
 
@@ -17,6 +18,23 @@ namespace {
 
 void print(const QString& text) {
     QTextStream(stdout) << text;
+}
+
+bool isOnTerminal() {
+    return ::isatty(STDOUT_FILENO) != 0;
+}
+
+/// In place of what the line held. The next piece of the log comes when it is empty again.
+void drawProgress(const QString& progress) {
+    print(QStringLiteral("\r\x1b[K") + printable(progress));
+}
+
+/// The tools' own words are among it.
+void printLog(const QString& text) {
+    QStringList lines = text.split(u'\n');
+    for (QString& line : lines)
+        line = printable(line);
+    print(lines.join(u'\n'));
 }
 
 /// Runs the event loop; a signal ends what is under way and the loop.
@@ -34,14 +52,15 @@ int execInterruptibly(ContentView& view) {
 
 int runSetup(ContentView& view) {
     bool isSetUp = false;
-    QObject::connect(&view, &ContentView::toolLogAppended, &print);
+    QObject::connect(&view, &ContentView::toolLogAppended, &printLog);
+    if (isOnTerminal())
+        QObject::connect(&view, &ContentView::setupProgressChanged, &drawProgress);
     QObject::connect(
         &view, &ContentView::toolsChanged, &view,
         [&view, &isSetUp] {
             if (view.isCheckingTools() || view.isInstallingTools())
                 return;
-            const bool isComplete = view.missingInstallableTools().isEmpty();
-            if (isSetUp || isComplete) {
+            if (isSetUp) {
                 print(view.setupDetailText() + u'\n');
                 QCoreApplication::exit(view.coreToolsReady() ? EXIT_SUCCESS
                                                              : HeadlessRun::toolsMissing);

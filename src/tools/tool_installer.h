@@ -5,10 +5,12 @@
 
 #include <QObject>
 #include <QString>
+#include <QStringList>
 
-/// Installs missing tools into the private tool folder. Main thread; the scripts run in the
-/// background, and what they print arrives in the tool log. However an installation ends, the tools
-/// are checked again afterwards, which tells what is really there.
+/// Installs missing tools into the private tool folder, and replaces those that have become old.
+/// Main thread; the scripts run in the background, and what they print arrives in the tool log.
+/// However an installation ends, the tools are checked again afterwards, which tells what is really
+/// there; what was worth telling stands in the log of that check, too.
 namespace reelcrate {
 
 class BackgroundTasks;
@@ -27,8 +29,8 @@ public:
 
     void installMissingTools();
 
-    /// What the user's Setup button does: installs what the last check missed, or checks. Nothing
-    /// while either is under way.
+    /// What the user's Setup button does: installs what the last check missed and what is newer, or
+    /// checks where nothing was checked yet. Nothing while either is under way.
     void performSetup();
 
     /// Background threads. Blocks until the script has ended; `onOutput` gets its output in pieces.
@@ -36,11 +38,17 @@ public:
 
 Q_SIGNALS:
     void isInstallingToolsChanged();
+    /// How far a step is; empty when that is not known, or no longer so.
+    void progressChanged(const QString& progress);
 
 private:
-    void install() const;
-    void log(const QString& text) const;
-    void finish();
+    QStringList wantedTools() const;
+    QStringList runScripts(const QStringList& wanted);
+    CommandResult runScript(const QString& script, QStringList& news);
+    QString spotifyScript() const;
+    void log(const QString& text);
+    void show(const QString& progress);
+    void finish(const QStringList& news);
 
     ShellRunner& m_shell;
     const ToolDiscovery& m_discovery;
@@ -49,6 +57,7 @@ private:
     MainQueue& m_mainQueue;
     const InstallerSources m_sources;
     bool m_isInstallingTools = false;
+    QString m_progress;
 };
 
 }  // namespace reelcrate

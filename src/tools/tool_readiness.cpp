@@ -95,16 +95,17 @@ ToolReadiness::ToolReadiness(ShellRunner& shell, const ToolDiscovery& discovery,
                              BackgroundTasks& background, MainQueue& mainQueue)
     : m_shell(shell), m_discovery(discovery), m_background(background), m_mainQueue(mainQueue) {}
 
-void ToolReadiness::checkTools() {
+void ToolReadiness::checkTools(const QStringList& news) {
     m_isCheckingTools = true;
     m_toolLog.clear();
     Q_EMIT toolLogCleared();
     appendToolLog(QStringLiteral("Checking required tools...\n"));
     Q_EMIT toolsChanged();
-    m_background.run([this](const std::stop_token&) {
+    m_background.run([this, news](const std::stop_token&) {
         ToolCheck check;
         for (const Tool& tool : tools)
             lookFor(tool, m_discovery, m_shell, check);
+        check.news = news;
         m_mainQueue.post([this, check] { applyCheck(check); });
     });
 }
@@ -119,6 +120,7 @@ void ToolReadiness::applyCheck(const ToolCheck& check) {
     lines += check.remarks;
     if (check.ytDlp)
         lines.append(versionLine(*check.ytDlp));
+    lines += check.news;
     appendToolLog(lines.join(u'\n') + u'\n');
     Q_EMIT toolsChanged();
     Q_EMIT summaryChanged(coreToolsReady() ? QStringLiteral("Downloader tools are ready")

@@ -33,6 +33,7 @@ struct ToolCheck {
     QList<ToolState> states;
     QStringList remarks;  ///< what there is to say beside the records
     std::optional<ToolVersion> ytDlp;
+    QStringList news;  ///< of a Setup before
 };
 
 class ToolReadiness : public QObject {
@@ -52,8 +53,9 @@ public:
     /// The yt-dlp that the last check found, too old ones included.
     const std::optional<ToolVersion>& foundYtDlp() const { return m_ytDlp; }
 
-    /// Looks for all tools again; the records are replaced when all have been looked for.
-    void checkTools();
+    /// Looks for all tools again; the records are replaced when all have been looked for. `news`
+    /// are lines for the end of the log, which begins anew.
+    void checkTools(const QStringList& news = {});
 
     void appendToolLog(const QString& text);
 
