@@ -19,6 +19,9 @@ ROOT = Path(__file__).resolve().parents[2]
 FAKES = ROOT / "tests" / "fakes"
 PROGRAM = os.environ.get("REELCRATE", str(ROOT / "build" / "dev" / "bin" / "reelcrate"))
 
+# Unpacked there by scripts/setup, where Debian's unstable suite can be reached.
+NEWEST_YT_DLP = ROOT / "build" / "newest-yt-dlp"
+
 # What the program counts as a finished song.
 FINISHED = {".mp3", ".m4a", ".aac", ".flac", ".wav", ".aiff", ".aif"}
 
@@ -83,6 +86,15 @@ class Stage:
         shutil.copy(source, tool)
         tool.chmod(0o755)
         return tool
+
+    def install_newest_yt_dlp(self):
+        modules = NEWEST_YT_DLP / "usr" / "lib" / "python3" / "dist-packages"
+        tool = self.tools / "yt-dlp"
+        tool.write_text(
+            "#!/bin/sh\n"
+            f"PYTHONPATH='{modules}' exec python3 '{NEWEST_YT_DLP}/usr/bin/yt-dlp' \"$@\"\n"
+        )
+        tool.chmod(0o755)
 
     def start(self, *arguments, event="Party", wrapper=(), front_end=("--headless",)):
         return subprocess.Popen(

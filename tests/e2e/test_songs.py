@@ -1,12 +1,13 @@
 #!/usr/bin/env python3
-"""Links become finished, trimmed songs, with the real yt-dlp and ffmpeg."""
+"""Links become finished, trimmed songs, with the real yt-dlp and ffmpeg: the
+machine's yt-dlp, and the newest of Debian's."""
 
 import os
 import unittest
 
 import songs
 from songs import ALBUM, Song
-from stage import EndToEnd
+from stage import NEWEST_YT_DLP, EndToEnd
 
 FIELDS = {
     "id": str,
@@ -143,6 +144,25 @@ class NeedsAttention(EndToEnd):
         self.assertEqual(list(self.stage.home.iterdir()), [])
 
 
+@unittest.skipUnless(NEWEST_YT_DLP.is_dir(), "scripts/setup could not fetch the newest yt-dlp")
+class WithNewestYtDlp:
+    def setUp(self):
+        super().setUp()
+        self.stage.install_newest_yt_dlp()
+
+
+class Mp3WithNewestYtDlp(WithNewestYtDlp, Mp3):
+    pass
+
+
+class Mp4WithNewestYtDlp(WithNewestYtDlp, Mp4):
+    pass
+
+
+class NeedsAttentionWithNewestYtDlp(WithNewestYtDlp, NeedsAttention):
+    pass
+
+
 class Usage(EndToEnd):
     def test_wrong_usage(self):
         for arguments in (
@@ -161,6 +181,8 @@ class Usage(EndToEnd):
             outcome = self.stage.run(option)
             self.assertStatus(outcome, 0)
             self.assertIn("reelcrate", outcome.out.lower())
+        for name in ("yt-dlp", "ffmpeg", "deno", "spotdl"):
+            self.assertRegex(outcome.out, rf"\n{name} \S")
 
 
 if __name__ == "__main__":
