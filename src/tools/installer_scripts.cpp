@@ -19,6 +19,7 @@ TOOLS="${BIN%/*}"
 
 # One Setup at a time, where the system has flock: two would sweep away each other's work.
 LOCKED=
+# shellcheck disable=SC2034 # not all scripts sweep
 if command -v flock > /dev/null; then
     exec 9> "$TOOLS/.lock"
     if ! flock -n 9; then
@@ -71,6 +72,7 @@ version_in() {
 # last_words FILE TEXT: the last line of what a program said, or the text when it said nothing
 last_words() {
     local words
+    # shellcheck disable=SC2016 # the last line, for sed
     words="$("$SED" -n '/[^[:space:]]/h; ${x;p;}' "$1" 2> /dev/null)" || words=
     echo "${words:-$2}"
 }

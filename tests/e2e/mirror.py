@@ -79,6 +79,21 @@ class Mirror:
                 info.external_attr = 0o755 << 16
                 archive.writestr(info, content)
 
+    def put_spotdl(self, version):
+        """A newest spotdl in an index for pip."""
+        wheel = f"spotdl-{version}-py3-none-any.whl"
+        info = f"spotdl-{version}.dist-info"
+        self.put_zip(wheel, {
+            "spotdl_stand_in.py": f"def main():\n    print('{version}')\n".encode(),
+            f"{info}/METADATA": f"Metadata-Version: 2.1\nName: spotdl\nVersion: {version}\n".encode(),
+            f"{info}/WHEEL": b"Wheel-Version: 1.0\nRoot-Is-Purelib: true\nTag: py3-none-any\n",
+            f"{info}/entry_points.txt": b"[console_scripts]\nspotdl = spotdl_stand_in:main\n",
+            f"{info}/RECORD": b"",
+        })
+        page = "".join(
+            f'<a href="/{each.name}">{each.name}</a>\n' for each in self.folder.glob("spotdl-*.whl"))
+        self.answers["simple/spotdl"] = says(f"<!DOCTYPE html><html><body>{page}</body></html>")
+
     def digest(self, name):
         return hashlib.sha256((self.folder / name).read_bytes()).hexdigest()
 
@@ -86,6 +101,16 @@ class Mirror:
         self.server.shutdown()
         self.server.server_close()
         shutil.rmtree(self.folder)
+
+
+def says(page):
+    def answer(request, _):
+        request.send_response(200)
+        request.send_header("Content-Type", "text/html")
+        request.end_headers()
+        request.wfile.write(page.encode())
+
+    return answer
 
 
 # Answers that are none.

@@ -35,9 +35,14 @@ class SetupTest(EndToEnd):
         return outcome.out
 
     @property
+    def environments(self):
+        """Setup's environments of spotdl."""
+        return {path.name for path in self.stage.tools.parent.glob("spotdl-venv*")}
+
+    @property
     def builds(self):
         """Setup's copies of yt-dlp; nothing else but them stands beside the tools."""
-        names = {path.name for path in self.stage.tools.parent.iterdir()} - {"bin", ".lock"}
+        names = {path.name for path in self.stage.tools.parent.iterdir()} - {"bin", ".lock"} - self.environments
         self.assertEqual({name for name in names if not name.startswith("yt-dlp-")}, set())
         return {name.removeprefix("yt-dlp-") for name in names}
 
@@ -302,6 +307,41 @@ class Renewing(SetupTest):
         running.wait()
         self.set_up()
         self.assertEqual(self.builds, {"2026.08.19"})
+
+
+class Spotify(SetupTest):
+    def setUp(self):
+        super().setUp()
+        (self.stage.home / ".local" / "bin" / "spotdl").unlink()
+        self.stage.environment |= {
+            "PIP_INDEX_URL": f"{self.mirror.address}/simple/",
+            "PIP_RETRIES": "0",
+            "PIP_DISABLE_PIP_VERSION_CHECK": "1",
+        }
+
+    def test_the_helper_is_installed_renewed_and_kept(self):
+        self.assertIn("Spotify helper was not installed. YouTube and Facebook downloads can still work.\n",
+                      self.set_up())
+        self.assertEqual((self.installed(), self.environments), (ALL, set()))
+
+        self.mirror.put_spotdl("4.4.2")
+        self.assertIn("Optional Spotify helper is ready.\n", self.set_up())
+        self.assertEqual((self.version("spotdl"), self.environments), ("4.4.2", {"spotdl-venv"}))
+        self.assertIn("spotdl 4.4.2 is the newest.\n", self.set_up())
+
+        self.mirror.put_spotdl("4.10.0")
+        self.assertIn("spotdl: 4.4.2 -> 4.10.0\n", self.set_up())
+        self.assertEqual(self.version("spotdl"), "4.10.0")
+        self.assertEqual(self.environments, {"spotdl-venv", "spotdl-venv-2"})
+
+        self.mirror.put_zip("spotdl-4.11.0-py3-none-any.whl", {"no": b"wheel"})
+        self.mirror.put_spotdl("4.10.0")
+        self.assertIn("spotdl 4.10.0 stays.\n", self.set_up())
+        self.assertEqual((self.version("spotdl"), self.environments), ("4.10.0", {"spotdl-venv-2"}))
+
+        self.mirror.answers.clear()
+        self.assertIn("The newest version of spotdl could not be asked for, so 4.10.0 stays:", self.set_up())
+        self.assertEqual(self.version("spotdl"), "4.10.0")
 
 
 class Killed(SetupTest):
