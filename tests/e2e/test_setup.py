@@ -301,6 +301,7 @@ class Renewing(SetupTest):
         old.mkdir()
         shutil.copy(shutil.which("sleep"), old / "yt-dlp_linux")
         running = subprocess.Popen([old / "yt-dlp_linux", "3600"])
+        self.addCleanup(running.kill)
         self.set_up()
         self.assertTrue((old / "yt-dlp_linux").exists())
         running.kill()
