@@ -158,7 +158,7 @@ QueueResolution ResolutionDriver::resolveQueueEntryWithRetries(const DownloadIte
         QueueResolution resolution = resolveOnce(item);
         if (!resolution.entries.isEmpty() || !resolution.failure)
             return resolution;
-        if (containsAny(*resolution.failure, permanentFailureMarkers))
+        if (isPermanentFailure(*resolution.failure))
             return resolution;
         if (attempt == maxMetadataResolveAttempts || stop.stop_requested())
             return resolution;
@@ -277,6 +277,10 @@ void ResolutionDriver::keepRow(const QueueResolution& resolution, const Download
     });
     Q_EMIT summaryChanged(isFailure ? QStringLiteral("Playlist needs attention")
                                     : QStringLiteral("No new songs added"));
+}
+
+bool ResolutionDriver::isPermanentFailure(const QString& failure) {
+    return containsAny(failure, permanentFailureMarkers);
 }
 
 bool ResolutionDriver::shouldRetryInfoForFailedItem(const DownloadItem& item) {

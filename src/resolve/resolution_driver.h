@@ -63,6 +63,9 @@ public:
     void applyResolution(const QueueResolution& resolution, const FilesThatAreThere& files,
                          const DownloadItem& item, qsizetype index);
 
+    /// Whether reading fails in the same way however often it is tried, by the text for the user.
+    static bool isPermanentFailure(const QString& failure);
+
     /// Whether trying a failed row again means reading its link again rather than downloading it.
     static bool shouldRetryInfoForFailedItem(const DownloadItem& item);
 
