@@ -62,6 +62,10 @@ ContentView::ContentView(ProcessSupervisor& supervisor, ContentViewSetup setup)
     connect(&m_readiness, &ToolReadiness::summaryChanged, this, &ContentView::setActiveSummary);
     connect(&m_resolution, &ResolutionDriver::summaryChanged, this, &ContentView::setActiveSummary);
     connect(&m_resolution, &ResolutionDriver::logged, this, &ContentView::appendRunLog);
+    connect(&m_resolution, &ResolutionDriver::noted, this, [this](const QString& note) {
+        m_downloads.appendNote(note);
+        Q_EMIT readingNoted(note);
+    });
     connect(&m_resolution, &ResolutionDriver::rowRead, this, &ContentView::startWhatWasRead);
     connect(&m_downloads, &DownloadRuns::slotFreed, this, &ContentView::startWaitingRows);
     connect(&m_downloads, &DownloadRuns::summaryChanged, this, &ContentView::setActiveSummary);

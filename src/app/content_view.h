@@ -240,6 +240,8 @@ Q_SIGNALS:
     /// Of the message, or of whether a scan is under way.
     void updateChanged();
     void updateScanFinished(const reelcrate::UpdateOutcome& outcome);
+    /// Songs are missing from what was read.
+    void readingNoted(const QString& note);
     void runLogCleared();
     void runLogAppended(const QString& text);
 

@@ -42,6 +42,8 @@ HeadlessRun::HeadlessRun(ContentView& view, const Arguments& arguments)
     const auto advanceLater = [this] { m_advance.start(0); };
     connect(&view, &ContentView::toolsChanged, this, advanceLater);
     connect(&view, &ContentView::activeDownloadRunsChanged, this, advanceLater);
+    connect(&view, &ContentView::readingNoted, this,
+            [this](const QString& note) { m_notes.append(note); });
     connect(&view.queue(), &QueueStore::rowReplaced, this, advanceLater);
     connect(&view.queue(), &QueueStore::rowChanged, this,
             [advanceLater](qsizetype, QueueStore::Fields fields) {
@@ -120,6 +122,8 @@ void HeadlessRun::interrupt(int signalNumber) {
 void HeadlessRun::end(int exitStatus) {
     m_phase = Phase::ended;
     m_display->finish();
+    for (const QString& note : std::as_const(m_notes))
+        complain(note);
     if (m_json)
         print(stdout, QJsonDocument(queueAsJson(m_view.queue().rows())).toJson());
     Q_EMIT finished(exitStatus);

@@ -47,6 +47,7 @@ private:
     ContentView& m_view;
     const bool m_json;
     QStringList m_texts;  ///< what the links are taken from
+    QStringList m_notes;  ///< for the user, at the end
     std::unique_ptr<StandardInput> m_input;
     std::unique_ptr<ProgressDisplay> m_display;
     Phase m_phase = Phase::checkingTools;

@@ -17,7 +17,7 @@ QString outputTemplate(const DownloadItem& item, QString folder) {
         folder += u'/';
     if (item.source == SourceType::spotify)
         return folder + spotifyFileStem(item.title) + QStringLiteral(" [%(id)s].%(ext)s");
-    return folder + QStringLiteral("%(title).180B [%(id)s].%(ext)s");
+    return folder + QStringLiteral("%(title).180B [%(id).40B].%(ext)s");
 }
 
 QString target(const DownloadItem& item, DownloadMode mode) {
@@ -31,18 +31,30 @@ QString progressOptions() {
            shellQuoted(QStringLiteral("download:RCR_PROGRESS:%(progress._percent_str)s"));
 }
 
+/// What a configuration file of the user's may not change: that songs are downloaded, told of and
+/// left alone.
+QString guards() {
+    return QStringLiteral(" --no-simulate --no-quiet --no-download-archive --no-exec");
+}
+
 /// A file under its final name is to be whole, whatever a configuration file of the user's says: a
-/// transfer that is cut off keeps another name, and a stream that lacks a piece fails.
+/// transfer that is cut off keeps another name, and a stream that lacks a piece fails. One of
+/// several media that fails does not end the others; but after a conversion that failed the source
+/// is left alone, and not given tags under which it looks whole.
 QString transferOptions() {
     return QStringLiteral(
-        " --ignore-errors --part --abort-on-unavailable-fragments --concurrent-fragments ");
+        " --no-abort-on-error --part --abort-on-unavailable-fragments --concurrent-fragments ");
 }
 
 QString conversionOptions(Conversion conversion) {
-    // Without it ffmpeg (5.1) reports success also where a full disk cut the file's end off.
+    // Without it ffmpeg (5.1) reports success also where a full disk cut the file's end off. Tags
+    // and cover are written into a copy of the song, too, which takes its place.
+    const QString copies = QStringLiteral(
+        " --postprocessor-args Metadata:-xerror"
+        " --postprocessor-args EmbedThumbnail+ffmpeg_o:-xerror");
     return conversion == Conversion::strict
-               ? QStringLiteral(" --postprocessor-args ExtractAudio:-xerror")
-               : QString();
+               ? QStringLiteral(" --postprocessor-args ExtractAudio:-xerror") + copies
+               : copies;
 }
 
 QString itemChoice(const DownloadItem& item) {
@@ -75,7 +87,7 @@ QString downloadCommand(const DownloadItem& item, const QString& folder, Downloa
     const QString tool = tools.ytDlp.value_or(QStringLiteral("yt-dlp"));
     const QString start = QStringLiteral("PATH=") + shellQuoted(tools.searchPath) +
                           QStringLiteral(":$PATH ") + shellQuoted(tool) + u' ' + progressOptions() +
-                          transferOptions();
+                          guards() + transferOptions();
     const QString end = itemChoice(item) + QStringLiteral(" -o ") +
                         shellQuoted(outputTemplate(item, folder)) + u' ' +
                         shellQuoted(target(item, mode));

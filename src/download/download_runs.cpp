@@ -15,6 +15,7 @@
 #include <chrono>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 namespace reelcrate {
 
@@ -48,10 +49,7 @@ DownloadRuns::DownloadRuns(QueueStore& queue, ShellRunner& shell, const ToolDisc
       m_timing(timing),
       m_crawls(queue),
       m_stages(queue, m_crawls),
-      m_measurer(shell, discovery),
-      m_trimmer(shell, discovery, m_measurer),
-      m_mp4Finisher(shell, discovery),
-      m_finisher(m_measurer, m_trimmer, m_mp4Finisher, library),
+      m_finisher(shell, discovery, library),
       m_parts{shell, discovery, library, m_finisher, mainQueue, m_stages, m_log} {
     connect(&m_log, &RunLog::cleared, this, &DownloadRuns::runLogCleared);
     connect(&m_log, &RunLog::appended, this, &DownloadRuns::runLogAppended);
@@ -86,6 +84,8 @@ void DownloadRuns::startDownloadRun(const QList<QUuid>& itemIDs, const RunTarget
 
     setActiveDownloadRuns(m_activeDownloadRuns + 1);
     m_log.clear();
+    for (const QString& note : std::exchange(m_notes, {}))
+        m_log.append(note);
     Q_EMIT summaryChanged(QStringLiteral("Preparing event folder"));
     if (!createEventFolder(target)) {
         setActiveDownloadRuns(std::max(m_activeDownloadRuns - 1, 0));
@@ -188,6 +188,11 @@ void DownloadRuns::finishRun(const DownloadRun* run) {
 void DownloadRuns::setActiveDownloadRuns(int count) {
     m_activeDownloadRuns = count;
     Q_EMIT activeDownloadRunsChanged();
+}
+
+void DownloadRuns::appendNote(const QString& text) {
+    m_notes.append(text);
+    m_log.append(text);
 }
 
 void DownloadRuns::appendRunLog(const QString& text) {

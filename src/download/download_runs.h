@@ -1,14 +1,11 @@
 #pragma once
 
-#include "download/edge_trim.h"
-#include "download/mp4_finish.h"
 #include "download/progress_crawls.h"
 #include "download/row_download.h"
 #include "download/row_stages.h"
 #include "download/run_log.h"
 #include "download/song_finish.h"
 #include "library/event_library.h"
-#include "library/song_measure.h"
 
 #include <QList>
 #include <QObject>
@@ -67,6 +64,9 @@ public:
     /// Any thread; the text arrives in the log when the main thread gets to it.
     void appendRunLog(const QString& text);
 
+    /// Of what was read before a run: it stands in the log now, and in that of the next run.
+    void appendNote(const QString& text);
+
 Q_SIGNALS:
     void summaryChanged(const QString& text);
     void activeDownloadRunsChanged();
@@ -90,11 +90,9 @@ private:
     MainQueue& m_mainQueue;
     const DownloadTiming m_timing;
     RunLog m_log;
+    QStringList m_notes;  ///< for the next run's log
     ProgressCrawls m_crawls;
     RowStages m_stages;
-    SongMeasurer m_measurer;
-    EdgeTrimmer m_trimmer;
-    Mp4Finisher m_mp4Finisher;
     SongFinisher m_finisher;
     DownloadParts m_parts;
     QSet<QString> m_runningSongs;

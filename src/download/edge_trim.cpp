@@ -65,23 +65,23 @@ TrimPlan TrimPlan::of(const SongMeasure& measure) {
 
 QString edgeTrimCommand(const QString& ffmpeg, const QString& input, const TrimPlan& plan,
                         const QString& output) {
-    const QString song = QStringLiteral("-i ") + shellQuoted(ffmpegFile(input));
+    const QString song = QStringLiteral("-i ") + shellQuoted(input);
     const QString start = QStringLiteral("-ss ") + position(plan.start);
     return QStringList{
         shellQuoted(ffmpeg),
         QStringLiteral("-hide_banner -loglevel level+error -nostdin -y"),
-        // The sound is decoded from the song's beginning: a decoder that starts elsewhere lacks
-        // what the first frames borrow from those before, and spoils 50 ms. Cover and chapters come
-        // from the same file read from the cut on, which is what shifts the chapters.
+        // All is decoded from the song's beginning: a decoder that starts elsewhere lacks what the
+        // first frames borrow from those before, and spoils 50 ms. The chapters alone come from the
+        // same file read from the cut on, which is what shifts them.
         song,
         start,
         song,
-        QStringLiteral("-map 0:a:0 -map 1:v? -map_metadata 0 -map_chapters 1"),
+        QStringLiteral("-map 0:a:0 -map 0:v? -map_metadata 0 -map_chapters 1"),
         QStringLiteral("-af atrim=start=%1:end=%2,asetpts=PTS-STARTPTS")
             .arg(position(plan.start), position(plan.end)),
         QStringLiteral("-t ") + position(plan.seconds()),
         QStringLiteral("-c:a libmp3lame -q:a 0 -c:v copy -id3v2_version 3"),
-        shellQuoted(ffmpegFile(output)),
+        shellQuoted(output),
     }
         .join(u' ');
 }
@@ -116,7 +116,7 @@ QString EdgeTrimmer::whyNotCut(const QString& path, const TrimPlan& plan,
     const CommandResult result =
         m_shell.runShellApart(edgeTrimCommand(*ffmpeg, path, plan, temporary),
                               leastLimitSeconds + limitPerSecond * plan.end);
-    if (const QString reason = whyConverterFailed(result); !reason.isEmpty())
+    if (QString reason = whyConverterFailed(result); !reason.isEmpty())
         return reason;
 
     const SongMeasure cut = m_measurer.measure(temporary);

@@ -1,9 +1,6 @@
 #include "download/song_finish.h"
 
-#include "download/edge_trim.h"
-#include "download/mp4_finish.h"
 #include "library/finished_files.h"
-#include "library/song_measure.h"
 
 #include <QFileInfo>
 
@@ -43,9 +40,13 @@ QString savedText(const TrimOutcome& trim, const EventTarget& target) {
 
 }  // namespace
 
-SongFinisher::SongFinisher(const SongMeasurer& measurer, const EdgeTrimmer& trimmer,
-                           const Mp4Finisher& mp4Finisher, EventLibrary& library)
-    : m_measurer(measurer), m_trimmer(trimmer), m_mp4Finisher(mp4Finisher), m_library(library) {}
+SongFinisher::SongFinisher(ShellRunner& shell, const ToolDiscovery& discovery,
+                           EventLibrary& library)
+    : m_library(library),
+      m_measurer(shell, discovery),
+      m_videoMeasurer(shell, discovery),
+      m_trimmer(shell, discovery, m_measurer),
+      m_mp4Finisher(shell, discovery, m_videoMeasurer) {}
 
 std::optional<SongFinisher::Prepared> SongFinisher::prepare(const QString& file,
                                                             const EventTarget& target,
@@ -81,7 +82,7 @@ std::optional<SongFinisher::Prepared> SongFinisher::prepareSong(const QString& f
 std::optional<SongFinisher::Prepared> SongFinisher::prepareVideo(const QString& file,
                                                                  const EventTarget& target,
                                                                  const Log& log) const {
-    const Mp4Result video = m_mp4Finisher.finish(file);
+    const Mp4Outcome video = m_mp4Finisher.finish(file);
     if (!video.reason.isEmpty())
         log(about(file, video.reason));
     if (video.path.isEmpty())
@@ -121,17 +122,25 @@ std::optional<double> SongFinisher::damagedLength(const QString& source, const L
     return measure.headerSeconds.value_or(measure.decodedSeconds);
 }
 
+/// In seconds; absent when the file is not whole.
+std::optional<double> SongFinisher::length(const QString& file) const {
+    if (hasFinishedExtension(file, DownloadMode::video)) {
+        const VideoMeasure video = m_videoMeasurer.measure(file);
+        return whyNoWholeVideo(video) ? std::nullopt : std::optional(video.packetSeconds);
+    }
+    const SongMeasure song = m_measurer.measure(file);
+    return whyNoWholeSong(song) ? std::nullopt : std::optional(song.decodedSeconds);
+}
+
 /// Of what came in this run, different links are known for different songs: as long is not enough.
 bool SongFinisher::isSameSong(const QString& file, const QString& there, bool isOfThisRun) const {
     if (isOfThisRun) {
         const QString own = m_measurer.soundHash(file);
         return !own.isEmpty() && own == m_measurer.soundHash(there);
     }
-    const SongMeasure own = m_measurer.measure(file);
-    const SongMeasure other = m_measurer.measure(there);
-    if (whyNoWholeSong(own) || whyNoWholeSong(other))
-        return false;
-    return std::abs(own.decodedSeconds - other.decodedSeconds) <= sameLengthSeconds;
+    const auto own = length(file);
+    const auto other = length(there);
+    return own && other && std::abs(*own - *other) <= sameLengthSeconds;
 }
 
 }  // namespace reelcrate

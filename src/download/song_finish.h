@@ -1,6 +1,10 @@
 #pragma once
 
+#include "download/edge_trim.h"
+#include "download/mp4_finish.h"
 #include "library/event_library.h"
+#include "library/song_measure.h"
+#include "library/video_measure.h"
 
 #include <QString>
 
@@ -12,9 +16,8 @@
 /// Nothing here fails a program: what is no song stays where it is, and the log says why.
 namespace reelcrate {
 
-class EdgeTrimmer;
-class Mp4Finisher;
-class SongMeasurer;
+class ShellRunner;
+class ToolDiscovery;
 
 class SongFinisher {
 public:
@@ -26,9 +29,7 @@ public:
         QString detail;  ///< the complete row's text
     };
 
-    /// All parts outlive it.
-    SongFinisher(const SongMeasurer& measurer, const EdgeTrimmer& trimmer,
-                 const Mp4Finisher& mp4Finisher, EventLibrary& library);
+    SongFinisher(ShellRunner& shell, const ToolDiscovery& discovery, EventLibrary& library);
 
     /// Absent when the file is no whole song or video. A song of which the source's length in
     /// seconds is known has to be as long.
@@ -51,10 +52,13 @@ private:
                                          const Log& log) const;
     bool isSameSong(const QString& file, const QString& there, bool isOfThisRun) const;
 
-    const SongMeasurer& m_measurer;
-    const EdgeTrimmer& m_trimmer;
-    const Mp4Finisher& m_mp4Finisher;
+    std::optional<double> length(const QString& file) const;
+
     EventLibrary& m_library;
+    const SongMeasurer m_measurer;
+    const VideoMeasurer m_videoMeasurer;
+    const EdgeTrimmer m_trimmer;
+    const Mp4Finisher m_mp4Finisher;
 };
 
 }  // namespace reelcrate

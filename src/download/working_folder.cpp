@@ -24,6 +24,7 @@ namespace {
 
 constexpr QLatin1String lockName{"lock"};
 constexpr qint64 abandonedAfterDays = 3;
+constexpr int idleMinutes = 10;
 constexpr int mostTries = 5;
 
 // Of what downloads end with and of what they are converted from.
@@ -50,9 +51,10 @@ bool isPart(const QString& name) {
     return name.endsWith(u".part") || name.endsWith(u".ytdl") || name.contains(u".part-Frag");
 }
 
-/// What a tool writes beside a file before it takes its place.
+/// What is written beside a file before it takes its place. A title may begin with a dot, too.
 bool isTemporary(const QString& name) {
-    return name.startsWith(u'.') || nameWithoutExtension(name).endsWith(u".temp") ||
+    static const QRegularExpression own(QStringLiteral("^\\.(trim|mp4)-[0-9A-Fa-f-]{36}\\."));
+    return own.match(name).hasMatch() || nameWithoutExtension(name).endsWith(u".temp") ||
            nameWithoutExtension(name).endsWith(u".orig");
 }
 
@@ -150,14 +152,25 @@ WorkingFolder::Lock WorkingFolder::lockFile(bool nobodyOfThisMachine) {
         return Lock::failed;
     }
     // Its program was killed, and the number that stands in the file is another process's by now.
+    // Or it was another machine's, or this one's under another name, and nothing goes on here any
+    // more.
     qint64 process = 0;
     QString host;
     QString program;
-    if (nobodyOfThisMachine && m_lockFile->getLockInfo(&process, &host, &program) &&
-        host == QSysInfo::machineHostName() && QFile::remove(path) && m_lockFile->tryLock(0))
+    m_lockFile->getLockInfo(&process, &host, &program);
+    if (nobodyOfThisMachine && (host == QSysInfo::machineHostName() || isIdle()) &&
+        QFile::remove(path) && m_lockFile->tryLock(0))
         return Lock::held;
     release();
     return Lock::inUse;
+}
+
+/// Whether nothing in the folder was written to lately, as whoever downloads or converts does.
+bool WorkingFolder::isIdle() const {
+    const QDateTime limit = QDateTime::currentDateTime().addSecs(-60 * idleMinutes);
+    const auto files = QDir(m_path).entryInfoList(QDir::Files | QDir::Hidden);
+    return std::all_of(files.begin(), files.end(),
+                       [&](const QFileInfo& file) { return file.lastModified() < limit; });
 }
 
 void WorkingFolder::keepResumable(DownloadMode mode) const {
@@ -189,15 +202,21 @@ void WorkingFolder::empty() const {
 
 QStringList WorkingFolder::finishedFiles(DownloadMode mode) const {
     const QDir folder(m_path);
-    QStringList names = folder.entryList(QDir::Files | QDir::NoSymLinks, QDir::Name);
+    QStringList names = folder.entryList(QDir::Files | QDir::Hidden | QDir::NoSymLinks, QDir::Name);
     names.removeIf([](const QString& name) {
         return !isMedia(name) || isTemporary(name) || isUnmerged(name);
     });
     const QString last = finalExtension(mode);
+    // Of what was converted the source may still be there, from an earlier start under a title that
+    // has changed since.
+    const bool anySong = mode == DownloadMode::audio &&
+                         std::any_of(names.begin(), names.end(),
+                                     [&](const QString& name) { return hasExtension(name, last); });
     QStringList paths;
     for (const QString& name : std::as_const(names)) {
         const QString converted = nameWithoutExtension(name) + u'.' + last;
-        const bool isConverted = !hasExtension(name, last) && names.contains(converted);
+        const bool isConverted =
+            !hasExtension(name, last) && (anySong || names.contains(converted));
         const bool isKind = mode == DownloadMode::video || hasFinishedExtension(name, mode);
         if (isKind && !isConverted)
             paths.append(folder.filePath(name));
@@ -207,7 +226,8 @@ QStringList WorkingFolder::finishedFiles(DownloadMode mode) const {
 
 QString WorkingFolder::unconvertedSource() const {
     const QDir folder(m_path);
-    for (const QString& name : folder.entryList(QDir::Files | QDir::NoSymLinks, QDir::Name)) {
+    for (const QString& name :
+         folder.entryList(QDir::Files | QDir::Hidden | QDir::NoSymLinks, QDir::Name)) {
         if (isMedia(name) && isResumable(name, DownloadMode::audio))
             return folder.filePath(name);
     }

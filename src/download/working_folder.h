@@ -59,6 +59,7 @@ public:
 private:
     bool open();
     bool isStillThere() const;
+    bool isIdle() const;
     Lock lockFile(bool nobodyOfThisMachine);
     void release();
 

@@ -87,8 +87,9 @@ double EdgeMeter::seconds() const {
 /// The run ended with the frame before this one. A window is told by its last frame: it looks back
 /// from there at the song's beginning, and at the song's end ahead to there.
 void EdgeMeter::closeRun() {
-    foundFirst();
     const qint64 start = m_frames - m_run;
+    if (!m_first && m_run >= m_shortestFirst)
+        m_first = start;
     m_run = 0;
     if (!m_first)
         return;
@@ -99,15 +100,8 @@ void EdgeMeter::closeRun() {
         m_end = m_frames - m_window + 1;
 }
 
-void EdgeMeter::foundFirst() {
-    if (!m_first && !m_ended && m_run >= m_shortestFirst)
-        m_first = m_frames - m_run;
-}
-
 std::optional<SoundEdges> EdgeMeter::finish() {
     const qint64 frames = m_frames;
-    foundFirst();
-    m_ended = true;
     // The windows that look ahead from the last frames look into silence, which ends each run.
     addFrames<0>(std::vector<qint16>(m_energies.size() * m_channels, 0));
     m_frames = frames;

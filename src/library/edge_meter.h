@@ -38,7 +38,6 @@ private:
     void addFrames(std::span<const qint16> samples);
     void addToPart(std::span<const qint16> samples);
     void closeRun();
-    void foundFirst();
 
     const int m_rate;
     const size_t m_channels;
@@ -54,7 +53,6 @@ private:
     qint64 m_run = 0;  ///< how many windows in a row were above the limit
     std::optional<qint64> m_first;
     std::optional<qint64> m_end;  ///< behind the last sound's last frame
-    bool m_ended = false;         ///< what is added now are no frames of the song
 
     std::vector<qint16> m_part;  ///< of a frame that a piece has broken off
 };

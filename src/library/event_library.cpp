@@ -41,7 +41,7 @@ std::optional<QString> EventLibrary::writerOf(const QString& path) const {
 Arrival EventLibrary::enter(const QString& file, const QString& songKey, const QString& eventFolder,
                             const IsSameSong& isSameSong) {
     const QDir folder(QFileInfo(eventFolder).absoluteFilePath());
-    const QString name = QFileInfo(file).fileName();
+    const QString name = visibleFileName(QFileInfo(file).fileName());
     for (int number = 1; number <= mostOfOneName; ++number) {
         const QString path = folder.filePath(number == 1 ? name : numberedFileName(name, number));
         const Placement placement = placeFile(file, path);

@@ -95,8 +95,4 @@ FfmpegWords readFfmpegWords(const QString& errors) {
     return words;
 }
 
-QString ffmpegFile(const QString& path) {
-    return QStringLiteral("file:") + path;
-}
-
 }  // namespace reelcrate

@@ -29,8 +29,4 @@ struct FfmpegWords {
 
 FfmpegWords readFfmpegWords(const QString& errors);
 
-/// A file name as ffmpeg's argument: without the prefix it would take what stands before a colon
-/// for a protocol, and a leading dash for an option.
-QString ffmpegFile(const QString& path);
-
 }  // namespace reelcrate

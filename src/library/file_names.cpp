@@ -39,6 +39,12 @@ QString spotifyFileStem(const QString& title) {
     return firstBytes(withoutVariables(safeOutputStem(title)), longestFileStem);
 }
 
+QString visibleFileName(const QString& fileName) {
+    static const QRegularExpression hidingDots(QStringLiteral("^[.\\s]+(?=.)"));
+    QString name = fileName;
+    return name.remove(hidingDots);
+}
+
 QString numberedFileName(const QString& fileName, int number) {
     // The identifier in brackets by which the song is found again stays behind the title.
     static const QRegularExpression form(

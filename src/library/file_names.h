@@ -16,6 +16,9 @@ QString safeOutputStem(const QString& title);
 /// that the identifier and the extension fit a name too.
 QString spotifyFileStem(const QString& title);
 
+/// The file name without the dots at its beginning, which would hide it.
+QString visibleFileName(const QString& fileName);
+
 /// The file name with a number behind the title, for the second song of that name and further ones:
 /// "Track (2) [id].mp3". A title that leaves no room for it is cut.
 QString numberedFileName(const QString& fileName, int number);

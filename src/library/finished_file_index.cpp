@@ -18,6 +18,7 @@ namespace {
 // In characters: a shorter key would match too many others.
 constexpr qsizetype shortestKey = 6;
 constexpr qsizetype shortestKeyAroundAnother = 12;
+constexpr qsizetype shortestCutKey = 30;
 
 QStringList finishedFilesNewestFirst(const QString& folder, DownloadMode mode) {
     std::vector<std::pair<std::filesystem::file_time_type, QString>> files;
@@ -61,16 +62,28 @@ bool containsWhole(const QString& text, const QString& part) {
     return false;
 }
 
+/// "Title [id]": the whole title stands before the brackets, as the downloader writes it.
+bool endsInBrackets(const QString& name) {
+    return name.endsWith(u']') && name.contains(u'[');
+}
+
+/// Whether a file of this name and key may be the song of the title with that key.
+bool isOfTitle(const QString& fileName, const QString& fileKey, const QString& title) {
+    if (fileKey == title)
+        return true;
+    // What stands in another title is another song, such as a remix of it, unless somebody has
+    // named the file himself. The downloader's own names are at most cut.
+    if (endsInBrackets(fileName))
+        return title.startsWith(fileKey) && hasAtLeastCharacters(fileKey, shortestCutKey);
+    return containsWhole(fileKey, title) ||
+           (hasAtLeastCharacters(title, shortestKeyAroundAnother) && containsWhole(title, fileKey));
+}
+
 QString keyOf(const PlaylistEntry& entry) {
     return songKey(entry.url, entry.playlistItem);
 }
 
 }  // namespace
-
-bool titleKeysMatch(const QString& fileKey, const QString& key) {
-    return containsWhole(fileKey, key) ||
-           (hasAtLeastCharacters(key, shortestKeyAroundAnother) && containsWhole(key, fileKey));
-}
 
 FinishedFileIndex::FinishedFileIndex(const QString& eventFolder, DownloadMode mode,
                                      FileWriters writers)
@@ -121,7 +134,7 @@ std::optional<qsizetype> FinishedFileIndex::findByTitle(const PlaylistEntry& ent
     return firstFile(key, [&](qsizetype file) {
         const std::optional<QString>& fileTitle = m_titleKeys[static_cast<std::size_t>(file)];
         return fileTitle && std::any_of(titles.begin(), titles.end(), [&](const QString& title) {
-                   return titleKeysMatch(*fileTitle, title);
+                   return isOfTitle(m_loweredNames.at(file), *fileTitle, title);
                });
     });
 }

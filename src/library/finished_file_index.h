@@ -40,8 +40,4 @@ private:
     std::vector<std::optional<QString>> m_titleKeys;
 };
 
-/// Whether one of two comparison keys of titles stands in the other such that they may be the same
-/// title: not if that would cut a number in two.
-bool titleKeysMatch(const QString& fileKey, const QString& key);
-
 }  // namespace reelcrate

@@ -1,5 +1,6 @@
 #include "library/finished_files.h"
 
+#include "library/song_key.h"
 #include "queue/links.h"
 
 #include <QDir>
@@ -124,7 +125,8 @@ QString normalizedDownloadKey(const QString& text) {
 }
 
 std::optional<QString> existingDownloadID(const PlaylistEntry& entry) {
-    if (entry.source != SourceType::youtube)
+    // A link to a list names the video that it begins with, too.
+    if (entry.source != SourceType::youtube || entry.playlistItem != 0 || !mayNameVideo(entry.url))
         return std::nullopt;
     const QString id = videoID(entry.url).trimmed();
     if (id.isEmpty() || id.startsWith(u"http"))

@@ -41,7 +41,7 @@ QString nameWithoutExtension(const QString& path);
 QString normalizedDownloadKey(const QString& text);
 
 /// The identifier that stands in square brackets in the names of the entry's files. Nothing unless
-/// the entry is one of the video site and its link names a video.
+/// the entry is one of the video site and its link names a video alone.
 std::optional<QString> existingDownloadID(const PlaylistEntry& entry);
 
 }  // namespace reelcrate

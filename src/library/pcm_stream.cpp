@@ -12,7 +12,7 @@ constexpr quint32 highestRate = 1 << 20;
 constexpr quint32 mostChannels = 64;
 constexpr quint32 sixteenBits = 3;
 
-quint32 headerField(const QByteArray& bytes, int index) {
+quint32 headerField(const QByteArray& bytes, qsizetype index) {
     return qFromBigEndian<quint32>(bytes.constData() + 4 * index);
 }
 

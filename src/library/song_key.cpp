@@ -5,6 +5,7 @@
 #include <QCryptographicHash>
 #include <QRegularExpression>
 #include <QUrl>
+#include <QUrlQuery>
 
 #include <algorithm>
 #include <array>
@@ -23,17 +24,10 @@ bool isOfDomain(const QString& host, QStringView domain) {
            (host.endsWith(domain) && host.at(host.size() - domain.size() - 1) == u'.');
 }
 
-/// A link that may stand for many videos names none, though it may begin with one.
-std::optional<QString> videoIdentifier(const QString& link, const QUrl& url) {
-    static const QRegularExpression form(
-        QRegularExpression::anchoredPattern(QStringLiteral("[A-Za-z0-9_-]{6,32}")));
+bool isOfVideoSite(const QUrl& url) {
     const QString host = url.host();
-    const bool isVideoSite = std::any_of(videoHosts.begin(), videoHosts.end(),
-                                         [&](auto domain) { return isOfDomain(host, domain); });
-    if (!isVideoSite || isYouTubePlaylistLink(link))
-        return std::nullopt;
-    const QString id = videoID(link);
-    return form.match(id).hasMatch() ? std::optional(id) : std::nullopt;
+    return std::any_of(videoHosts.begin(), videoHosts.end(),
+                       [&](auto domain) { return isOfDomain(host, domain); });
 }
 
 std::optional<QString> trackIdentifier(const QUrl& url) {
@@ -57,11 +51,34 @@ QString withoutFragment(const QString& link, const QUrl& url) {
     return QString::fromLatin1(url.adjusted(QUrl::RemoveFragment).toEncoded());
 }
 
+/// In the forms that name one video: what else the last part of a path may be, such as "videos", is
+/// no identifier.
+bool namesVideo(const QUrl& url) {
+    static const QRegularExpression path(QStringLiteral("^/(shorts|embed|live|v)/[^/]+/?$"));
+    return isOfDomain(url.host(), u"youtu.be") || path.match(url.path()).hasMatch() ||
+           QUrlQuery(url).hasQueryItem(QStringLiteral("v"));
+}
+
+std::optional<QString> videoIdentifier(const QString& link) {
+    static const QRegularExpression form(
+        QRegularExpression::anchoredPattern(QStringLiteral("[A-Za-z0-9_-]{11}")));
+    const QUrl url(link);
+    if (!isOfVideoSite(url) || !namesVideo(url) || isYouTubePlaylistLink(link))
+        return std::nullopt;
+    const QString id = videoID(link);
+    return form.match(id).hasMatch() ? std::optional(id) : std::nullopt;
+}
+
 }  // namespace
+
+bool mayNameVideo(const QString& link) {
+    const QUrl url(link);
+    return !isYouTubePlaylistLink(link) && (!isOfVideoSite(url) || namesVideo(url));
+}
 
 QString songKey(const QString& link, int playlistItem) {
     const QUrl url(link);
-    const auto video = playlistItem == 0 ? videoIdentifier(link, url) : std::nullopt;
+    const auto video = playlistItem == 0 ? videoIdentifier(link) : std::nullopt;
     if (video)
         return QStringLiteral("video-") + *video;
     if (const auto track = trackIdentifier(url))

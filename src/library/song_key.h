@@ -10,4 +10,8 @@ namespace reelcrate {
 /// in lower case, and of which of the media behind it is meant (0: of all). Fit for a file's name.
 QString songKey(const QString& link, int playlistItem);
 
+/// Whether the last part of the link, or its "v", may be one video's identifier: on the video site
+/// itself there are links to much else.
+bool mayNameVideo(const QString& link);
+
 }  // namespace reelcrate

@@ -32,8 +32,8 @@ double timeLimit(const QString& path) {
 QString decodeCommand(const QString& ffmpeg, const QString& path, QLatin1String output) {
     return shellQuoted(ffmpeg) +
            QStringLiteral(" -hide_banner -nostats -nostdin -loglevel level+info -i ") +
-           shellQuoted(ffmpegFile(path)) +
-           QStringLiteral(" -map 0:a:0 -map_metadata -1 -c:a pcm_s16be ") + output;
+           shellQuoted(path) + QStringLiteral(" -map 0:a:0 -map_metadata -1 -c:a pcm_s16be ") +
+           output;
 }
 
 }  // namespace

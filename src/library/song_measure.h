@@ -31,6 +31,7 @@ class SongMeasurer {
 public:
     SongMeasurer(ShellRunner& shell, const ToolDiscovery& discovery);
 
+    /// The path is absolute.
     SongMeasure measure(const QString& path) const;
 
     /// By which two files are told to hold the very same sound, whatever their tags; empty when the

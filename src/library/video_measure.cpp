@@ -81,7 +81,7 @@ VideoMeasure VideoMeasurer::measure(const QString& path) const {
         return measure;
     }
     const QString tool = shellQuoted(*ffmpeg) + QStringLiteral(" -hide_banner -nostats -nostdin ");
-    const QString input = QStringLiteral("-i ") + shellQuoted(ffmpegFile(path)) + u' ';
+    const QString input = QStringLiteral("-i ") + shellQuoted(path) + u' ';
     lookAtStart(measure, tool + QStringLiteral("-loglevel level+info -t 5 ") + input);
     if (measure.pictureDecodes || measure.soundDecodes)
         readToEnd(measure, tool + QStringLiteral("-loglevel level+error ") + input,
@@ -98,11 +98,9 @@ void VideoMeasurer::lookAtStart(VideoMeasure& measure, const QString& input) con
     measure.complaint = words.complaint;
     if (measure.pictureDecodes || measure.soundDecodes)
         return;
-    // ffmpeg writes nothing of one before it has a frame of the other.
-    if (measure.hasPicture() && measure.hasSound()) {
-        decodeStart(measure, input, QStringLiteral("-map 0:V:0 "));
+    // ffmpeg writes no sound before it has a picture to write beside it.
+    if (measure.hasPicture() && measure.hasSound())
         decodeStart(measure, input, QStringLiteral("-map 0:a:0 "));
-    }
 }
 
 FfmpegWords VideoMeasurer::decodeStart(VideoMeasure& measure, const QString& input,

@@ -38,6 +38,7 @@ class VideoMeasurer {
 public:
     VideoMeasurer(ShellRunner& shell, const ToolDiscovery& discovery);
 
+    /// The path is absolute.
     VideoMeasure measure(const QString& path) const;
 
 private:

@@ -48,6 +48,7 @@ struct QueueResolution {
     QList<PlaylistEntry> entries;
     std::optional<QString> failure = std::nullopt;
     std::optional<CutListing> cut = std::nullopt;
+    QString note = {};     ///< what is missing in it, for the user
     QString remarks = {};  ///< of the tool, for the log
 
     friend bool operator==(const QueueResolution&, const QueueResolution&) = default;

@@ -60,7 +60,10 @@ QueueResolution unreadable(const DownloadItem& item) {
 
 QueueResolution resolutionOfMedia(const DownloadItem& item, const ProbedMedia& found,
                                   bool isPartial) {
-    if (found.media.isEmpty())
+    // The first of several, of which the others never came.
+    const bool isBeginning = isPartial && found.counted == 1 && !found.media.isEmpty() &&
+                             found.media.first().playlistIndex > 0 && item.playlistItem == 0;
+    if (found.media.isEmpty() || isBeginning)
         return unreadable(item);
     if (item.playlistItem > 0 || found.counted == 1)
         return oneSong(item, found.media.first());
@@ -89,8 +92,9 @@ QueueResolution resolutionOfMedia(const DownloadItem& item, const ProbedMedia& f
         resolution.entries.append(entry);
     }
     addDead(static_cast<int>(found.counted) + 1);
-    if (!isPartial && read.size() < found.counted)
-        resolution.cut = CutListing{.listed = read.size(), .counted = found.counted};
+    const qsizetype listed = isPartial ? found.counted : read.size();
+    if (listed < found.onSite)
+        resolution.cut = CutListing{.listed = listed, .counted = found.onSite};
     return resolution;
 }
 

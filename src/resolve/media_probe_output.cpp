@@ -21,7 +21,7 @@ constexpr QLatin1String mark{"RCR_MEDIA:"};
 constexpr QLatin1String mediaInfoOptions{
     " --no-update --skip-download --no-warnings --no-playlist --print "
     "'RCR_MEDIA:%(.{title,duration_string,duration,thumbnail,webpage_url,playlist_index,"
-    "n_entries})j'"};
+    "n_entries,playlist_count})j'"};
 constexpr QLatin1String playlistOptions{
     " --no-update --flat-playlist --dump-single-json --no-warnings --yes-playlist"};
 
@@ -53,7 +53,8 @@ PlaylistEntry entryFrom(const QJsonObject& listed, int number, const QString& li
             entry.playlistItem = number;
         }
     }
-    entry.isRead = !entry.title.isEmpty();
+    // A list of lists: each has still to be listed.
+    entry.isRead = !entry.title.isEmpty() && !isYouTubePlaylistLink(entry.url);
     return entry;
 }
 
@@ -101,8 +102,11 @@ ProbedMedia mediaFromOutput(const QString& output) {
         const QJsonObject printed = document.object();
         probed.media.append(mediaFrom(printed));
         probed.counted = std::max<qsizetype>(probed.counted, printed.value(u"n_entries").toInt());
+        probed.onSite =
+            std::max<qsizetype>(probed.onSite, printed.value(u"playlist_count").toInt());
     }
     probed.counted = std::max(probed.counted, probed.media.size());
+    probed.onSite = std::max(probed.onSite, probed.counted);
     return probed;
 }
 

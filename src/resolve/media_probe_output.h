@@ -25,7 +25,8 @@ QString mediaInfoCommand(const ProbeTool& tool, const QString& link, int playlis
 /// What was printed about the media behind a link.
 struct ProbedMedia {
     QList<MediaInfo> media;  ///< in the order of the page
-    qsizetype counted = 0;   ///< how many there are, as far as the tool said
+    qsizetype counted = 0;   ///< how many the tool looked at, as far as it said
+    qsizetype onSite = 0;    ///< how many the site counts
 };
 
 /// Reads the answer to `mediaInfoCommand`. Other lines, which a configuration file of the user's

@@ -181,7 +181,9 @@ QueueResolution ResolutionDriver::resolveOnce(const DownloadItem& item) const {
         resolution.remarks = remarks;
         return resolution;
     };
-    if (!isOneOfSeveral && item.source == SourceType::youtube && isYouTubePlaylistLink(item.url)) {
+    const bool isList =
+        !isOneOfSeveral && item.source == SourceType::youtube && isYouTubePlaylistLink(item.url);
+    if (isList) {
         if (QueueResolution resolution = listed(); !resolution.entries.isEmpty())
             return resolution;
     }
@@ -194,6 +196,9 @@ QueueResolution ResolutionDriver::resolveOnce(const DownloadItem& item) const {
     }
     QueueResolution resolution = resolutionOfMedia(item, probe.found, probe.isPartial);
     resolution.remarks = remarks;
+    if (isList && !resolution.failure)
+        resolution.note =
+            QStringLiteral("The list could not be read, only the song that it names.");
     return resolution;
 }
 
@@ -254,8 +259,10 @@ void ResolutionDriver::replaceRow(const QList<DownloadItem>& rows,
         summary += QStringLiteral("; %1 could not be read").arg(failed);
     if (resolution.cut) {
         summary += QStringLiteral("; ") + cutText(*resolution.cut);
-        Q_EMIT logged(link + QStringLiteral(": ") + cutText(*resolution.cut));
+        Q_EMIT noted(link + QStringLiteral(": ") + cutText(*resolution.cut));
     }
+    if (!resolution.note.isEmpty())
+        Q_EMIT noted(link + QStringLiteral(": ") + resolution.note);
     Q_EMIT summaryChanged(summary);
 
     QList<DownloadItem> unread;

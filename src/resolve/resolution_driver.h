@@ -74,8 +74,10 @@ public:
 
 Q_SIGNALS:
     void summaryChanged(const QString& text) const;
-    /// What the tools had to say, and what a site did not list.
+    /// What the tools had to say.
     void logged(const QString& text) const;
+    /// Songs are missing from what was read: the user is to know, also later.
+    void noted(const QString& text) const;
     /// The row made way for these; none when it could not be read, or has nothing new.
     void rowRead(const QUuid& id, const QList<QUuid>& newRows) const;
 

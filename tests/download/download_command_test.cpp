@@ -23,7 +23,7 @@ protected:
     /// The output path and the target.
     QStringList lastTwo(const DownloadItem& row, const QString& eventFolder = folder) {
         const QString line = downloadCommand(row, eventFolder, DownloadMode::audio, tools);
-        return tool.run(line).arguments.mid(25);
+        return tool.run(line).arguments.mid(33);
     }
 
     ArgumentPrinter tool{QStringLiteral("yt-dlp")};
@@ -37,20 +37,23 @@ protected:
 TEST_F(DownloadCommand, AsksForAnMP3OrAnMP4) {
     const QString progress = text(
         "--no-update --newline --no-colors --progress --progress-delta 0.2 "
-        "--progress-template download:RCR_PROGRESS:%(progress._percent_str)s --ignore-errors "
+        "--progress-template download:RCR_PROGRESS:%(progress._percent_str)s --no-simulate "
+        "--no-quiet --no-download-archive --no-exec --no-abort-on-error "
         "--part --abort-on-unavailable-fragments");
     EXPECT_EQ(arguments(DownloadMode::audio),
               progress + text(" --concurrent-fragments 8 -x --audio-format mp3 --audio-quality 0 "
                               "--embed-thumbnail --add-metadata --postprocessor-args "
-                              "ExtractAudio:-xerror --ffmpeg-location '/opt/my tools' "
-                              "-o '/music/Event/%(title).180B [%(id)s].%(ext)s' "
+                              "ExtractAudio:-xerror --postprocessor-args Metadata:-xerror "
+                              "--postprocessor-args EmbedThumbnail+ffmpeg_o:-xerror "
+                              "--ffmpeg-location '/opt/my tools' "
+                              "-o '/music/Event/%(title).180B [%(id).40B].%(ext)s' "
                               "https://youtu.be/x?a=1&b"));
     EXPECT_EQ(arguments(DownloadMode::video),
               progress + text(" --concurrent-fragments 12 --embed-metadata --ffmpeg-location "
                               "'/opt/my tools' -f bv*+ba/b -S "
                               "res:1080,lang,hdr:sdr,vcodec:h264,acodec:aac,ext:mp4:m4a "
                               "--merge-output-format mp4/mkv "
-                              "-o '/music/Event/%(title).180B [%(id)s].%(ext)s' "
+                              "-o '/music/Event/%(title).180B [%(id).40B].%(ext)s' "
                               "https://youtu.be/x?a=1&b"));
 }
 
@@ -61,7 +64,7 @@ TEST_F(DownloadCommand, TakesOneOfSeveralAndWhatItCan) {
                     .contains(text(" --playlist-items 3 -o ")));
     const QString lenient =
         downloadCommand(video, folder, DownloadMode::audio, tools, Conversion::lenient);
-    EXPECT_FALSE(lenient.contains(u"-xerror") || lenient.contains(u"  "));
+    EXPECT_FALSE(lenient.contains(u"ExtractAudio:-xerror") || lenient.contains(u"  "));
 }
 
 TEST_F(DownloadCommand, SearchesForASpotifySong) {
@@ -83,15 +86,15 @@ TEST_F(DownloadCommand, FindsItsToolOnTheSearchPathAndLeavesTheConverterOut) {
 
 TEST_F(DownloadCommand, DoublesPercentSignsOfTheFolder) {
     EXPECT_EQ(lastTwo(video, text("/100% it's %(id)s")).value(0),
-              text("/100%% it's %%(id)s/%(title).180B [%(id)s].%(ext)s"));
-    EXPECT_EQ(lastTwo(video, text("/")).value(0), text("/%(title).180B [%(id)s].%(ext)s"));
+              text("/100%% it's %%(id)s/%(title).180B [%(id).40B].%(ext)s"));
+    EXPECT_EQ(lastTwo(video, text("/")).value(0), text("/%(title).180B [%(id).40B].%(ext)s"));
 }
 
 TEST_F(DownloadCommand, HandsHostileLinksAndTitlesOverUnchanged) {
     for (const QString& hostile : hostileTexts + QStringList(QString(300, QChar(0x4E2D)))) {
         SCOPED_TRACE(hostile.toStdString());
         EXPECT_EQ(lastTwo(makeRow(SourceType::link, hostile, hostile)),
-                  QStringList({text("/music/Event/%(title).180B [%(id)s].%(ext)s"), hostile}));
+                  QStringList({text("/music/Event/%(title).180B [%(id).40B].%(ext)s"), hostile}));
         EXPECT_EQ(tool.leftBehind, QStringList());
 
         const QStringList call = lastTwo(makeRow(SourceType::spotify, hostile));

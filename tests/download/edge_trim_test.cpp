@@ -130,7 +130,7 @@ TEST_F(EdgeTrimming, AFailureLeavesTheSongAsItWas) {
     const QByteArray song = readFile(path);
     const SongMeasure measure = measurer.measure(path);
     const QByteArray real =
-        "ffmpeg=/usr/bin/ffmpeg; out=${!#}; out=${out#file:}\n"
+        "ffmpeg=/usr/bin/ffmpeg; out=${!#};\n"
         "if [ \"$out\" = - ]; then exec $ffmpeg \"$@\"; fi\n";
     const struct {
         const char* converter;

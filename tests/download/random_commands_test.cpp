@@ -1,6 +1,5 @@
 #include "download/download_command.h"
 #include "download/edge_trim.h"
-#include "library/ffmpeg_words.h"
 #include "library/file_names.h"
 #include "resolve/media_probe_output.h"
 #include "resolve/spotify_songs.h"
@@ -44,7 +43,7 @@ QStringList downloadWords(const Texts& texts, const QString& file, const QString
 }
 
 QStringList linkWords(const Texts& texts) {
-    return downloadWords(texts, text("%(title).180B [%(id)s].%(ext)s"), texts[3]);
+    return downloadWords(texts, text("%(title).180B [%(id).40B].%(ext)s"), texts[3]);
 }
 
 template <DownloadMode mode>
@@ -85,7 +84,7 @@ const Command commands[] = {
          return edgeTrimCommand(text("tool"), texts[0], {TrimPlan::Kind::cut, 1, 2}, texts[1]);
      },
      [](const Texts& texts) {
-         return QStringList{ffmpegFile(texts[0]), ffmpegFile(texts[1])};
+         return QStringList{texts[0], texts[1]};
      }},
 };
 

@@ -58,6 +58,7 @@ TEST_F(EventLibraryTest, SongsOfOneNameStandSideBySide) {
         {"Track [x].mp3", "other", "4", Outcome::entered, "Track (3) [x].mp3"},
         {"plain.mp3", "one", "5", Outcome::entered, "plain.mp3"},
         {"plain.mp3", "two", "6", Outcome::entered, "plain (2).mp3"},
+        {"... Baby [x].mp3", "baby", "7", Outcome::entered, "Baby [x].mp3"},
     };
     for (const auto& [name, song, key, outcome, path] : cases) {
         SCOPED_TRACE(song);

@@ -142,7 +142,9 @@ TEST_F(FinishedFiles, AreRecognisedByTitle) {
         {"At Work On", QString()},
         {"Nothing In It", QString()},
         {"Caf\u00E9 Del Mar (Remix)", cafe},
-        {"DEL MAR", cafe},
+        {"DEL MAR", QString()},  // which is another song than its remix
+        {"world", QString()},
+        {"hello wor", hidden},
         {"hello: world!", hidden},
         {"Artist - Long Way", prefix},  // 13 characters around the file's 7
         {"A Long Way 1", QString()},    // 10 are too few to hold another key
@@ -158,6 +160,8 @@ TEST_F(FinishedFiles, AreRecognisedByTitle) {
     const QString newest = add(text("The Del Mar.mp3"), 4);
     EXPECT_EQ(find(titled(text("Del Mar"))), newest);
     EXPECT_EQ(find(video("https://youtu.be/XYZ", "Del Mar")), cafe);
+    EXPECT_EQ(find(video("https://www.youtube.com/@someone/xyz", "")), QString());
+    EXPECT_EQ(find(video("https://youtu.be/XYZ?list=PL1", "")), QString());
     EXPECT_EQ(FinishedFileIndex(folder() + text("/none"), DownloadMode::audio)
                   .existingDownloadedFile(titled(text("Del Mar"))),
               std::nullopt);

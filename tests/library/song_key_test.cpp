@@ -14,6 +14,11 @@ TEST(SongKey, IsOneForAllLinksOfASong) {
          "http://m.youtube.com/watch?t=1&v=dQw4w9WgXcQ#t", "https://YouTube.com/shorts/dQw4w9WgXcQ",
          "https://www.youtube-nocookie.com/embed/dQw4w9WgXcQ"},
         {"https://youtu.be/dQw4w9WgXcq"},
+        {"https://www.youtube.com/results?search_query=one"},
+        {"https://www.youtube.com/results?search_query=two"},
+        {"https://www.youtube.com/@elevenchars/videos"},
+        {"https://www.youtube.com/@other/videos"},
+        {"https://www.youtube.com/elevenchars"},
         // The list, not the video that it begins with.
         {"https://www.youtube.com/watch?v=dQw4w9WgXcQ&list=PL1"},
         {"https://open.spotify.com/track/4uLU6hMCjMI75M1A2tKUQC?si=x",

@@ -1,5 +1,6 @@
 #include "library/song_measure.h"
 
+#include "library/pcm_stream.h"
 #include "support/music.h"
 #include "support/printers.h"
 #include "tools/shell_quote.h"
@@ -48,15 +49,36 @@ protected:
         return {first, first + kept(wholeChain)};
     }
 
+    struct EdgySong {
+        const char* name;
+        QString words;
+        int cutEnds;  ///< at how many of its ends there is silence
+    };
+
+    void expectEdgesOfChain(std::initializer_list<EdgySong> songs) {
+        for (const auto& [name, words, cutEnds] : songs) {
+            SCOPED_TRACE(name);
+            const bool lossless = words.contains(u"flac");
+            const QString path =
+                music.make(lossless ? QStringLiteral("song.flac") : QStringLiteral("song.mp3"),
+                           words + (lossless ? QString() : mp3));
+            const SongMeasure song = measure(path);
+            const SoundEdges chain = edgesOfChain(path, song.decodedSeconds);
+            ASSERT_TRUE(song.sound);
+            EXPECT_NEAR(song.sound->first, chain.first, 0.005);
+            EXPECT_NEAR(song.sound->last, chain.last, 0.005);
+            EXPECT_EQ(
+                (chain.first > 0.05 ? 1 : 0) + (song.decodedSeconds - chain.last > 0.05 ? 1 : 0),
+                cutEnds);
+            EXPECT_EQ(whyNoWholeSong(song), std::nullopt);
+        }
+    }
+
     Music music;
 };
 
 TEST_F(SongMeasuring, FindsTheEdgesWhereFfmpegsOwnFiltersCut) {
-    const struct {
-        const char* song;
-        QString words;
-        int cutEnds;
-    } songs[] = {
+    expectEdgesOfChain({
         {"silence at both ends", source("0.3*sin(2000*t)*between(t,1,5)"), 2},
         {"at the start only", source("0.3*sin(2000*t)*gt(t,1.2)*min(1,(6-t)*9)"), 1},
         {"at the end only", source("0.3*sin(2000*t)*lt(t,4.4)"), 1},
@@ -69,6 +91,11 @@ TEST_F(SongMeasuring, FindsTheEdgesWhereFfmpegsOwnFiltersCut) {
          2},
         {"noise floor of -54 dB", source("0.00345*(random(0)*2-1)+0.2*sin(2000*t)*between(t,2,4)"),
          0},
+    });
+}
+
+TEST_F(SongMeasuring, FindsThemInWhateverFormTheSongComes) {
+    expectEdgesOfChain({
         {"pauses inside", source("0.3*sin(2000*t)*between(t,0.5,5.5)*lt(mod(t,1.4),0.9)"), 2},
         {"one channel only", source("0|0.4*sin(2000*t)*between(t,1,5)*exp(-abs(t-3)*3)"), 2},
         {"two unlike channels, fading",
@@ -89,22 +116,7 @@ TEST_F(SongMeasuring, FindsTheEdgesWhereFfmpegsOwnFiltersCut) {
         {"96 kHz",
          source("0.3*sin(2000*t)*between(t,1,5)", ":s=96000:d=6") + QStringLiteral(" -c:a flac"),
          2},
-    };
-    for (const auto& [name, words, cutEnds] : songs) {
-        SCOPED_TRACE(name);
-        const bool lossless = words.contains(u"flac");
-        const QString path =
-            music.make(lossless ? QStringLiteral("song.flac") : QStringLiteral("song.mp3"),
-                       words + (lossless ? QString() : mp3));
-        const SongMeasure song = measure(path);
-        const SoundEdges chain = edgesOfChain(path, song.decodedSeconds);
-        ASSERT_TRUE(song.sound);
-        EXPECT_NEAR(song.sound->first, chain.first, 0.005);
-        EXPECT_NEAR(song.sound->last, chain.last, 0.005);
-        EXPECT_EQ((chain.first > 0.05 ? 1 : 0) + (song.decodedSeconds - chain.last > 0.05 ? 1 : 0),
-                  cutEnds);
-        EXPECT_EQ(whyNoWholeSong(song), std::nullopt);
-    }
+    });
 }
 
 TEST_F(SongMeasuring, FindsTheEdgesOfSongsThatBeginAndEndLoud) {
@@ -147,7 +159,7 @@ TEST_F(SongMeasuring, ReadsFilesOfAnyName) {
 
 TEST_F(SongMeasuring, TellsSongsThatAreNotWhole) {
     const auto written = [&](const char* name, const QByteArray& content) {
-        const QString path = music.path(QString::fromLatin1(name));
+        QString path = music.path(QString::fromLatin1(name));
         EXPECT_TRUE(writeFile(path, content));
         return path;
     };
@@ -205,6 +217,43 @@ TEST_F(SongMeasuring, TellsSongsThatAreNotWhole) {
             << why.toStdString();
     }
     EXPECT_NEAR(measure(music.path(QStringLiteral("rates.mp3"))).decodedSeconds, 16, 0.2);
+}
+
+TEST_F(SongMeasuring, ADecoderThatDiesLeavesNoWholeSong) {
+    const QString path =
+        music.make(QStringLiteral("song.mp3"),
+                   source("0.3*sin(900*t)") + mp3 + QStringLiteral("-write_xing 0"));
+    const std::pair<const char*, const char*> decoders[] = {
+        {"/usr/bin/ffmpeg \"$@\" | head -c 88224; exit 1", "decoding broke off after 1.00 s"},
+        {"echo '[error] Out of luck' >&2", "does not decode: Out of luck"},
+    };
+    for (const auto& [decoder, reason] : decoders) {
+        music.machine.installScript(QStringLiteral("ffmpeg"),
+                                    QByteArray("#!/bin/bash\n") + decoder + "\n");
+        const QString why = whyNoWholeSong(measure(path)).value_or(QString());
+        EXPECT_TRUE(why.startsWith(QString::fromLatin1(reason))) << why.toStdString();
+    }
+}
+
+TEST(PcmStream, ReadsPiecesOfAnySizeAndNothingElse) {
+    const QByteArray header =
+        QByteArray::fromHex("2e736e640000001cffffffff00000003000000640000000200000000");
+    const QByteArray samples = QByteArray::fromHex("7fff8000").repeated(50);
+    PcmStream stream;
+    for (const char byte : header + samples)
+        stream.add(QByteArray(1, byte));
+    ASSERT_TRUE(stream.meter());
+    EXPECT_DOUBLE_EQ(stream.meter()->finish()->last, 0.5);
+    EXPECT_DOUBLE_EQ(stream.meter()->seconds(), 0.5);
+
+    for (const qsizetype field : {0, 1, 3, 4, 5}) {
+        SCOPED_TRACE(field);
+        PcmStream other;
+        other.add(QByteArray(header).replace(4 * field, 4, QByteArray(4, '\0')) + samples);
+        EXPECT_FALSE(other.meter());
+        other.add(header + samples);
+        EXPECT_FALSE(other.meter());
+    }
 }
 
 TEST(WhyNoWholeSong, LooksAtLengthAndHeader) {

@@ -25,7 +25,7 @@ protected:
     }
 
     QString cut(const QString& path, double share) {
-        const QString shorter = path + QStringLiteral(".cut");
+        QString shorter = path + QStringLiteral(".cut");
         const QByteArray content = readFile(path);
         writeFile(
             shorter,
@@ -84,11 +84,11 @@ TEST_F(VideoMeasuring, WhatDoesNotPlayIsNoVideo) {
 }
 
 TEST_F(VideoMeasuring, OneOfPictureAndSoundIsEnough) {
-    const QByteArray film = readFile(
-        music.make(QStringLiteral("film.mkv"), picture + sound + QStringLiteral("-c:a aac")));
-    const auto withUnknown = [&](const char* codec) {
+    const QString film = music.make(QStringLiteral("film.mkv"),
+                                    picture + sound + atFront + QStringLiteral(" -c:a aac"));
+    const auto withUnknown = [&](const QByteArray& codec) {
         const QString path = music.path(QStringLiteral("odd.mkv"));
-        writeFile(path, QByteArray(film).replace(codec, QByteArray(qstrlen(codec), 'X')));
+        writeFile(path, readFile(film).replace(codec, QByteArray(codec.size(), 'X')));
         return measure(path);
     };
     const VideoMeasure blind = withUnknown("V_MPEG4/ISO/AVC");
@@ -99,6 +99,12 @@ TEST_F(VideoMeasuring, OneOfPictureAndSoundIsEnough) {
     EXPECT_TRUE(deaf.pictureDecodes);
     EXPECT_FALSE(deaf.soundDecodes);
     EXPECT_EQ(whyNoWholeVideo(deaf), std::nullopt);
+
+    const VideoMeasure spoilt = measure(music.make(
+        QStringLiteral("spoilt.mkv"), QStringLiteral("-i film.mkv -c copy -bsf:v noise=amount=1")));
+    EXPECT_FALSE(spoilt.pictureDecodes);
+    EXPECT_TRUE(spoilt.soundDecodes);
+    EXPECT_EQ(whyNoWholeVideo(spoilt), std::nullopt);
 }
 
 TEST_F(VideoMeasuring, ACoverIsNoPicture) {

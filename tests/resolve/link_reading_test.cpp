@@ -14,10 +14,11 @@ MediaInfo media(const char* title, const char* page, int index) {
 
 /// What the row becomes: each entry's title, address and number; dead ones are marked.
 QString reading(const QList<MediaInfo>& found, qsizetype counted, bool isPartial,
-                int playlistItem = 0) {
+                int playlistItem = 0, qsizetype onSite = 0) {
     DownloadItem row = makeRow(SourceType::link, {}, link);
     row.playlistItem = playlistItem;
-    const QueueResolution resolution = resolutionOfMedia(row, {found, counted}, isPartial);
+    const QueueResolution resolution =
+        resolutionOfMedia(row, {found, counted, std::max(counted, onSite)}, isPartial);
     QStringList entries;
     for (const PlaylistEntry& entry : resolution.entries) {
         entries.append(entry.title + u' ' + entry.url.section(u'/', -1) + u' ' +
@@ -66,6 +67,8 @@ TEST(LinkReading, MakesARowOfEachOfTheMedia) {
          false,
          0,
          "A a 0|B b 0|2 of 9 listed"},
+        // The first of a list that never came to its end.
+        {{media("A", "https://p.x/a", 1)}, 1, true, 0, "failed"},
         // One of several, read again.
         {{media("B", page, 2)}, 3, false, 2, "B page 2"},
         {{media("B", "https://p.x/b", 2)}, 3, true, 2, "B page 2"},

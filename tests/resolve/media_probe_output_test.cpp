@@ -130,7 +130,7 @@ TEST(MediaProbeCommand, HandsEveryLinkOverUnchanged) {
         text(
             "--no-update --skip-download --no-warnings --no-playlist --print "
             "RCR_MEDIA:%(.{title,duration_string,duration,thumbnail,webpage_url,playlist_index,"
-            "n_entries})j")
+            "n_entries,playlist_count})j")
             .split(u' ');
     const QStringList playlistWords =
         text("--no-update --flat-playlist --dump-single-json --no-warnings --yes-playlist --")
