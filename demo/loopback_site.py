@@ -25,7 +25,9 @@ import songs
 
 TYPES = {
     ".m4a": "audio/mp4",
+    ".mp3": "audio/mpeg",
     ".mp4": "video/mp4",
+    ".webm": "video/webm",
     ".jpg": "image/jpeg",
     ".m3u8": "application/vnd.apple.mpegurl",
     ".ts": "video/mp2t",
@@ -51,6 +53,7 @@ class LoopbackSite:
     faults      by path: a status to answer with, or how transfers fail, which
                 then do not get beyond the file's middle; or a list of these, one
                 for each request, after which all is well
+    direct      by query: whose media file a link to /media/audio.m4a with that query gives
     """
 
     def __init__(self, folder, album, playlists=None, port=0):
@@ -60,6 +63,7 @@ class LoopbackSite:
         self.rate = None
         self.hold_after = None
         self.faults = {}
+        self.direct = {}
         self.requests = []
         self.ranges = []  # (path, first byte) of what was asked for from further on
         self.held = 0
@@ -105,7 +109,19 @@ class LoopbackSite:
         return f"{self.address}/song/{name}"
 
     def playlist_link(self, name):
-        return f"{self.address}/playlist/{name}.xml?from=youtube.com"
+        return self.feed_link(name) + "?from=youtube.com"
+
+    def feed_link(self, name):
+        """The same playlist, of a site of no name."""
+        return f"{self.address}/playlist/{name}.xml"
+
+    def gallery_link(self, name):
+        """A playlist's songs, all on one page."""
+        return f"{self.address}/gallery/{name}"
+
+    def direct_link(self, query):
+        """One of many links to media files of one name."""
+        return f"{self.address}/media/audio.m4a?{query}"
 
     def missing_link(self):
         return f"{self.address}/song/no-such-song"
@@ -189,6 +205,19 @@ class LoopbackSite:
 </html>
 """
 
+    def gallery(self, name):
+        players = "".join(
+            f'<audio controls src="{self.address}/media/{self.album[each].media}"></audio>\n'
+            for each in self.playlists[name]
+        )
+        return f"""<!DOCTYPE html>
+<html>
+<head><meta charset="utf-8"><title>{attribute(name)}</title></head>
+<body>
+{players}</body>
+</html>
+"""
+
     def feed(self, name):
         items = "".join(
             f"""<item>
@@ -225,7 +254,7 @@ class _Handler(BaseHTTPRequestHandler):
             self.close_connection = True
             return
         try:
-            self._answer(urlsplit(self.path).path)
+            self._answer(urlsplit(self.path))
         except ConnectionError:
             self.close_connection = True  # one side has gone
 
@@ -234,7 +263,8 @@ class _Handler(BaseHTTPRequestHandler):
     def log_message(self, *_):
         pass
 
-    def _answer(self, path):
+    def _answer(self, asked):
+        path = asked.path
         _, area, *rest = path.split("/")
         name = rest[0] if len(rest) == 1 else ""
         stem = name.rpartition(".")[0]
@@ -243,6 +273,11 @@ class _Handler(BaseHTTPRequestHandler):
             self._text("There is something wrong.\n", "text/plain", fault)
         elif area == "song" and name in self.site.album:
             self._text(self.site.page(self.site.album[name]), "text/html")
+        elif path == "/media/audio.m4a" and asked.query in self.site.direct:
+            song = self.site.album[self.site.direct[asked.query]]
+            self._file(self.site.folder / song.media, fault, paced=True)
+        elif area == "gallery" and name in self.site.playlists:
+            self._text(self.site.gallery(name), "text/html")
         elif area == "playlist" and stem in self.site.playlists:
             self._text(self.site.feed(stem), "application/rss+xml")
         elif area in ("media", "cover") and stem in self.site.album:

@@ -11,7 +11,9 @@ from pathlib import Path
 class Song:
     """A tone between two stretches of silence; times in seconds.
 
-    `name` is a plain word: the media file's name and so its identifier.
+    `name` is a plain word: the media file's name and so its identifier. What sounds instead of the
+    tone may be given in ffmpeg's words, one expression of `t` for each channel, with its pauses
+    counted. The format is the media file's extension, without its dot.
     """
 
     name: str
@@ -21,6 +23,9 @@ class Song:
     tone: float = 6.0
     tail: float = 1.0
     video: bool = False
+    sound: str = ""
+    pauses: int = 0
+    format: str = ""
 
     @property
     def seconds(self):
@@ -28,7 +33,7 @@ class Song:
 
     @property
     def media(self):
-        return f"{self.name}.mp4" if self.video else f"{self.name}.m4a"
+        return f"{self.name}.{self.format or ('mp4' if self.video else 'm4a')}"
 
     @property
     def cover(self):
@@ -50,7 +55,9 @@ ALBUM = (
 
 def _make(song, folder):
     start, end = song.lead, song.lead + song.tone
-    tone = f"if(between(t,{start},{end}),0.4*sin(2*PI*{song.frequency}*t),0)"
+    sounds = (song.sound or f"0.4*sin(2*PI*{song.frequency}*t)").split("|")
+    # Half open, so that no sample is beyond the end.
+    tone = "|".join(f"if(gte(t,{start})*lt(t,{end}),{each},0)" for each in sounds)
     command = ["ffmpeg", "-hide_banner", "-loglevel", "error", "-nostdin", "-y"]
     command += ["-f", "lavfi", "-i", f"aevalsrc='{tone}':d={song.seconds}:s=44100"]
     picture = f"testsrc=size=320x320:rate=10:duration={song.seconds},hue=h={song.frequency % 360}"
@@ -60,7 +67,10 @@ def _make(song, folder):
         command += ["-pix_fmt", "yuv420p"]
     else:
         command += ["-map", "0:a"]
-    command += ["-c:a", "aac", "-b:a", "128k", "-movflags", "+faststart"]
+    codecs = {"mp3": "libmp3lame", "webm": "libvorbis"}
+    command += ["-c:a", codecs.get(song.format, "aac"), "-b:a", "128k"]
+    if not song.format:
+        command += ["-movflags", "+faststart"]
     command += [str(folder / song.media)]
     command += ["-map", "1:v", "-frames:v", "1", "-update", "1", str(folder / song.cover)]
     subprocess.run(command, check=True)

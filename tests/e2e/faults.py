@@ -7,19 +7,20 @@ import json
 import os
 import re
 import subprocess
-import time
 import unittest
 from collections import Counter
 from pathlib import Path
 from urllib.parse import urlsplit
 
 import songs
-from stage import FINISHED, EndToEnd
+from stage import FINISHED, WORK, EndToEnd
 
 COMPLETE, ATTENTION = "Complete", "Needs Attention"
 FAILED = "Download failed. Check the link or try again."
 TRIMMED = "Saved; trimmed silent start/end"
 UNTRIMMED = "Saved; silence trim skipped"
+THERE = "Already Downloaded"
+REPEATED = "Those songs are already in the queue."
 
 SANITIZER_REPORT = re.compile(r"(Address|Leak|Thread|UndefinedBehavior)Sanitizer|runtime error:")
 
@@ -46,15 +47,8 @@ def length(path):
         return 0  # no media at all
 
 
-def age(trim):
-    """Makes an unfinished trim so old that the next run takes it for a forgotten one."""
-    long_ago = time.time() - 11 * 60
-    os.utime(trim, (long_ago, long_ago))
-
-
 class FaultTest(EndToEnd):
     mode = "MP3"
-    may_lose_files = False  # of rows that are complete
 
     def start_event(self, *links, event="Party", **options):
         return self.stage.start("--json", "--mode", self.mode, *links, event=event, **options)
@@ -79,26 +73,40 @@ class FaultTest(EndToEnd):
         self.record(fault, outcome, self.on_disk(event), says=explanation)
 
     def check(self, outcome, event="Party"):
-        statuses = {row["status"] for row in outcome.rows}
+        statuses = {row["status"] for row in outcome.rows if row["detail"] != REPEATED}
         self.assertLessEqual(statuses, {COMPLETE, ATTENTION}, outcome.err)
         self.assertStatus(outcome, 0 if statuses == {COMPLETE} else 1)
         self.assertNoReport(outcome)
         self.assertNothingRuns()
-        for row in outcome.rows:
-            if row["status"] == COMPLETE:
-                self.check_file(row, event)
+        complete = [row for row in outcome.rows if row["status"] == COMPLETE]
+        for row in complete:
+            self.check_file(row, event)
+        self.check_folder(event, {row["outputPath"] for row in complete})
+        if outcome.status == 0:
+            self.assertFalse((self.folder(event) / WORK).exists(), "nothing is left of the work")
+
+    def check_folder(self, event="Party", known=frozenset()):
+        """Beside what downloads are at work on, there are whole songs and nothing else."""
+        for path in {self.folder(event) / name for name in self.stage.files(event)}:
+            if str(path) in known:
+                continue
+            self.assertTrue(path.is_file(), path)
+            song = self.song_called(path)
+            self.assertIsNotNone(song, f"{path} is nobody's")
+            self.assertTrue(self.is_whole(path, song), f"{path} lasts {length(path)} s")
 
     def run_again(self, outcome, event):
-        for trim in self.folder(event).glob(".trim-*"):
-            age(trim)
         again = self.run_event(*(row["url"].partition("#")[0] for row in outcome.rows), event=event)
         self.check(again, event)
         self.assertStatus(again, 0)
-        self.assertEqual(list(self.folder(event).glob(".trim-*")), [])
         return f"{self.seen(again)}; {self.on_disk(event)}"
 
     def folder(self, event="Party"):
         return self.stage.output / event
+
+    def song_called(self, path):
+        """The song that a file's name stands for; None when the site has none."""
+        return next((s for s in self.site.album.values() if f"[{s.name}]" in path.name), None)
 
     def source_of(self, row):
         """The song that the row's link stands for; None when the site has none."""
@@ -107,11 +115,9 @@ class FaultTest(EndToEnd):
     def check_file(self, row, event):
         """What counts as finished is as long as its source."""
         path, song = Path(row["outputPath"]), self.source_of(row)
-        if self.may_lose_files and not path.is_file():
-            return
         self.assertIsNotNone(song, row)
         self.assertTrue(path.is_file(), f"{path} is not there")
-        self.assertTrue(path.is_relative_to(self.folder(event)), path)
+        self.assertEqual(path.parent, self.folder(event))
         if row["detail"] == TRIMMED:
             self.assertIsTrimmedSong(path, song)
         elif not self.is_whole(path, song):
@@ -122,9 +128,10 @@ class FaultTest(EndToEnd):
         """Whether the file holds all of the song, with its two silent ends or without."""
         found = length(path)
         silent = len(songs.silences(path)) if found else 0
-        if silent == 0 and not song.video:
-            return abs(found - song.tone) < 0.25
-        return silent == 2 and abs(found - song.seconds) < 0.25
+        if silent == song.pauses and not song.video and abs(found - song.tone) < 0.25:
+            return True
+        edges = (song.lead > 0) + (song.tail > 0)
+        return silent == song.pauses + edges and abs(found - song.seconds) < 0.25
 
     @staticmethod
     def status(pid, field):
@@ -166,15 +173,15 @@ class FaultTest(EndToEnd):
         folder = self.folder(event)
         if not folder.is_dir():
             return "a file in the folder's place" if folder.exists() else "no folder"
-        return counted(sorted(map(self.kind_of, folder.rglob("*")))) or "an empty folder"
+        kinds = counted(sorted(self.kind_of(folder / name) for name in self.stage.files(event)))
+        work = counted(sorted(path.suffix or path.name for path in self.stage.work(event)))
+        if work:
+            kinds += ("; " if kinds else "") + f"at work: {work}"
+        return kinds or "an empty folder"
 
     def kind_of(self, path):
-        if path.is_dir():
-            return "folder"
-        if path.name.startswith(".trim-"):
-            return "unfinished trim"
         if path.suffix not in FINISHED | {".mp4"}:
             return path.suffix or path.name
-        song = next((s for s in self.site.album.values() if f"[{s.name}]" in path.name), None)
+        song = self.song_called(path)
         known = song is not None and self.is_whole(path, song)
         return f"whole {path.suffix}" if known else f"other {path.suffix}"

@@ -34,6 +34,9 @@ class Ending(EndToEnd):
         self.assertEqual(self.stage.finished(), set(), "nothing may pass for a finished song")
         return outcome
 
+    def writes(self, name):
+        return any(path.name.startswith(name) for path in self.stage.work())
+
     def run_again(self, link, album):
         outcome = self.stage.run("--json", link)
         self.assertStatus(outcome, 0)
@@ -81,20 +84,19 @@ class DuringConversion(EachWay, Ending):
         (self.stage.tools / "ffprobe").symlink_to(shutil.which("ffprobe"))
         link = self.site.link("encore")
         process = self.stage.start("--json", link)
-        begun = eventually(lambda: "Encore [encore].mp3" in self.stage.finished(), PATIENCE)
+        begun = eventually(lambda: self.writes("Encore [encore].mp3"), PATIENCE)
         self.assertTrue(begun, "the conversion writes its file")
         self.end(process, number)
         slow.unlink()
         self.run_again(link, (LONG,))
 
     def test_kill_while_it_trims(self):
-        slow = self.stage.install("ffmpeg", FAKES / "e2e_slow_ffmpeg")
+        slow = self.stage.install("ffmpeg", FAKES / "e2e_hooked_ffmpeg")
+        self.stage.environment["REELCRATE_E2E_BEFORE_TRIM"] = 'set -- -re "$@"'
         (self.stage.tools / "ffprobe").symlink_to(shutil.which("ffprobe"))
         link = self.site.link("encore")
         process = self.stage.start("--json", link)
-        begun = eventually(
-            lambda: any(name.startswith(".trim-") for name in self.stage.finished()), PATIENCE
-        )
+        begun = eventually(lambda: self.writes(".trim-"), PATIENCE)
         self.assertTrue(begun, "the trim writes its file")
         self.end(process, signal.SIGKILL)
         slow.unlink()

@@ -1,0 +1,132 @@
+#!/usr/bin/env python3
+"""One song by two ways, two songs of one name, and two programs at once."""
+
+import array
+import os
+import subprocess
+import time
+import unittest
+from collections import Counter
+from pathlib import Path
+from urllib.parse import urlsplit
+
+from faults import COMPLETE, REPEATED, THERE, TRIMMED, FaultTest
+from songs import Song
+from stage import PATIENCE
+
+SHORT = {"lead": 0.4, "tone": 1.5, "tail": 0.3}
+SIX, OTHERS, TONES = (
+    tuple(Song(f"{name}{n}", f"{name.title()} {n}", 300 + 70 * n, **SHORT) for n in range(6))
+    for name in ("song", "other", "tone")
+)
+HELD_AFTER = 10_000
+
+
+class Doubles(FaultTest):
+    album = SIX + OTHERS
+    playlists = {name: [f"{name}{n}" for n in range(6)] for name in ("song", "other")}
+
+    def setUp(self):
+        super().setUp()
+        self.addCleanup(self.site.let_go)
+        self.transfers = self.site.media_requests()
+
+    def start_twice(self, *playlists):
+        """The lists, and once more the first of them; six downloads come to a stand."""
+        self.site.hold(HELD_AFTER)
+        links = [self.site.playlist_link(name) for name in playlists]
+        return self.start_event(*links, links[0])
+
+    def downloading(self):
+        """How many children download at the moment."""
+        count = 0
+        for pid in self.stage.running():
+            try:
+                words = Path(f"/proc/{pid}/cmdline").read_bytes().split(b"\0")
+            except OSError:
+                continue
+            count += self.status(pid, "Name") == "yt-dlp" and b"-o" in words
+        return count
+
+    def check_all(self, process, fault, lists):
+        outcome = self.stage.finish(process)
+        self.survived(outcome, fault)
+        self.assertStatus(outcome, 0)
+        details = Counter(row["detail"] for row in outcome.rows)
+        self.assertEqual(details.pop(REPEATED, 0), 1)
+        self.assertEqual(sum(details.values()), 6 * lists)
+        self.assertLessEqual(set(details), {TRIMMED, THERE})
+        self.assertEqual(len(self.stage.files()), 6 * lists)
+        return details
+
+    def test_two_lists_the_first_of_them_twice(self):
+        process = self.start_twice("song", "other")
+        self.assertTrue(self.site.wait_held(6, PATIENCE))
+        most = self.downloading()
+        self.assertEqual(most, 6)
+        self.site.let_go()
+        while process.poll() is None:
+            most = max(most, self.downloading())
+            time.sleep(0.05)
+        self.assertEqual(most, 6, "never more than six download")
+        details = self.check_all(process, "two playlists, and the first of them again", 2)
+        self.assertEqual(details[TRIMMED], 12)
+        self.assertEqual(self.site.media_requests() - self.transfers, 12)
+
+    def test_two_programs(self):
+        both = [self.start_twice("song") for _ in range(2)]
+        self.assertTrue(self.site.wait_held(6, PATIENCE))
+        self.site.let_go()
+        details = Counter()
+        for number, process in enumerate(both, 1):
+            fault = f"two programs in one folder, each with a playlist twice: program {number}"
+            details += self.check_all(process, fault, 1)
+        self.assertEqual(details, {TRIMMED: 6, THERE: 6})
+        self.assertEqual(self.site.media_requests() - self.transfers, 6)
+
+
+def frequency(path):
+    """How often the sound in the file swings in a second."""
+    command = ["ffmpeg", "-loglevel", "error", "-nostdin", "-ss", "0.3", "-t", "1", "-i", path]
+    command += ["-map", "0:a", "-ac", "1", "-ar", "44100", "-f", "s16le", "-"]
+    samples = array.array("h", subprocess.run(command, check=True, capture_output=True).stdout)
+    rises = sum(before < 0 <= after for before, after in zip(samples, samples[1:]))
+    return rises * 44100 / len(samples)
+
+
+class OneName(FaultTest):
+    """Six links whose files come out with one name, and with equal length."""
+
+    album = TONES
+    queries = [f"n={n}" for n in range(1, 7)]
+
+    def source_of(self, row):
+        return self.site.album[self.site.direct[urlsplit(row["url"]).query]]
+
+    def song_called(self, path):
+        return TONES[0] if path.name.startswith("audio") else None
+
+    def run_links(self, sources, fault):
+        self.site.direct = dict(zip(self.queries, sources))
+        outcome = self.run_event(*map(self.site.direct_link, self.queries))
+        self.survived(outcome, fault)
+        self.assertStatus(outcome, 0)
+        self.assertEqual([row["status"] for row in outcome.rows], [COMPLETE] * 6)
+        return outcome.rows
+
+    def test_six_songs(self):
+        rows = self.run_links([song.name for song in TONES], "six songs of one name and length")
+        names = {"audio [audio].mp3"} | {f"audio ({n}) [audio].mp3" for n in range(2, 7)}
+        self.assertEqual(self.stage.files(), names)
+        self.assertEqual({os.path.basename(row["outputPath"]) for row in rows}, names)
+        for row, song in zip(rows, TONES):
+            self.assertAlmostEqual(frequency(row["outputPath"]), song.frequency, delta=5)
+
+    def test_one_song(self):
+        rows = self.run_links([TONES[0].name] * 6, "six links to one song")
+        self.assertEqual(self.stage.files(), {"audio [audio].mp3"})
+        self.assertEqual(len({row["outputPath"] for row in rows}), 1)
+
+
+if __name__ == "__main__":
+    unittest.main()
