@@ -25,9 +25,7 @@ import songs
 
 TYPES = {
     ".m4a": "audio/mp4",
-    ".mp3": "audio/mpeg",
     ".mp4": "video/mp4",
-    ".webm": "video/webm",
     ".jpg": "image/jpeg",
     ".m3u8": "application/vnd.apple.mpegurl",
     ".ts": "video/mp2t",

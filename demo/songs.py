@@ -67,10 +67,7 @@ def _make(song, folder):
         command += ["-pix_fmt", "yuv420p"]
     else:
         command += ["-map", "0:a"]
-    codecs = {"mp3": "libmp3lame", "webm": "libvorbis"}
-    command += ["-c:a", codecs.get(song.format, "aac"), "-b:a", "128k"]
-    if not song.format:
-        command += ["-movflags", "+faststart"]
+    command += ["-c:a", "aac", "-b:a", "128k", "-movflags", "+faststart"]
     command += [str(folder / song.media)]
     command += ["-map", "1:v", "-frames:v", "1", "-update", "1", str(folder / song.cover)]
     subprocess.run(command, check=True)

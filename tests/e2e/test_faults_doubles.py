@@ -67,7 +67,7 @@ class Doubles(FaultTest):
         self.site.let_go()
         while process.poll() is None:
             most = max(most, self.downloading())
-            time.sleep(0.05)
+            time.sleep(0.2)
         self.assertEqual(most, 6, "never more than six download")
         details = self.check_all(process, "two playlists, and the first of them again", 2)
         self.assertEqual(details[TRIMMED], 12)
