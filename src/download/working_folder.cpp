@@ -24,7 +24,7 @@ namespace {
 
 constexpr QLatin1String lockName{"lock"};
 constexpr qint64 abandonedAfterDays = 3;
-constexpr int idleMinutes = 10;
+constexpr qint64 idleSeconds = 600;
 constexpr int mostTries = 5;
 
 // Of what downloads end with and of what they are converted from.
@@ -167,7 +167,7 @@ WorkingFolder::Lock WorkingFolder::lockFile(bool nobodyOfThisMachine) {
 
 /// Whether nothing in the folder was written to lately, as whoever downloads or converts does.
 bool WorkingFolder::isIdle() const {
-    const QDateTime limit = QDateTime::currentDateTime().addSecs(-60 * idleMinutes);
+    const QDateTime limit = QDateTime::currentDateTime().addSecs(-idleSeconds);
     const auto files = QDir(m_path).entryInfoList(QDir::Files | QDir::Hidden);
     return std::all_of(files.begin(), files.end(),
                        [&](const QFileInfo& file) { return file.lastModified() < limit; });

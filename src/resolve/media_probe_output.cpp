@@ -70,7 +70,7 @@ MediaInfo mediaFrom(const QJsonObject& printed) {
 /// A configuration file of the user's may print lines of its own around the one of the listing.
 QJsonObject listingIn(const QString& output) {
     for (const QString& text : QStringList(output) + output.split(u'\n')) {
-        const QJsonObject object = QJsonDocument::fromJson(text.toUtf8()).object();
+        QJsonObject object = QJsonDocument::fromJson(text.toUtf8()).object();
         if (object.value(u"entries").isArray())
             return object;
     }

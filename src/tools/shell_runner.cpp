@@ -117,7 +117,7 @@ CommandResult ShellRunner::runShellPassingOn(const QString& command, const Outpu
 
 CommandResult ShellRunner::runShellApart(const QString& command, std::optional<double> timeout) {
     QByteArray output;
-    const CommandResult result =
+    CommandResult result =
         runShellBytes(command, timeout, [&output](const QByteArray& bytes) { output += bytes; });
     if (result.status == CommandResult::couldNotStart && output.isEmpty())
         return result;
