@@ -27,7 +27,7 @@ protected:
 
     /// A finished file, of that name, with the song for its content.
     QString finished(const char* name, const QByteArray& song) {
-        const QString path = m_folder.filePath(text("work/") + text(name));
+        QString path = m_folder.filePath(text("work/") + text(name));
         writeFile(path, song);
         return path;
     }
