@@ -1,7 +1,7 @@
 # How every target of the project is compiled, and the one way to make a folder of src/ a library.
 
 add_library(reelcrate_options INTERFACE)
-target_compile_options(reelcrate_options INTERFACE -Wall -Wextra -Werror)
+target_compile_options(reelcrate_options INTERFACE -Wall -Wextra)
 target_compile_definitions(
   reelcrate_options
   INTERFACE QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_NARROWING_CONVERSIONS_IN_CONNECT
@@ -54,7 +54,11 @@ function(reelcrate_qml_library name uri)
     get_filename_component(alias ${file} NAME)
     set_source_files_properties(${file} PROPERTIES QT_RESOURCE_ALIAS ${alias})
   endforeach()
-  qt_add_qml_module(reelcrate_${name} URI ${uri} VERSION 1.0 NO_PLUGIN DEPENDENCIES QtQuick
+  set(cache)
+  if(NOT REELCRATE_QML_COMPILATION)
+    set(cache NO_CACHEGEN)
+  endif()
+  qt_add_qml_module(reelcrate_${name} URI ${uri} VERSION 1.0 NO_PLUGIN ${cache} DEPENDENCIES QtQuick
                     RESOURCE_PREFIX /qt/qml
                     QML_FILES ${qml} IMPORT_PATH ${QT_QML_OUTPUT_DIRECTORY})
   # Qt adds the folder above, through which every header could be included.

@@ -4,6 +4,7 @@
 #include "library/song_key.h"
 #include "support/machine.h"
 #include "support/printers.h"
+#include "support/sample.h"
 
 #include <QDir>
 #include <QSignalSpy>
@@ -422,8 +423,7 @@ TEST_F(EngineTest, EachFailureHasItsText) {
 }
 
 TEST_F(EngineTest, ASpotifyRowIsSearchedForAndFailsInItsOwnWords) {
-    machine.tell(QStringLiteral("spotdl.txt"),
-                 readFile(QStringLiteral(TESTS_DIRECTORY "/data/spotdl_playlist.txt")));
+    machine.tell(QStringLiteral("spotdl.txt"), sample("spotdl_playlist.txt").toUtf8());
     addAndRead(QStringLiteral("https://open.spotify.com/playlist/x"));
     ASSERT_GT(view.queue().size(), 1);
     EXPECT_EQ(row(0).source, SourceType::spotify);
@@ -460,8 +460,7 @@ TEST_F(EngineTest, ReadingIsTriedThreeTimesAndRetriedOnRequest) {
 }
 
 TEST_F(EngineTest, ASpotifyLinkThatWasNotListedIsReadAgainAndNeverSearchedFor) {
-    machine.tell(QStringLiteral("spotdl.txt"),
-                 readFile(QStringLiteral(TESTS_DIRECTORY "/data/spotdl_429.txt")));
+    machine.tell(QStringLiteral("spotdl.txt"), sample("spotdl_429.txt").toUtf8());
     addAndRead(
         QStringLiteral("https://open.spotify.com/playlist/x https://open.spotify.com/track/y"));
     view.startDownloads();
@@ -471,8 +470,7 @@ TEST_F(EngineTest, ASpotifyLinkThatWasNotListedIsReadAgainAndNeverSearchedFor) {
     EXPECT_EQ(machine.calls().size(), 4);
 
     // When it can be listed, what it turns out to be is downloaded.
-    machine.tell(QStringLiteral("spotdl.txt"),
-                 readFile(QStringLiteral(TESTS_DIRECTORY "/data/spotdl_playlist.txt")));
+    machine.tell(QStringLiteral("spotdl.txt"), sample("spotdl_playlist.txt").toUtf8());
     view.startDownloads();
     ASSERT_TRUE(waitUntil([this] { return !isReading() && view.activeDownloadRuns() == 0; }));
     EXPECT_TRUE(waitUntil([this] {
@@ -483,8 +481,7 @@ TEST_F(EngineTest, ASpotifyLinkThatWasNotListedIsReadAgainAndNeverSearchedFor) {
 }
 
 TEST_F(EngineTest, PermanentFailuresAreNotTriedAgain) {
-    machine.tell(QStringLiteral("spotdl.txt"),
-                 readFile(QStringLiteral(TESTS_DIRECTORY "/data/spotdl_429.txt")));
+    machine.tell(QStringLiteral("spotdl.txt"), sample("spotdl_429.txt").toUtf8());
     addAndRead(QStringLiteral("https://open.spotify.com/album/x"));
     EXPECT_EQ(row(0).status, QueueStatus::failed);
     EXPECT_EQ(row(0).title, QStringLiteral("Spotify library playlist"));
