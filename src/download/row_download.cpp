@@ -104,7 +104,15 @@ RowDownload::End RowDownload::run(const std::stop_token& stop) {
             break;
     }
     // Now that nobody else can be about to put it there.
-    if (const auto path = fileThatIsThere()) {
+    while (const auto path = fileThatIsThere()) {
+        if (stop.stop_requested())
+            return End::ended;
+        if (const auto fault = m_parts.finisher.whyNotWhole(*path, m_plan.target.mode)) {
+            logLine(QStringLiteral("%1 is there, but: %2 The song is downloaded again.")
+                        .arg(*path, *fault));
+            m_parts.library.distrust(*path);
+            continue;
+        }
         folder.remove();
         complete(*path, QStringLiteral("Already Downloaded"));
         return End::ended;
@@ -118,7 +126,7 @@ std::optional<QString> RowDownload::fileThatIsThere() const {
         .url = m_item.url,
         .source = m_item.source,
         .title = m_item.reading == LinkReading::song ? m_item.title : QString(),
-        .duration = {},
+        .duration = m_item.duration,
         .thumbnailURL = {},
         .playlistItem = m_item.playlistItem};
     return m_parts.library.existingDownloadedFiles({entry}, m_plan.target).first();

@@ -122,6 +122,11 @@ std::optional<double> SongFinisher::damagedLength(const QString& source, const L
     return measure.headerSeconds.value_or(measure.decodedSeconds);
 }
 
+std::optional<QString> SongFinisher::whyNotWhole(const QString& file, DownloadMode mode) const {
+    return mode == DownloadMode::video ? whyNoWholeVideo(m_videoMeasurer.measure(file))
+                                       : whyNoWholeSong(m_measurer.measure(file));
+}
+
 /// In seconds; absent when the file is not whole.
 std::optional<double> SongFinisher::length(const QString& file) const {
     if (hasFinishedExtension(file, DownloadMode::video)) {

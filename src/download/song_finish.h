@@ -41,6 +41,9 @@ public:
     std::optional<QString> enter(const QString& file, const QString& songKey,
                                  const EventTarget& target, const Log& log) const;
 
+    /// Why a file of the event folder is no whole song or video; absent when it is one.
+    std::optional<QString> whyNotWhole(const QString& file, DownloadMode mode) const;
+
     /// The length in seconds of what can be heard of a source that was not converted, if something
     /// in it is damaged, and the log says so. Absent when it is sound, or when there is nothing.
     std::optional<double> damagedLength(const QString& source, const Log& log) const;

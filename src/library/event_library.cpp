@@ -32,6 +32,11 @@ QList<std::optional<QString>> EventLibrary::existingDownloadedFiles(
     return files;
 }
 
+void EventLibrary::distrust(const QString& path) {
+    const std::lock_guard lock(m_mutex);
+    m_writers.insert(path, QString());  // no song's key
+}
+
 std::optional<QString> EventLibrary::writerOf(const QString& path) const {
     const std::lock_guard lock(m_mutex);
     const auto writer = m_writers.constFind(path);

@@ -49,6 +49,9 @@ public:
     QList<std::optional<QString>> existingDownloadedFiles(const QList<PlaylistEntry>& entries,
                                                           const EventTarget& target) const;
 
+    /// From now on the file counts as nobody's song.
+    void distrust(const QString& path);
+
     /// Moves a finished file into the event folder, under its name, or under the next free one
     /// where another song has that. Never replaces a file.
     Arrival enter(const QString& file, const QString& songKey, const QString& eventFolder,

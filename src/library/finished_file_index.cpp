@@ -3,6 +3,7 @@
 #include "base/text.h"
 #include "library/file_names.h"
 #include "library/finished_files.h"
+#include "library/mp3_look.h"
 #include "library/song_key.h"
 
 #include <QFileInfo>
@@ -95,32 +96,33 @@ FinishedFileIndex::FinishedFileIndex(const QString& eventFolder, DownloadMode mo
 }
 
 std::optional<QString> FinishedFileIndex::existingDownloadedFile(const PlaylistEntry& entry) const {
-    const QString key = keyOf(entry);
     std::optional<qsizetype> file;
     if (!m_writers.isEmpty())
-        file = firstFile(key, [&](qsizetype each) { return m_writers.contains(m_paths.at(each)); });
+        file =
+            firstFile(entry, [&](qsizetype each) { return m_writers.contains(m_paths.at(each)); });
     if (const auto id = existingDownloadID(entry); !file && id) {
         const QString needle = u'[' + id->toLower() + u']';
-        file = firstFile(key,
+        file = firstFile(entry,
                          [&](qsizetype each) { return m_loweredNames.at(each).contains(needle); });
     }
     if (!file)
-        file = findByTitle(entry, key);
+        file = findByTitle(entry);
     return file ? std::optional(m_paths.at(*file)) : std::nullopt;
 }
 
-/// The first of the files that are not known to be another song's.
-std::optional<qsizetype> FinishedFileIndex::firstFile(const QString& key,
+/// The first of the files that are not known to be another song's, and may be a song at all.
+std::optional<qsizetype> FinishedFileIndex::firstFile(const PlaylistEntry& entry,
                                                       const IsAnswer& isAnswer) const {
+    const QString key = keyOf(entry);
     for (qsizetype file = 0; file < m_paths.size(); ++file) {
-        if (isAnswer(file) && m_writers.value(m_paths.at(file), key) == key)
+        if (isAnswer(file) && m_writers.value(m_paths.at(file), key) == key &&
+            canBeSong(m_paths.at(file), entry.duration))
             return file;
     }
     return std::nullopt;
 }
 
-std::optional<qsizetype> FinishedFileIndex::findByTitle(const PlaylistEntry& entry,
-                                                        const QString& key) const {
+std::optional<qsizetype> FinishedFileIndex::findByTitle(const PlaylistEntry& entry) const {
     if (entry.title.trimmed().isEmpty())
         return std::nullopt;
     QStringList titles;
@@ -131,7 +133,7 @@ std::optional<qsizetype> FinishedFileIndex::findByTitle(const PlaylistEntry& ent
     }
     if (titles.isEmpty())
         return std::nullopt;
-    return firstFile(key, [&](qsizetype file) {
+    return firstFile(entry, [&](qsizetype file) {
         const std::optional<QString>& fileTitle = m_titleKeys[static_cast<std::size_t>(file)];
         return fileTitle && std::any_of(titles.begin(), titles.end(), [&](const QString& title) {
                    return isOfTitle(m_loweredNames.at(file), *fileTitle, title);

@@ -24,15 +24,15 @@ public:
 
     /// The absolute path of the file that the same song is known to have written, or of the newest
     /// with the entry's identifier in its name, or else of the newest whose name matches the
-    /// entry's title. A file that is known to be another song's is none of these. Of files with the
-    /// same date the first by path.
+    /// entry's title. A file that is known to be another song's is none of these, nor one that
+    /// cannot be a whole song. Of files with the same date the first by path.
     std::optional<QString> existingDownloadedFile(const PlaylistEntry& entry) const;
 
 private:
     using IsAnswer = std::function<bool(qsizetype file)>;
 
-    std::optional<qsizetype> firstFile(const QString& key, const IsAnswer& isAnswer) const;
-    std::optional<qsizetype> findByTitle(const PlaylistEntry& entry, const QString& key) const;
+    std::optional<qsizetype> firstFile(const PlaylistEntry& entry, const IsAnswer& isAnswer) const;
+    std::optional<qsizetype> findByTitle(const PlaylistEntry& entry) const;
 
     FileWriters m_writers;
     QStringList m_paths;         // newest first; the other members name files by

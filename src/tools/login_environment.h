@@ -14,9 +14,15 @@ namespace reelcrate {
 /// The command for a login shell that prints its variables between two marks.
 QString loginEnvironmentCommand(const QByteArray& mark);
 
+struct LoginEnvironment {
+    QProcessEnvironment variables;
+    /// What a command line has to begin with: it sets the variables whose bytes are no text.
+    QString exports;
+};
+
 /// Reads that command's output, whatever a profile printed before and after it. Absent when the
 /// shell never came to run the command.
-std::optional<QProcessEnvironment> loginEnvironmentFrom(const QByteArray& output,
-                                                        const QByteArray& mark);
+std::optional<LoginEnvironment> loginEnvironmentFrom(const QByteArray& output,
+                                                     const QByteArray& mark);
 
 }  // namespace reelcrate

@@ -1,7 +1,5 @@
 #include "tools/process_supervisor.h"
 
-#include <QFile>
-
 #include <array>
 #include <cerrno>
 #include <charconv>
@@ -18,8 +16,6 @@
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
-#include <utility>
-#include <vector>
 #ifdef __linux__
 #include <sys/prctl.h>
 #endif
@@ -35,11 +31,9 @@ constexpr auto grace = 2s;        // between the request to end and the end by f
 constexpr auto lastWait = 500ms;  // for the system to carry out the end by force
 constexpr auto step = 20ms;
 
-// A message is a letter, its argument in text form, and a NUL, which no path contains.
+// A message is a letter, its argument in text form, and a NUL.
 constexpr char watchGroup = 'g';        // g PID
 constexpr char groupLeaderEnded = 'e';  // e PID
-constexpr char announceFile = 'a';      // a LIST/PATH (a list's number ends at the first slash)
-constexpr char forgetFiles = 'f';       // f LIST
 
 #ifndef MSG_NOSIGNAL
 constexpr int MSG_NOSIGNAL = 0;
@@ -49,9 +43,8 @@ bool isAlive(pid_t group) {
     return ::kill(-group, 0) == 0 || errno == EPERM;
 }
 
-template <typename Number>
-Number numberIn(std::string_view text) {
-    Number number = 0;
+pid_t numberIn(std::string_view text) {
+    pid_t number = 0;
     std::from_chars(text.data(), text.data() + text.size(), number);
     return number;
 }
@@ -65,10 +58,6 @@ public:
         while (receive())
             endLeftovers();
         endAll();
-        for (const auto& [list, paths] : m_unfinished) {
-            for (const std::string& path : paths)
-                ::unlink(path.c_str());
-        }
     }
 
 private:
@@ -97,17 +86,10 @@ private:
         const std::string_view argument = message.substr(1);
         switch (message.front()) {
             case watchGroup:
-                m_groups.insert(numberIn<pid_t>(argument));
+                m_groups.insert(numberIn(argument));
                 break;
             case groupLeaderEnded:
-                startEnding(numberIn<pid_t>(argument));
-                break;
-            case announceFile:
-                if (const auto slash = argument.find('/'); slash != std::string_view::npos)
-                    m_unfinished[numberIn<quint64>(argument)].emplace_back(argument.substr(slash));
-                break;
-            case forgetFiles:
-                m_unfinished.erase(numberIn<quint64>(argument));
+                startEnding(numberIn(argument));
                 break;
             default:
                 break;
@@ -128,7 +110,7 @@ private:
                 return true;
             if (Clock::now() >= deadline)
                 ::kill(-group, SIGKILL);
-            // Where nobody asks after the dead, they look alive for ever.
+            // A dead process that its parent never reaps looks alive for ever.
             return Clock::now() >= deadline + lastWait;
         });
     }
@@ -147,7 +129,6 @@ private:
     std::string m_pending;
     std::set<pid_t> m_groups;
     std::map<pid_t, Clock::time_point> m_leftovers;
-    std::map<quint64, std::vector<std::string>> m_unfinished;
 };
 
 /// Leaves the terminal, the standard streams and the working folder to the program: the supervisor
@@ -211,19 +192,6 @@ void ProcessSupervisor::leaderEnded(pid_t group) {
     send(groupLeaderEnded + QByteArray::number(group));
 }
 
-quint64 ProcessSupervisor::newList() {
-    return ++m_lastList;
-}
-
-void ProcessSupervisor::announceUnfinished(quint64 list, const QString& path) {
-    if (path.startsWith(u'/'))
-        send(announceFile + QByteArray::number(list) + QFile::encodeName(path));
-}
-
-void ProcessSupervisor::forgetUnfinished(quint64 list) {
-    send(forgetFiles + QByteArray::number(list));
-}
-
 void ProcessSupervisor::send(const QByteArray& message) {
     const std::lock_guard lock(m_mutex);
     if (m_socket < 0)
@@ -248,33 +216,6 @@ void ProcessSupervisor::endEverything() {
     }
     while (m_process > 0 && ::waitpid(m_process, nullptr, 0) < 0 && errno == EINTR) {
     }
-}
-
-UnfinishedFiles::UnfinishedFiles(ProcessSupervisor& supervisor)
-    : m_supervisor(supervisor), m_list(supervisor.newList()) {}
-
-UnfinishedFiles::~UnfinishedFiles() {
-    keepOnly({});
-}
-
-void UnfinishedFiles::announce(const QString& path) {
-    if (m_paths.contains(path))
-        return;
-    m_paths.append(path);
-    m_supervisor.announceUnfinished(m_list, path);
-}
-
-void UnfinishedFiles::keep() {
-    m_paths.clear();
-    m_supervisor.forgetUnfinished(m_list);
-}
-
-void UnfinishedFiles::keepOnly(const QStringList& paths) {
-    for (const QString& path : std::as_const(m_paths)) {
-        if (!paths.contains(path))
-            QFile::remove(path);
-    }
-    keep();
 }
 
 }  // namespace reelcrate

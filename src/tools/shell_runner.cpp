@@ -1,6 +1,5 @@
 #include "tools/shell_runner.h"
 
-#include "tools/login_environment.h"
 #include "tools/process_supervisor.h"
 #include "tools/utf8_pieces.h"
 
@@ -150,7 +149,7 @@ QString ShellRunner::loginNotice() {
     return m_loginNotice;
 }
 
-const QProcessEnvironment& ShellRunner::environment() {
+const LoginEnvironment& ShellRunner::environment() {
     std::call_once(m_environmentRead, [this] { readLoginEnvironment(); });
     return m_environment;
 }
@@ -167,7 +166,7 @@ void ShellRunner::readLoginEnvironment() {
         m_environment = *environment;
         return;
     }
-    m_environment = QProcessEnvironment::systemEnvironment();
+    m_environment.variables = QProcessEnvironment::systemEnvironment();
     m_loginNotice = result.status == CommandResult::timedOut
                         ? QStringLiteral(
                               "The login profile took longer than %1 seconds and was left out: the "
@@ -219,9 +218,10 @@ CommandResult ShellRunner::runKeepingOutput(const QString& command, std::optiona
 CommandResult ShellRunner::run(const QString& command, std::optional<double> timeout,
                                const Streams& streams) {
     QProcess process;
-    process.setProcessEnvironment(environment());
+    const LoginEnvironment& login = environment();
+    process.setProcessEnvironment(login.variables);
     // "-p": the shell reads no file of the user's on its way to the command.
-    process.setArguments({QStringLiteral("-pc"), command});
+    process.setArguments({QStringLiteral("-pc"), login.exports + command});
     return runChild(process, timeout, streams);
 }
 

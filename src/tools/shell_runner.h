@@ -1,7 +1,8 @@
 #pragma once
 
+#include "tools/login_environment.h"
+
 #include <QByteArray>
-#include <QProcessEnvironment>
 #include <QString>
 #include <QtGlobal>
 
@@ -81,13 +82,13 @@ private:
     CommandResult runChild(QProcess& process, std::optional<double> timeout,
                            const Streams& streams);
     std::optional<QString> start(QProcess& process, int keptDescriptor);
-    const QProcessEnvironment& environment();
+    const LoginEnvironment& environment();
     void readLoginEnvironment();
 
     ProcessSupervisor& m_supervisor;
     const double m_loginLimitSeconds;
     std::once_flag m_environmentRead;
-    QProcessEnvironment m_environment;
+    LoginEnvironment m_environment;
     QString m_loginNotice;
     std::mutex m_mutex;
     bool m_ended = false;

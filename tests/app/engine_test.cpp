@@ -338,11 +338,19 @@ TEST_F(EngineTest, WhatIsThereIsLookedForAgainBeforeADownload) {
     addReadRows(
         {link("song", QStringLiteral("A Longer Title")), link("song", QStringLiteral("A Longer"))});
     QDir().mkpath(view.eventFolder());
-    QFile::copy(machine.toolFolder() + QStringLiteral("/song.mp3"),
-                eventFile(QStringLiteral("A Longer Title [x].mp3")));
+    // What looks like a song from outside, and like the song by its name, has to play as well.
+    const QString torn = eventFile(QStringLiteral("A Longer Title [y].mp3"));
+    const QString song = machine.toolFolder() + QStringLiteral("/song.mp3");
+    const QString whole = eventFile(QStringLiteral("A Longer Title [x].mp3"));
+    QFile::copy(song, whole);
+    QByteArray bytes = readFile(song);
+    const qsizetype third = bytes.size() / 3;
+    writeFile(torn, bytes.replace(third, third, QByteArray(third, 'x')));
     view.startDownloadRun({row(0).id});
     ASSERT_TRUE(waitUntil([this] { return view.activeDownloadRuns() == 0; }));
     EXPECT_EQ(row(0).detail, QStringLiteral("Already Downloaded"));
+    EXPECT_EQ(row(0).outputPath, whole);
+    EXPECT_TRUE(view.runLog().contains(torn + QStringLiteral(" is there, but: ")));
     EXPECT_EQ(machine.calls().count(QStringLiteral("download A Longer Title")), 0);
 
     // But not what another song has just written.
@@ -494,7 +502,7 @@ TEST_F(EngineTest, APlaylistMakesWayForItsSongs) {
         {"title": "Another Title", "url": "http://site/song/two"},
         {"title": "In The Queue", "url": "http://site/song/queued"}]})");
     QDir().mkpath(view.eventFolder());
-    writeFile(eventFile(QStringLiteral("One Long Title [x].mp3")), "sound");
+    writeFile(eventFile(QStringLiteral("One Long Title [x].mp3")), silentMp3());
     writeFile(eventFile(QStringLiteral("Another Title [y].mp3.part")), "sound");
     const QString playlist = QStringLiteral("http://site/playlist/all?from=youtube.com");
     addReadRows({link("song", QStringLiteral("before")), link("song", QStringLiteral("queued"))});

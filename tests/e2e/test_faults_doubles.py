@@ -10,7 +10,7 @@ from collections import Counter
 from pathlib import Path
 from urllib.parse import urlsplit
 
-from faults import COMPLETE, REPEATED, THERE, TRIMMED, FaultTest
+from faults import ALL, COMPLETE, REPEATED, THERE, TRIMMED, FaultTest
 from songs import Song
 from stage import PATIENCE
 
@@ -20,22 +20,27 @@ SIX, OTHERS, TONES = (
     for name in ("song", "other", "tone")
 )
 HELD_AFTER = 10_000
+TRIALS = range(5 if ALL else 1)
 
 
 class Doubles(FaultTest):
-    album = SIX + OTHERS[:2]
-    playlists = {"song": [song.name for song in SIX], "other": [song.name for song in OTHERS[:2]]}
+    album = SIX + OTHERS[:5]
+    playlists = {"song": [song.name for song in SIX]} | {
+        # Each but the first brings one song that is new, among others that are not.
+        f"other{n}": [SIX[n].name, *(song.name for song in OTHERS[: n + 1])]
+        for n in range(5)
+    }
 
     def setUp(self):
         super().setUp()
         self.addCleanup(self.site.let_go)
         self.transfers = self.site.media_requests()
 
-    def start_twice(self, *playlists):
+    def start_twice(self, *playlists, event="Party"):
         """The lists, and once more the first of them; six downloads come to a stand."""
         self.site.hold(HELD_AFTER)
         links = [self.site.playlist_link(name) for name in playlists]
-        return self.start_event(*links, links[0])
+        return self.start_event(*links, links[0], event=event)
 
     def downloading(self):
         """How many children download at the moment."""
@@ -50,19 +55,19 @@ class Doubles(FaultTest):
         # A child of theirs bears their name until it has begun its own program.
         return sum(parent not in parents for parent in parents.values())
 
-    def check_all(self, process, fault, count):
+    def check_all(self, process, fault, count, event="Party"):
         outcome = self.stage.finish(process)
-        self.survived(outcome, fault)
+        self.survived(outcome, fault, event)
         self.assertStatus(outcome, 0)
         details = Counter(row["detail"] for row in outcome.rows)
         self.assertEqual(details.pop(REPEATED, 0), 1)
         self.assertEqual(sum(details.values()), count)
         self.assertLessEqual(set(details), {TRIMMED, THERE})
-        self.assertEqual(len(self.stage.files()), count)
+        self.assertEqual(len(self.stage.files(event)), count)
         return details
 
-    def test_two_lists_the_first_of_them_twice(self):
-        process = self.start_twice("song", "other")
+    def test_six_lists_the_first_of_them_twice(self):
+        process = self.start_twice(*self.playlists)
         self.assertTrue(self.site.wait_held(6, PATIENCE))
         most = self.downloading()
         self.assertEqual(most, 6)
@@ -71,20 +76,37 @@ class Doubles(FaultTest):
             most = max(most, self.downloading())
             time.sleep(0.2)
         self.assertEqual(most, 6, "never more than six download")
-        details = self.check_all(process, "two playlists, and the first of them again", 8)
-        self.assertEqual(details[TRIMMED], 8)
-        self.assertEqual(self.site.media_requests() - self.transfers, 8)
+        count = len(self.album)
+        details = self.check_all(process, "six playlists, and the first of them again", count)
+        self.assertEqual(details[TRIMMED], count)
+        self.assertEqual(self.site.media_requests() - self.transfers, count)
+
+    def test_one_list_twice(self):
+        for trial in TRIALS:
+            with self.subTest(trial=trial):
+                event = f"trial {trial}"
+                process = self.start_twice("song", event=event)
+                self.assertTrue(self.site.wait_held(6, PATIENCE))
+                self.site.let_go()
+                details = self.check_all(process, "a playlist, and again", 6, event)
+                self.assertEqual(details[TRIMMED], 6)
 
     def test_two_programs(self):
-        both = [self.start_twice("song") for _ in range(2)]
+        for trial in TRIALS:
+            with self.subTest(trial=trial):
+                self.check_two_programs(f"trial {trial}")
+
+    def check_two_programs(self, event):
+        transfers = self.site.media_requests()
+        both = [self.start_twice("song", event=event) for _ in range(2)]
         self.assertTrue(self.site.wait_held(6, PATIENCE))
         self.site.let_go()
         details = Counter()
         for number, process in enumerate(both, 1):
             fault = f"two programs in one folder, each with a playlist twice: program {number}"
-            details += self.check_all(process, fault, 6)
+            details += self.check_all(process, fault, 6, event)
         self.assertEqual(details, {TRIMMED: 6, THERE: 6})
-        self.assertEqual(self.site.media_requests() - self.transfers, 6)
+        self.assertEqual(self.site.media_requests() - transfers, 6)
 
 
 def frequency(path):

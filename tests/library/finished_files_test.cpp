@@ -3,6 +3,7 @@
 #include "library/file_names.h"
 #include "library/finished_file_index.h"
 #include "library/song_key.h"
+#include "support/machine.h"
 #include "support/texts.h"
 
 #include <QDir>
@@ -34,10 +35,7 @@ protected:
     QString add(const QString& name, int age = 0) {
         QString path = m_folder.filePath(name);
         QDir().mkpath(path.left(path.lastIndexOf(u'/')));
-        QFile file(path);
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
-        file.write("sound");
-        file.close();
+        EXPECT_TRUE(writeFile(path, silentMp3())) << path.toStdString();
         fs::last_write_time(path.toStdString(), m_newest - std::chrono::nanoseconds(age));
         return path;
     }
@@ -165,6 +163,39 @@ TEST_F(FinishedFiles, AreRecognisedByTitle) {
     EXPECT_EQ(FinishedFileIndex(folder() + text("/none"), DownloadMode::audio)
                   .existingDownloadedFile(titled(text("Del Mar"))),
               std::nullopt);
+}
+
+TEST_F(FinishedFiles, AreSongsByTheirFirstPagesToo) {
+    const QByteArray song = silentMp3(100);  // 2.6 s
+    QByteArray xing = song;
+    // The header in the first frame counts all of the bytes, or so it says.
+    xing.replace(36, 16, QByteArray("Xing\0\0\0\3\0\0\0\x64\0\0\xa2\xe4", 16));
+    const QByteArray cover = QByteArray("ID3\4\0\0\0\0\x40\0", 10).append(8192, 'c');
+    QByteArray xingOfNothing = xing;
+    xingOfNothing.replace(47, 1, QByteArray("\2", 1));
+    const std::tuple<const char*, QByteArray, const char*, bool> cases[] = {
+        {"bare frames", song, "0:03", true},
+        {"behind a cover", cover + song, "", true},
+        {"counted", xing, "0:03", true},
+        {"counted behind a cover, tags at the end", cover + xing + QByteArray(128, 't'), "", true},
+        {"cut off", xing.first(30'000), "0:03", false},
+        {"a cover alone", cover, "", false},
+        {"two frames of what was a song", xingOfNothing.first(834), "", false},
+        {"no media", QByteArray(35'000, 'r'), "", false},
+        {"far shorter than listed", song, "1:03", false},
+        {"shorter than listed", song, "0:20", true},
+        {"without a length in the listing", song, "live", true},
+    };
+    for (const auto& [what, bytes, listed, isSong] : cases) {
+        SCOPED_TRACE(what);
+        const QString path = add(text("My Nice Song [x].mp3"));
+        ASSERT_TRUE(writeFile(path, bytes));
+        PlaylistEntry entry = titled(text("My Nice Song"));
+        entry.duration = text(listed);
+        const auto found =
+            FinishedFileIndex(folder(), DownloadMode::audio).existingDownloadedFile(entry);
+        EXPECT_EQ(found, isSong ? std::optional(path) : std::nullopt);
+    }
 }
 
 TEST_F(FinishedFiles, LongTitlesMatchTheNamesTheyWereCutTo) {

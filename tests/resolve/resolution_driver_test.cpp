@@ -139,7 +139,7 @@ TEST_F(ResolutionDriverTest, MakesARowOfEachEntryAndFindsWhatIsThere) {
         {"title": "One Long Title", "url": "http://site/song/one"},
         {"title": "Other Title", "url": "http://site/song/two"}, null,
         {"url": "http://site/song/untitled"}], "playlist_count": 206})");
-    ASSERT_TRUE(writeFile(target.folder + text("/One Long Title [x].mp3"), "sound"));
+    ASSERT_TRUE(writeFile(target.folder + text("/One Long Title [x].mp3"), silentMp3(1000)));
     read(text("http://site/list?list=x&from=youtube.com"), SourceType::youtube);
     EXPECT_EQ(queue.size(), 4);
     EXPECT_EQ(row(1).status, QueueStatus::complete);
@@ -150,7 +150,7 @@ TEST_F(ResolutionDriverTest, MakesARowOfEachEntryAndFindsWhatIsThere) {
     ASSERT_TRUE(waitUntil([&] { return row(3).title == text("untitled"); }));
     EXPECT_EQ(summaries.last(), text("Added 1 song"));
 
-    ASSERT_TRUE(writeFile(target.folder + text("/other title.mp3"), "sound"));
+    ASSERT_TRUE(writeFile(target.folder + text("/other title.mp3"), silentMp3(1000)));
     read(link("song/Other title"));
     EXPECT_EQ(summaries.last(), text("Found 1 already downloaded"));
 }

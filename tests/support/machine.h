@@ -21,6 +21,9 @@ bool pollUntil(const std::function<bool()>& condition);
 bool writeFile(const QString& path, const QByteArray& content);
 QByteArray readFile(const QString& path);
 
+/// An MP3 of so many silent frames, 26 ms each.
+QByteArray silentMp3(int frames = 20);
+
 /// A machine for one test: a home of its own, no tools but those that the test installs, and
 /// nothing left of it afterwards.
 class Machine {
