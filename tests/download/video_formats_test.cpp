@@ -68,6 +68,7 @@ Fields format(const QString& id) {
         {text("140-de"), of(sound(aac, "m4a", 129), "de", -1)},
         {text("140-en"), of(sound(aac, "m4a", 128), "en", 10)},
         {text("251"), sound("opus", "webm", 140)},
+        {text("251-mp4"), sound("opus", "m4a", 160)},
         {text("251-en"), of(sound("opus", "webm", 150), "en", 10)},
         {text("board"),
          with(with(picture("none", "mhtml", 90, 1), "protocol", text("mhtml")), "tbr", {})},
@@ -112,6 +113,7 @@ QString choosingWords() {
 TEST(VideoFormats, TheBestPictureUpTo1080LinesInTheCodecsThatPlayEverywhere) {
     const std::pair<const char*, const char*> lists[] = {
         {"18 136 137 140 248 251 399 401", "137+140 mp4"},
+        {"137 140 251-mp4", "137+140 mp4"},
         {"18", "18 mp4"},
         {"18 22", "22 mp4"},
         {"22 18", "22 mp4"},

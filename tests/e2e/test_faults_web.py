@@ -8,7 +8,7 @@ import signal
 import subprocess
 import unittest
 
-from faults import ATTENTION, COMPLETE, FAILED, REPEATED, THERE, TRIMMED, FaultTest, slow
+from faults import ATTENTION, COMPLETE, FAILED, REPEATED, TRIMMED, FaultTest, slow
 from loopback_site import CUT, RESET, STALL
 from songs import ALBUM, Song
 from stage import FAKES, PATIENCE, eventually
@@ -158,8 +158,8 @@ class Web(WebFaultTest):
         outcome = self.run_event("-", text=f"{self.link}\n{self.link}")
         self.survived(outcome, "the same link twice")
         self.assertStatus(outcome, 0)
-        self.assertEqual(outcome.rows[0]["detail"], TRIMMED)
-        self.assertIn(outcome.rows[1]["detail"], (THERE, REPEATED))
+        self.assertDetails(outcome, TRIMMED, REPEATED)
+        self.assertEqual(outcome.rows[1]["status"], "Ready")
         self.assertEqual(len(self.stage.files()), 1)
         self.assertEqual(self.site.media_requests() - before, 1)
 
