@@ -127,6 +127,23 @@ qsizetype ContentView::selectedVisibleQueueItemCount() const {
                          [this](const QUuid& id) { return m_queue.find(id) != nullptr; });
 }
 
+bool ContentView::canAdd() const {
+    return activeDownloadRuns() == 0 && coreToolsReady();
+}
+
+bool ContentView::canDelete() const {
+    return activeDownloadRuns() == 0;
+}
+
+bool ContentView::canDownload() const {
+    return coreToolsReady() && activeQueueDownloadCount() < maxParallelDownloads;
+}
+
+bool ContentView::canDownloadAll() const {
+    const QList<DownloadItem>& rows = m_queue.rows();
+    return canDownload() && std::any_of(rows.begin(), rows.end(), isDownloadable);
+}
+
 QString ContentView::defaultEventName() {
     return QDate::currentDate().toString(QStringLiteral("M-d-yy")) + QStringLiteral(" Playlist");
 }
@@ -191,10 +208,6 @@ void ContentView::updateQueueSelection(const QUuid& id, KeyModifiers modifiers) 
     m_editor.updateQueueSelection(id, modifiers);
 }
 
-bool ContentView::moveQueueSelection(int direction, bool extending) {
-    return m_editor.moveQueueSelection(direction, extending);
-}
-
 bool ContentView::selectAllQueueItemsFromUserAction() {
     return m_editor.selectAllQueueItemsFromUserAction();
 }
@@ -228,15 +241,6 @@ bool ContentView::handleKeyDown(const KeyEvent& event) {
 
 // Commands and tools
 
-CommandResult ContentView::runShellSync(const QString& command, std::optional<double> timeout) {
-    return m_shell.runShellSync(command, timeout);
-}
-
-CommandResult ContentView::runShellStreaming(const QString& command,
-                                             const ShellRunner::OutputHandler& onOutput) {
-    return m_shell.runShellStreaming(command, onOutput);
-}
-
 void ContentView::checkTools() {
     m_readiness.checkTools();
 }
@@ -245,28 +249,8 @@ std::optional<ResolvedTool> ContentView::resolvedTool(const QString& command) co
     return m_discovery.resolvedTool(command);
 }
 
-QStringList ContentView::toolCandidates(const QString& command) const {
-    return m_discovery.toolCandidates(command);
-}
-
-QString ContentView::candidateDetail(const QString& path) const {
-    return m_discovery.candidateDetail(path);
-}
-
-std::optional<QString> ContentView::systemToolPath(const QString& command) const {
-    return m_discovery.systemToolPath(command);
-}
-
 QString ContentView::toolSearchPath() const {
     return m_discovery.toolSearchPath();
-}
-
-QString ContentView::appSupportBinDirectory() const {
-    return m_discovery.appSupportBinDirectory();
-}
-
-QList<ToolState> ContentView::missingRequiredTools() const {
-    return m_readiness.missingRequiredTools();
 }
 
 QList<ToolState> ContentView::missingInstallableTools() const {
@@ -289,24 +273,10 @@ void ContentView::performSetup() {
     m_installer.performSetup();
 }
 
-CommandResult ContentView::installOptionalSpotifyTool(
-    const ShellRunner::OutputHandler& onOutput) const {
-    return m_installer.installOptionalSpotifyTool(onOutput);
-}
-
 // Reading links
-
-QueueResolution ContentView::resolveSpotifyEntries(const QString& link) const {
-    return m_spotify.resolveSpotifyEntries(link);
-}
 
 void ContentView::resolveInfo(const QList<DownloadItem>& items) {
     m_resolution.resolveInfo(items);
-}
-
-QueueResolution ContentView::resolveQueueEntryWithRetries(const DownloadItem& item,
-                                                          const std::stop_token& stop) const {
-    return m_resolution.resolveQueueEntryWithRetries(item, stop);
 }
 
 void ContentView::applyResolution(const QueueResolution& resolution, const DownloadItem& item,
@@ -340,6 +310,10 @@ void ContentView::startDownloads() {
 }
 
 void ContentView::startDownloadRun(const QList<QUuid>& itemIDs) {
+    if (!toolStates().isEmpty() && !coreToolsReady()) {
+        setActiveSummary(setupDetailText());
+        return;
+    }
     const bool readsFirst = readWhatNeedsReading(itemIDs);
     const bool hasStartable = std::any_of(itemIDs.begin(), itemIDs.end(), [this](const QUuid& id) {
         const DownloadItem* row = m_queue.find(id);
@@ -387,14 +361,6 @@ QString ContentView::commandFor(const DownloadItem& item, const QString& eventFo
 
 void ContentView::appendRunLog(const QString& text) {
     m_downloads.appendRunLog(text);
-}
-
-std::optional<QString> ContentView::existingDownloadedFile(const PlaylistEntry& entry) const {
-    return m_library.existingDownloadedFiles({entry}, runTarget().event).first();
-}
-
-QString ContentView::sanitizedFolderName(const QString& name) {
-    return reelcrate::sanitizedFolderName(name, defaultEventName());
 }
 
 // Files

@@ -69,12 +69,6 @@ public:
     static const QString appVersion;
     static constexpr int appBuild = 48;
     static constexpr int maxParallelDownloads = DownloadRuns::maxParallelDownloads;
-    static const QStringList& coreToolCommands() { return ToolReadiness::coreToolCommands; }
-    static const QStringList& optionalToolCommands() { return ToolReadiness::optionalToolCommands; }
-    static constexpr int concurrentFragmentDownloads = reelcrate::concurrentFragmentDownloads;
-    static constexpr int videoConcurrentFragmentDownloads =
-        reelcrate::videoConcurrentFragmentDownloads;
-    static constexpr int maxMetadataResolveAttempts = ResolutionDriver::maxMetadataResolveAttempts;
 
     /// `supervisor` is forked off by main before there are threads, and outlives the controller.
     ContentView(ProcessSupervisor& supervisor, ContentViewSetup setup);
@@ -100,9 +94,7 @@ public:
     void setOutputFolder(const QString& folder);
     const QueueStore& queue() const { return m_queue; }
     const QSet<QUuid>& selectedQueueItemIDs() const { return m_editor.selection().ids; }
-    std::optional<QUuid> selectionAnchorQueueItemID() const { return m_editor.selection().anchor; }
     std::optional<QUuid> selectionFocusQueueItemID() const { return m_editor.selection().focus; }
-    bool queueKeyboardScopeActive() const { return m_editor.selection().keyboardScopeActive; }
     int activeDownloadRuns() const { return m_downloads.activeDownloadRuns(); }
     const QString& runLog() const { return m_downloads.runLog().text(); }
     const QString& activeSummary() const { return m_activeSummary; }
@@ -113,6 +105,14 @@ public:
 
     const QString& updateMessage() const { return m_update.updateMessage(); }
     bool isScanningForUpdate() const { return m_update.isScanningForUpdate(); }
+
+    // What may be asked for at the moment. The front ends enable their controls by these.
+
+    bool canAdd() const;
+    bool canDelete() const;  ///< rows, one or all
+    /// Whether the next row that is asked for would start.
+    bool canDownload() const;
+    bool canDownloadAll() const;
 
     // Defaults
 
@@ -127,16 +127,11 @@ public:
     void addSongs(const QString& text);
     void addSongsFromClipboard();
     QString clipboardText() const;
-    static constexpr auto extractLinks = &reelcrate::extractLinks;
     QList<DownloadItem> addLinksToQueue(const QStringList& links);
-    static constexpr auto isYouTubePlaylistLink = &reelcrate::isYouTubePlaylistLink;
-    static constexpr auto playlistLike = &reelcrate::playlistLike;
-    static constexpr auto videoID = &reelcrate::videoID;
 
     // Selection and deletion; see QueueEditor
 
     void updateQueueSelection(const QUuid& id, KeyModifiers modifiers);
-    bool moveQueueSelection(int direction, bool extending);
     bool selectAllQueueItemsFromUserAction();
     bool clearQueueSelectionFromUserAction();
     bool deleteQueueItems(const QSet<QUuid>& ids);
@@ -147,39 +142,18 @@ public:
 
     // Commands and tools. Background threads, except for the checks and their results.
 
-    CommandResult runShellSync(const QString& command, std::optional<double> timeout);
-    CommandResult runShellStreaming(const QString& command,
-                                    const ShellRunner::OutputHandler& onOutput);
     void checkTools();
     std::optional<ResolvedTool> resolvedTool(const QString& command) const;
-    QStringList toolCandidates(const QString& command) const;
-    QString candidateDetail(const QString& path) const;
-    std::optional<QString> systemToolPath(const QString& command) const;
     QString toolSearchPath() const;
-    QString appSupportBinDirectory() const;
-    QList<ToolState> missingRequiredTools() const;
     QList<ToolState> missingInstallableTools() const;
     bool coreToolsReady() const;
     QString setupDetailText() const;
     void installMissingTools();
     void performSetup();
-    CommandResult installOptionalSpotifyTool(const ShellRunner::OutputHandler& onOutput) const;
 
     // Reading links. The fetching and listing ones: background threads.
 
-    static constexpr auto durationText = &reelcrate::durationText;
-    static constexpr auto thumbnailURL = &reelcrate::thumbnailURL;
-    static constexpr auto stringValue = &reelcrate::stringValue;
-    static constexpr auto formatDuration = &reelcrate::formatDuration;
-    QueueResolution resolveSpotifyEntries(const QString& link) const;
-    static constexpr auto playlistEntriesFromSpotifyJSON =
-        &reelcrate::playlistEntriesFromSpotifyJSON;
-    static constexpr auto spotifyFailureMessage = &reelcrate::spotifyFailureMessage;
-    static constexpr auto spotifyArtistName = &reelcrate::spotifyArtistName;
-    static constexpr auto spotifySearchQuery = &reelcrate::spotifySearchQuery;
     void resolveInfo(const QList<DownloadItem>& items);
-    QueueResolution resolveQueueEntryWithRetries(const DownloadItem& item,
-                                                 const std::stop_token& stop = {}) const;
     void applyResolution(const QueueResolution& resolution, const DownloadItem& item,
                          qsizetype index);
     static bool shouldRetryInfoForFailedItem(const DownloadItem& item);
@@ -191,22 +165,14 @@ public:
     /// of its own behind it, as far as is known.
     static bool isDownloadable(const DownloadItem& row);
     void startDownloads();
+    /// Starts nothing while a tool is known to be missing; the summary says which.
     void startDownloadRun(const QList<QUuid>& itemIDs);
     /// Background threads: it looks the tools up.
     QString commandFor(const DownloadItem& item, const QString& eventFolder,
                        DownloadMode mode) const;
-    static constexpr auto safeOutputStem = &reelcrate::safeOutputStem;
-    static constexpr auto downloadDetail = &reelcrate::downloadDetail;
     /// Any thread.
     void appendRunLog(const QString& text);
-    std::optional<QString> existingDownloadedFile(const PlaylistEntry& entry) const;
-    static constexpr auto existingDownloadID = &reelcrate::existingDownloadID;
-    static QString sanitizedFolderName(const QString& name);
-    static constexpr auto regularFiles = &reelcrate::regularFiles;
     void crawlQueueProgress(const QUuid& itemID, double target, double duration);
-    static constexpr auto preparationProgressProfile = &reelcrate::preparationProgressProfile;
-    static constexpr auto progressSeed = &reelcrate::progressSeed;
-    static constexpr auto modificationDate = &reelcrate::modificationDate;
 
     // Files
 
@@ -218,7 +184,6 @@ public:
     // Updates
 
     void scanForUpdate();
-    static constexpr auto releaseNoteSummary = &reelcrate::releaseNoteSummary;
 
     /// The folder that downloads go into: the event's, inside the output folder.
     QString eventFolder() const;

@@ -236,8 +236,7 @@ void QueueListModel::allChanged(const QList<int>& roles) {
 }
 
 bool QueueListModel::isActionEnabled(RowAction action) const {
-    const bool slotsFull = m_view.activeQueueDownloadCount() >= ContentView::maxParallelDownloads;
-    return rowActionEnabled(action, slotsFull, m_view.coreToolsReady());
+    return rowActionEnabled(action, m_view.canDownload());
 }
 
 int QueueListModel::firstOf(const QStringList& itemIDs) const {

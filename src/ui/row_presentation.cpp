@@ -260,9 +260,9 @@ QString rowActionHelp(RowAction action) {
     return lookOf(action).help;
 }
 
-bool rowActionEnabled(RowAction action, bool slotsFull, bool coreToolsReady) {
+bool rowActionEnabled(RowAction action, bool canDownload) {
     if (action == RowAction::download)
-        return !slotsFull && coreToolsReady;
+        return canDownload;
     return action != RowAction::busy;
 }
 

@@ -66,7 +66,7 @@ QString rowActionSymbol(RowAction action);
 QString rowActionHelp(RowAction action);
 
 /// Whether a press does anything.
-bool rowActionEnabled(RowAction action, bool slotsFull, bool coreToolsReady);
+bool rowActionEnabled(RowAction action, bool canDownload);
 
 /// Whether work on the row lifts its card above the others.
 bool rowIsRaised(const DownloadItem& item);

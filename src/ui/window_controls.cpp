@@ -3,21 +3,12 @@
 #include "app/content_view.h"
 #include "theme/tech_theme.h"
 
-#include <algorithm>
-
 namespace reelcrate {
 
 namespace {
 
 bool isSettingUp(const ContentView& view) {
     return view.isCheckingTools() || view.isInstallingTools();
-}
-
-bool canDownloadAll(const ContentView& view) {
-    const QList<DownloadItem>& rows = view.queue().rows();
-    const bool slotIsFree = view.activeQueueDownloadCount() < ContentView::maxParallelDownloads;
-    const bool somethingToDo = std::any_of(rows.begin(), rows.end(), ContentView::isDownloadable);
-    return slotIsFree && somethingToDo && view.coreToolsReady();
 }
 
 QString setupTitle(const ContentView& view) {
@@ -43,11 +34,11 @@ WindowControls WindowControls::of(const ContentView& view) {
     const bool downloading = view.activeDownloadRuns() > 0;
     const bool empty = view.queue().size() == 0;
     WindowControls controls;
-    controls.addingAllowed = !downloading && view.coreToolsReady();
+    controls.addingAllowed = view.canAdd();
     controls.addTitle = downloading ? QStringLiteral("Downloading") : QStringLiteral("Add Songs");
-    controls.canClearQueue = !downloading && !empty;
-    controls.canDownloadAll = reelcrate::canDownloadAll(view);
-    controls.canDelete = !downloading;
+    controls.canClearQueue = view.canDelete() && !empty;
+    controls.canDownloadAll = view.canDownloadAll();
+    controls.canDelete = view.canDelete();
     controls.isQueueEmpty = empty;
     controls.songCount = QString::number(view.queue().size());
     controls.activeCount = QStringLiteral("%1 active").arg(view.activeQueueDownloadCount());

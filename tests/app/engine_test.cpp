@@ -589,6 +589,28 @@ TEST_F(EngineTest, AFolderThatCannotBeMadeEndsTheRun) {
     EXPECT_FALSE(QDir(machine.path(QStringLiteral("$HOME"))).exists());
 }
 
+TEST_F(EngineTest, NothingStartsWithoutTheTools) {
+    const QString tool = machine.toolFolder() + QStringLiteral("/yt-dlp");
+    const QString old = machine.path(QStringLiteral("old"));
+    QDir().mkpath(old);
+    ASSERT_TRUE(QFile::rename(tool, old + QStringLiteral("/yt-dlp")));
+    ContentViewSetup setup = quickSetup(machine);
+    setup.toolPlaces.systemFolders.prepend(old);
+    ContentView own(machine.supervisor, setup);
+    addReadRows(own, {link("song", QStringLiteral("a"))});
+    for (const bool isReady : {false, true}) {
+        writeFile(old + QStringLiteral("/yt-dlp"),
+                  isReady ? "#!/bin/sh\necho 2099.01.01\n" : "#!/bin/sh\necho 2020.01.01\n");
+        own.checkTools();
+        ASSERT_TRUE(waitUntil([&] { return !own.isCheckingTools(); }));
+        EXPECT_EQ(own.canDownloadAll(), isReady);
+        EXPECT_EQ(own.canAdd(), isReady);
+        own.startDownloads();
+        EXPECT_EQ(own.activeDownloadRuns(), isReady ? 1 : 0);
+        EXPECT_EQ(own.activeSummary() == own.setupDetailText(), !isReady);
+    }
+}
+
 TEST_F(EngineTest, ShuttingDownLeavesNoStumpAndChangesNoRow) {
     addReadRows({link("converting", QStringLiteral("a")), link("song", QStringLiteral("b"))});
     const QString earlier = eventFile(QStringLiteral("c [c].mp3"));
