@@ -13,6 +13,7 @@
 #include <QTextStream>
 
 #include <clocale>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
@@ -39,6 +40,11 @@ void fillStandardStreams() {
         opened = ::open("/dev/null", O_RDWR);
     while (opened >= 0 && opened <= STDERR_FILENO);
     ::close(opened);
+}
+
+/// Where that is ignored, as a parent may leave it, the system tells no child's exit status.
+void heedEndsOfChildren() {
+    std::signal(SIGCHLD, SIG_DFL);
 }
 
 void print(FILE* stream, const QString& text) {
@@ -105,6 +111,7 @@ int runWithWindow(ProcessSupervisor& supervisor, const Arguments& arguments) {
 
 int main(int argc, char** argv) {
     fillStandardStreams();
+    heedEndsOfChildren();
     useUtf8();
     // Before all else: it forks, and a process with threads must not.
     ProcessSupervisor supervisor;

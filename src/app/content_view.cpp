@@ -48,7 +48,7 @@ ContentView::ContentView(ProcessSupervisor& supervisor, ContentViewSetup setup)
           m_queue, m_probe, m_spotify, m_library, [this] { return runTarget().event; },
           m_background, m_mainQueue, m_setup.resolutionTiming),
       m_downloads(m_queue, m_shell, m_discovery, m_library, m_background, m_mainQueue,
-                  m_setup.downloadTiming),
+                  m_setup.downloadTiming, [this] { return m_readiness.foundYtDlp(); }),
       m_editor(
           m_queue, [this] { return activeDownloadRuns() > 0; }, m_setup.textEditing),
       m_update(appVersion, appBuild, m_setup.updateScan) {

@@ -84,6 +84,7 @@ QJsonArray queueAsJson(const QList<DownloadItem>& rows) {
             {QStringLiteral("isResolvingInfo"), row.isResolvingInfo},
             {QStringLiteral("progress"), row.progress},
             {QStringLiteral("hasRealProgress"), row.hasRealProgress},
+            {QStringLiteral("cause"), row.cause ? word(*row.cause) : QString()},
         });
     }
     return array;

@@ -11,6 +11,13 @@ namespace {
 
 constexpr std::array handledSignals{SIGINT, SIGTERM, SIGHUP};
 
+/// Whoever starts a program with "nohup" wants it to outlive the terminal.
+bool isToBeIgnored(int signalNumber) {
+    struct sigaction inherited = {};
+    ::sigaction(signalNumber, nullptr, &inherited);
+    return signalNumber == SIGHUP && inherited.sa_handler == SIG_IGN;
+}
+
 // A signal handler may do little more than write to a pipe, and can find it only in a global.
 std::array<int, 2> pipeEnds{-1, -1};
 
@@ -36,13 +43,17 @@ TerminationSignals::TerminationSignals() : m_notifier(openPipe(), QSocketNotifie
     struct sigaction action = {};
     action.sa_handler = writeSignalNumber;
     action.sa_flags = SA_RESTART;
-    for (int handled : handledSignals)
-        ::sigaction(handled, &action, nullptr);
+    for (int handled : handledSignals) {
+        if (!isToBeIgnored(handled))
+            ::sigaction(handled, &action, nullptr);
+    }
 }
 
 TerminationSignals::~TerminationSignals() {
-    for (int handled : handledSignals)
-        ::signal(handled, SIG_DFL);
+    for (int handled : handledSignals) {
+        if (!isToBeIgnored(handled))
+            ::signal(handled, SIG_DFL);
+    }
     for (int end : pipeEnds)
         ::close(end);
 }

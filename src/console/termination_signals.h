@@ -4,7 +4,8 @@
 #include <QSocketNotifier>
 
 /// Ctrl-C and the requests to terminate or hang up, as a signal of the event loop. One at a time
-/// per program; main thread. The default handling is back when it goes.
+/// per program; main thread. The default handling is back when it goes. A hang-up that the program
+/// was started to ignore stays ignored.
 namespace reelcrate {
 
 class TerminationSignals : public QObject {

@@ -3,6 +3,7 @@
 #include "base/background_tasks.h"
 #include "base/main_queue.h"
 #include "download/row_stages.h"
+#include "download/run_log.h"
 #include "library/song_key.h"
 
 #include <memory>
@@ -37,7 +38,11 @@ DownloadRun::DownloadRun(DownloadParts parts, RunPlan plan, QList<DownloadItem> 
       m_slotCount(slotCount),
       m_runningSongs(runningSongs),
       m_background(background),
-      m_order(m_songs) {}
+      m_order(m_songs) {
+    m_sites.reserve(m_rows.size());
+    for (const DownloadItem& row : m_rows)
+        m_sites.append(siteOf(row));
+}
 
 void DownloadRun::start() {
     QList<qsizetype> first;
@@ -61,9 +66,12 @@ void DownloadRun::startRows(qsizetype freeSlots) {
 std::optional<qsizetype> DownloadRun::takeNextRow() {
     if (m_running == m_slotCount)
         return std::nullopt;
-    const auto position = m_order.takeNext(m_runningSongs);
+    auto position = m_order.takeNext(m_runningSongs);
+    while (position && m_givenBack.contains(*position))
+        position = m_order.takeNext(m_runningSongs);
     if (position) {
         ++m_running;
+        m_started.insert(*position);
         m_runningSongs.insert(m_songs.at(*position));
     }
     return position;
@@ -89,36 +97,84 @@ void DownloadRun::startRow(qsizetype position) {
         // A stopped download did not end: the program does.
         if (stop.stop_requested())
             return;
-        m_parts.mainQueue.post([this, position, end] {
+        m_parts.mainQueue.post([this, position, end, download] {
             if (end == RowDownload::End::elsewhere)
                 putBackRow(position);
             else
-                countRow(position);
+                countRow(position, download->cause());
         });
     });
 }
 
-void DownloadRun::countRow(qsizetype position) {
+void DownloadRun::countRow(qsizetype position, std::optional<FailureCause> cause) {
     ++m_ended;
     --m_running;
-    const bool isLast = m_ended == m_rows.size();
-    Q_EMIT summaryChanged(isLast
-                              ? QStringLiteral("Finalizing downloads")
-                              : QStringLiteral("Finished %1 of %2; downloading up to %3 %4 at once")
-                                    .arg(m_ended)
-                                    .arg(m_rows.size())
-                                    .arg(m_slotCount)
-                                    .arg(noun(m_plan.target.mode, false)));
+    logAge(cause);
+    m_limits.rowEnded(m_sites.at(position), cause);
+    heedLimit(m_sites.at(position));
+    const bool isLast = isDone();
+    Q_EMIT summaryChanged(isLast ? QStringLiteral("Finalizing downloads") : summary());
     Q_EMIT rowEnded(m_songs.at(position));
     if (isLast)
         Q_EMIT finished();
 }
 
+void DownloadRun::logAge(std::optional<FailureCause> cause) {
+    if (!cause || m_ageIsLogged || m_plan.oldToolNotice.isEmpty())
+        return;
+    m_ageIsLogged = true;
+    m_parts.log.append(m_plan.oldToolNotice);
+}
+
+/// The rows of a site that asks to wait, as far as they have not begun, go back.
+void DownloadRun::heedLimit(const QString& site) {
+    if (!m_limits.asksToWait(site))
+        return;
+    for (qsizetype position = 0; position < m_rows.size(); ++position) {
+        if (m_sites.at(position) != site || m_started.contains(position) ||
+            m_givenBack.contains(position))
+            continue;
+        m_givenBack.insert(position);
+        m_parts.stages.giveBack(m_rows.at(position).id);
+    }
+    if (m_sitesToWaitFor.contains(site))
+        return;
+    m_sitesToWaitFor.append(site);
+    m_parts.log.append(lastWord());
+}
+
+QString DownloadRun::summary() const {
+    const QString text = QStringLiteral("Finished %1 of %2; downloading up to %3 %4 at once")
+                             .arg(m_ended)
+                             .arg(m_rows.size())
+                             .arg(m_slotCount)
+                             .arg(noun(m_plan.target.mode, false));
+    return m_sitesToWaitFor.isEmpty() ? text : text + QStringLiteral("; ") + lastWord();
+}
+
+QString DownloadRun::lastWord() const {
+    if (m_sitesToWaitFor.isEmpty())
+        return {};
+    const QString sites = m_sitesToWaitFor.join(QStringLiteral(" and "));
+    const QString text =
+        sites + (m_sitesToWaitFor.size() == 1 ? QStringLiteral(" asks") : QStringLiteral(" ask")) +
+        QStringLiteral(" to wait: try again in an hour");
+    const qsizetype left = m_givenBack.size();
+    return left == 0 ? text
+                     : text + QStringLiteral(" (%1 %2 not started)")
+                                  .arg(left)
+                                  .arg(noun(m_plan.target.mode, left == 1));
+}
+
 void DownloadRun::putBackRow(qsizetype position) {
     --m_running;
+    m_started.remove(position);
     m_parts.stages.waitForSlot(m_rows.at(position).id);
     m_order.putBack(position);
+    heedLimit(m_sites.at(position));
     Q_EMIT rowPutBack(m_songs.at(position));
+    if (isDone())
+        Q_EMIT finished();
 }
 
 }  // namespace reelcrate

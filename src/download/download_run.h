@@ -1,6 +1,7 @@
 #pragma once
 
 #include "download/row_download.h"
+#include "download/site_limits.h"
 #include "download/start_order.h"
 
 #include <QList>
@@ -12,7 +13,8 @@
 
 /// One run: starts its rows in order, a next one whenever one has ended, and counts. A row whose
 /// song is being downloaded, by whatever run or program, is held until that has ended. Main thread;
-/// each row's download is a background task.
+/// each row's download is a background task. Rows of a site that asks to wait are not started any
+/// more: they go back to where they were.
 namespace reelcrate {
 
 class BackgroundTasks;
@@ -33,6 +35,9 @@ public:
 
     /// How many of its rows are being downloaded.
     qsizetype runningCount() const { return m_running; }
+
+    /// What the run's end has to tell beside that; empty when there is nothing.
+    QString lastWord() const;
 
     /// Marks all rows, and starts as many as the run has slots.
     void start();
@@ -59,19 +64,29 @@ private:
     std::optional<qsizetype> takeNextRow();
     void markRows(const QList<qsizetype>& first) const;
     void startRow(qsizetype position);
-    void countRow(qsizetype position);
+    void countRow(qsizetype position, std::optional<FailureCause> cause);
+    void logAge(std::optional<FailureCause> cause);
+    void heedLimit(const QString& site);
+    QString summary() const;
     void putBackRow(qsizetype position);
+    bool isDone() const { return m_ended + m_givenBack.size() == m_rows.size(); }
 
     const DownloadParts m_parts;
     const RunPlan m_plan;
     const QList<DownloadItem> m_rows;
     const QStringList m_songs;  ///< the rows' keys
+    QStringList m_sites;        ///< what the rows ask
     const qsizetype m_slotCount;
     QSet<QString>& m_runningSongs;
     BackgroundTasks& m_background;
     StartOrder m_order;
     qsizetype m_running = 0;
     qsizetype m_ended = 0;
+    SiteLimits m_limits;
+    QSet<qsizetype> m_started;
+    QSet<qsizetype> m_givenBack;
+    QStringList m_sitesToWaitFor;
+    bool m_ageIsLogged = false;
 };
 
 }  // namespace reelcrate

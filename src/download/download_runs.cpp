@@ -41,12 +41,13 @@ bool isStartable(const DownloadItem& row) {
 
 DownloadRuns::DownloadRuns(QueueStore& queue, ShellRunner& shell, const ToolDiscovery& discovery,
                            EventLibrary& library, BackgroundTasks& background, MainQueue& mainQueue,
-                           DownloadTiming timing)
+                           DownloadTiming timing, Downloader downloader)
     : m_queue(queue),
       m_shell(shell),
       m_background(background),
       m_mainQueue(mainQueue),
       m_timing(timing),
+      m_downloader(std::move(downloader)),
       m_crawls(queue),
       m_stages(queue, m_crawls),
       m_finisher(shell, discovery, library),
@@ -59,6 +60,13 @@ DownloadRuns::DownloadRuns(QueueStore& queue, ShellRunner& shell, const ToolDisc
 }
 
 DownloadRuns::~DownloadRuns() = default;
+
+QString DownloadRuns::oldToolNotice() const {
+    const auto tool = m_downloader ? m_downloader() : std::nullopt;
+    if (!tool || !tool->isStale())
+        return {};
+    return versionLine(*tool);
+}
 
 QList<DownloadItem> DownloadRuns::eligibleRows(const QList<QUuid>& itemIDs) const {
     const QSet<QUuid> wanted(itemIDs.begin(), itemIDs.end());
@@ -93,7 +101,7 @@ void DownloadRuns::startDownloadRun(const QList<QUuid>& itemIDs, const RunTarget
     }
 
     const qsizetype slotCount = std::min(freeSlots(), rows.size());
-    addRun({target.event, rows.size(), m_timing}, rows, slotCount);
+    addRun({target.event, rows.size(), m_timing, oldToolNotice()}, rows, slotCount);
     // Beside the downloads, which need not wait for a slow drive.
     m_background.run([this, folder = target.event.folder](const std::stop_token&) {
         removeAbandonedWork(folder);
@@ -172,10 +180,16 @@ bool DownloadRuns::createEventFolder(const RunTarget& target) {
 
 void DownloadRuns::finishRun(const DownloadRun* run) {
     const DownloadMode mode = run->mode();
+    const QString lastWord = run->lastWord();
     m_background.run(
         [folder = run->folder()](const std::stop_token&) { removeWorkFolderIfEmpty(folder); });
     std::erase_if(m_runs, [run](const auto& owned) { return owned.get() == run; });
     setActiveDownloadRuns(std::max(m_activeDownloadRuns - 1, 0));
+    // What a user can do something about is not hidden by how the run ended.
+    if (!lastWord.isEmpty()) {
+        Q_EMIT summaryChanged(lastWord);
+        return;
+    }
     if (m_activeDownloadRuns == 0) {
         Q_EMIT summaryChanged(QStringLiteral("Download run finished"));
         return;

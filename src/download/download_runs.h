@@ -6,6 +6,7 @@
 #include "download/run_log.h"
 #include "download/song_finish.h"
 #include "library/event_library.h"
+#include "tools/tool_versions.h"
 
 #include <QList>
 #include <QObject>
@@ -14,7 +15,9 @@
 #include <QTimer>
 #include <QUuid>
 
+#include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 /// Download runs: each takes a set of rows and downloads them in queue order, side by side in as
@@ -43,9 +46,12 @@ class DownloadRuns : public QObject {
 public:
     static constexpr int maxParallelDownloads = 6;
 
+    /// Tells which downloader the last check found.
+    using Downloader = std::function<std::optional<ToolVersion>()>;
+
     DownloadRuns(QueueStore& queue, ShellRunner& shell, const ToolDiscovery& discovery,
                  EventLibrary& library, BackgroundTasks& background, MainQueue& mainQueue,
-                 DownloadTiming timing = {});
+                 DownloadTiming timing = {}, Downloader downloader = {});
     ~DownloadRuns() override;
 
     int activeDownloadRuns() const { return m_activeDownloadRuns; }
@@ -75,6 +81,7 @@ Q_SIGNALS:
     void runLogAppended(const QString& text);
 
 private:
+    QString oldToolNotice() const;
     QList<DownloadItem> eligibleRows(const QList<QUuid>& itemIDs) const;
     bool createEventFolder(const RunTarget& target);
     void addRun(const RunPlan& plan, const QList<DownloadItem>& rows, qsizetype slotCount);
@@ -89,6 +96,7 @@ private:
     BackgroundTasks& m_background;
     MainQueue& m_mainQueue;
     const DownloadTiming m_timing;
+    const Downloader m_downloader;
     RunLog m_log;
     QStringList m_notes;  ///< for the next run's log
     ProgressCrawls m_crawls;

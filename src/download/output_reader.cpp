@@ -1,8 +1,7 @@
 #include "download/output_reader.h"
 
-#include "base/text.h"
-
 #include <algorithm>
+#include <utility>
 
 namespace reelcrate {
 
@@ -10,10 +9,10 @@ namespace {
 
 constexpr qsizetype longestLine = 65'536;  // UTF-16 units
 
-bool mentionsLoginIn(QStringView text) {
-    return containsByRarest(text, {u"private"}, u'v', Qt::CaseInsensitive) ||
-           containsByRarest(text, {u"login"}, u'g', Qt::CaseInsensitive);
-}
+constexpr qsizetype mostComplaints = 32;
+constexpr qsizetype longestComplaint = 2'000;  // UTF-16 units
+
+constexpr QLatin1String errorMark{"ERROR: "};
 
 bool isLineBreak(QChar c) {
     return c == u'\n' || c == u'\r';
@@ -23,7 +22,6 @@ bool isLineBreak(QChar c) {
 
 void OutputReader::read(const QString& piece) {
     const QString text = m_unfinishedLine + piece;
-    m_mentionsLogin = m_mentionsLogin || mentionsLoginIn(text);
     auto begin = text.cbegin();
     while (true) {
         const auto end = std::find_if(begin, text.cend(), isLineBreak);
@@ -40,7 +38,14 @@ void OutputReader::read(const QString& piece) {
 // yt-dlp (2024 to 2026) names in brackets what prints a line, and goes on after errors: which step
 // an error belongs to is told by the line before it.
 void OutputReader::readLine(QStringView line) {
+    // An error of a transfer begins a line of its own: "ERROR: \r[download] Got error: timed out".
+    if (std::exchange(m_errorGoesOn, line == errorMark))
+        keep(QString(errorMark + line.toString()));
+    if (line.startsWith(u"WARNING: "))
+        keep(line);
     if (line.startsWith(u'[')) {
+        m_foundNothing = m_foundNothing || (line.startsWith(u"[youtube:search] Playlist ") &&
+                                            line.endsWith(u": Downloading 0 items"));
         if (line.startsWith(u"[ExtractAudio]"))
             m_stage = Stage::conversion;
         else if (line.startsWith(u"[EmbedThumbnail]") || line.startsWith(u"[ThumbnailsConvertor]"))
@@ -49,8 +54,13 @@ void OutputReader::readLine(QStringView line) {
             m_stage = Stage::transfer;
         return;
     }
-    if (!line.startsWith(u"ERROR: "))
-        return;
+    if (line.startsWith(errorMark))
+        readError(line);
+}
+
+void OutputReader::readError(QStringView line) {
+    if (!m_errorGoesOn)
+        keep(line);
     m_cannotResume = m_cannotResume || line.contains(u"HTTP Error 416");
     switch (m_stage) {
         case Stage::transfer:
@@ -63,6 +73,12 @@ void OutputReader::readLine(QStringView line) {
             ++m_coverErrors;
             break;
     }
+}
+
+void OutputReader::keep(QStringView complaint) {
+    m_complaints.append(complaint.first(std::min(complaint.size(), longestComplaint)).toString());
+    if (m_complaints.size() > mostComplaints)
+        m_complaints.removeFirst();
 }
 
 }  // namespace reelcrate

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <QStringView>
 
 /// What a download's output says of its end. Reads a stream of pieces, also where a line is split
@@ -11,8 +12,12 @@ class OutputReader {
 public:
     void read(const QString& piece);
 
-    /// The link may be private or ask for a login.
-    bool mentionsLogin() const { return m_mentionsLogin; }
+    /// The last lines that begin with "ERROR: " or "WARNING: ", oldest first, cut where they are
+    /// long.
+    const QStringList& complaints() const { return m_complaints; }
+
+    /// A search gave no results.
+    bool foundNothing() const { return m_foundNothing; }
 
     /// Sound could not be converted; why, the downloader does not say.
     bool conversionFailed() const { return m_conversionErrors > 0; }
@@ -30,10 +35,14 @@ private:
     enum class Stage { transfer, conversion, cover };
 
     void readLine(QStringView line);
+    void readError(QStringView line);
+    void keep(QStringView complaint);
 
     QString m_unfinishedLine;
     Stage m_stage = Stage::transfer;
-    bool m_mentionsLogin = false;
+    QStringList m_complaints;
+    bool m_foundNothing = false;
+    bool m_errorGoesOn = false;
     bool m_cannotResume = false;
     int m_conversionErrors = 0;
     int m_coverErrors = 0;

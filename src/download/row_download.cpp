@@ -3,6 +3,7 @@
 #include "base/background_tasks.h"
 #include "base/main_queue.h"
 #include "download/download_command.h"
+#include "download/failure_judgement.h"
 #include "download/output_reader.h"
 #include "download/row_stages.h"
 #include "download/run_log.h"
@@ -30,6 +31,11 @@ QString withoutHome(QString text, const QString& home) {
     if (!home.isEmpty() && home != QStringLiteral("/"))
         text.replace(home, QStringLiteral("~"));
     return text;
+}
+
+/// Of a conversion that could not be written to its end the downloader does not say why.
+FailureCause causeWithoutWords(const WorkingFolder& folder) {
+    return folder.takesMore() ? FailureCause::other : FailureCause::cannotWrite;
 }
 
 }  // namespace
@@ -98,7 +104,7 @@ RowDownload::End RowDownload::run(const std::stop_token& stop) {
             return End::elsewhere;
         case WorkingFolder::Lock::failed:
             logLine(QStringLiteral("Cannot work in %1: %2").arg(folder.path(), folder.failure()));
-            fail(false);
+            fail(FailureCause::cannotWrite);
             return End::ended;
         case WorkingFolder::Lock::held:
             break;
@@ -150,10 +156,18 @@ void RowDownload::download(WorkingFolder& folder, const std::stop_token& stop) {
     }
     if (stop.stop_requested())
         return;
-    if (tool.succeeded || tool.output.onlyCoversFailed())
+    const bool isDone = tool.succeeded || tool.output.onlyCoversFailed();
+    if (isDone && !tool.output.foundNothing())
         finish(folder, sourceSeconds, stop);
     else
-        fail(tool.output.mentionsLogin());
+        fail(causeOf(tool.output, folder));
+}
+
+FailureCause RowDownload::causeOf(const OutputReader& output, const WorkingFolder& folder) const {
+    if (output.foundNothing())
+        return FailureCause::noMatch;
+    const FailureCause cause = judgedCause(output.complaints(), !m_plan.oldToolNotice.isEmpty());
+    return cause == FailureCause::other ? causeWithoutWords(folder) : cause;
 }
 
 RowDownload::ToolRun RowDownload::runTool(const WorkingFolder& folder, Conversion conversion,
@@ -171,7 +185,7 @@ RowDownload::ToolRun RowDownload::runTool(const WorkingFolder& folder, Conversio
 }
 
 void RowDownload::finish(WorkingFolder& folder, std::optional<double> sourceSeconds,
-                         const std::stop_token& stop) const {
+                         const std::stop_token& stop) {
     const auto log = [this](const QString& line) { logLine(line); };
     const bool isSong = m_plan.target.mode == DownloadMode::audio;
     if (isSong) {
@@ -207,7 +221,7 @@ void RowDownload::finish(WorkingFolder& folder, std::optional<double> sourceSeco
         folder.remove();
         complete(*last, songs.last().detail);
     } else {
-        fail(false);
+        fail(causeWithoutWords(folder));
     }
 }
 
@@ -217,10 +231,9 @@ void RowDownload::complete(const QString& path, const QString& detail) const {
     });
 }
 
-void RowDownload::fail(bool mentionsLogin) const {
-    post([&stages = m_parts.stages, item = m_item, mentionsLogin] {
-        stages.fail(item, mentionsLogin);
-    });
+void RowDownload::fail(FailureCause cause) {
+    m_cause = cause;
+    post([&stages = m_parts.stages, id = m_item.id, cause] { stages.fail(id, cause); });
 }
 
 void RowDownload::logLine(const QString& line) const {

@@ -50,6 +50,7 @@ struct RunPlan {
     EventTarget target;
     qsizetype rowCount = 0;
     DownloadTiming timing;
+    QString oldToolNotice;  ///< what to say of a downloader that is old; empty for one that is not
 };
 
 /// The command line that downloads the row into the folder. Background threads: it looks the tools
@@ -73,6 +74,9 @@ public:
     /// nothing more.
     End run(const std::stop_token& stop);
 
+    /// Why it failed, after run(); absent when it did not.
+    std::optional<FailureCause> cause() const { return m_cause; }
+
 private:
     class Output;
     struct ToolRun;
@@ -81,10 +85,11 @@ private:
     ToolRun runTool(const WorkingFolder& folder, Conversion conversion,
                     const std::stop_token& stop) const;
     void finish(WorkingFolder& folder, std::optional<double> sourceSeconds,
-                const std::stop_token& stop) const;
+                const std::stop_token& stop);
     std::optional<QString> fileThatIsThere() const;
     void complete(const QString& path, const QString& detail) const;
-    void fail(bool mentionsLogin) const;
+    void fail(FailureCause cause);
+    FailureCause causeOf(const OutputReader& output, const WorkingFolder& folder) const;
     void logLine(const QString& line) const;
     void enterStage(const QString& detail, double target, double duration) const;
     void post(std::function<void()> block) const;
@@ -94,6 +99,7 @@ private:
     const DownloadItem m_item;
     const qsizetype m_position;
     const QString m_songKey;
+    std::optional<FailureCause> m_cause;
 };
 
 }  // namespace reelcrate

@@ -22,15 +22,6 @@ QString preparingText(DownloadMode mode) {
                   QStringLiteral("Preparing Video for Download"));
 }
 
-QString failureText(const DownloadItem& item, bool mentionsLogin) {
-    if (item.source == SourceType::spotify)
-        return QStringLiteral(
-            "Could not find a matching YouTube result for this Spotify reference.");
-    if (mentionsLogin)
-        return QStringLiteral("This link may require a browser login or may not be public.");
-    return QStringLiteral("Download failed. Check the link or try again.");
-}
-
 template <typename... Cases>
 struct Overloaded : Cases... {
     using Cases::operator()...;
@@ -120,13 +111,24 @@ void RowStages::complete(const QUuid& id, const QString& path, const QString& de
     });
 }
 
-void RowStages::fail(const DownloadItem& item, bool mentionsLogin) {
-    m_crawls.cancel(item.id);
-    m_queue.update(item.id, [&](DownloadItem& row) {
+void RowStages::fail(const QUuid& id, FailureCause cause) {
+    m_crawls.cancel(id);
+    m_queue.update(id, [&](DownloadItem& row) {
         row.status = QueueStatus::failed;
         row.progress = 0;
         row.hasRealProgress = false;
-        row.detail = failureText(item, mentionsLogin);
+        row.detail = failureText(cause);
+        row.cause = cause;
+    });
+}
+
+void RowStages::giveBack(const QUuid& id) {
+    m_crawls.cancel(id);
+    m_queue.update(id, [](DownloadItem& row) {
+        row.status = QueueStatus::waiting;
+        row.progress = 0;
+        row.hasRealProgress = false;
+        row.detail = QStringLiteral("Ready to download");
     });
 }
 

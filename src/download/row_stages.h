@@ -35,8 +35,10 @@ public:
     /// The song is in the event folder, at this path.
     void complete(const QUuid& id, const QString& path, const QString& detail);
 
-    /// `mentionsLogin`: see OutputReader.
-    void fail(const DownloadItem& item, bool mentionsLogin);
+    void fail(const QUuid& id, FailureCause cause);
+
+    /// The run does not get to the row: it is as it was before.
+    void giveBack(const QUuid& id);
 
 private:
     void prepareFrom(const QUuid& id, DownloadMode mode, double lowestProgress);

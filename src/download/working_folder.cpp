@@ -12,10 +12,13 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <fcntl.h>
+#include <filesystem>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace reelcrate {
@@ -232,6 +235,14 @@ QString WorkingFolder::unconvertedSource() const {
             return folder.filePath(name);
     }
     return {};
+}
+
+bool WorkingFolder::takesMore() const {
+    constexpr std::uintmax_t leastRoom = 256 * 1024;  // bytes: less than any song
+    const QByteArray path = QFile::encodeName(m_path);
+    std::error_code error;
+    const auto space = std::filesystem::space(path.toStdString(), error);
+    return !error && space.available >= leastRoom && ::access(path.constData(), W_OK) == 0;
 }
 
 void WorkingFolder::remove() {

@@ -53,6 +53,9 @@ public:
     /// none.
     QString unconvertedSource() const;
 
+    /// Whether more can be written: the folder is there, may be written to, and its drive has room.
+    bool takesMore() const;
+
     /// Removes the folder and gives it free.
     void remove();
 

@@ -27,6 +27,7 @@ QueueStore::Fields changedFields(const DownloadItem& before, const DownloadItem&
     compare(QueueStore::HasRealProgress, &DownloadItem::hasRealProgress);
     compare(QueueStore::PlaylistItem, &DownloadItem::playlistItem);
     compare(QueueStore::Reading, &DownloadItem::reading);
+    compare(QueueStore::Cause, &DownloadItem::cause);
     return fields;
 }
 
@@ -129,6 +130,8 @@ bool QueueStore::update(const QUuid& id, const Change& change) {
         return false;
     DownloadItem row = m_rows.at(index);
     change(row);
+    if (row.status != QueueStatus::failed)
+        row.cause.reset();
     const Fields fields = changedFields(m_rows.at(index), row);
     if (!fields)
         return true;

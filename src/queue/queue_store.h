@@ -33,6 +33,7 @@ public:
         HasRealProgress = 1 << 10,
         PlaylistItem = 1 << 11,
         Reading = 1 << 12,
+        Cause = 1 << 13,
     };
     Q_DECLARE_FLAGS(Fields, Field)
 
@@ -69,7 +70,8 @@ public:
 
     void clear();
 
-    /// Changes fields of one row; its id stays. False when there is no such row.
+    /// Changes fields of one row; its id stays, and a cause goes with the failure that it was of.
+    /// False when there is no such row.
     bool update(const QUuid& id, const Change& change);
 
 Q_SIGNALS:

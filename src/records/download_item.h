@@ -1,10 +1,13 @@
 #pragma once
 
+#include "records/failure_cause.h"
 #include "records/queue_status.h"
 #include "records/source_type.h"
 
 #include <QString>
 #include <QUuid>
+
+#include <optional>
 
 /// One row of the queue. A plain value, copied freely; found again by `id`, never by position.
 namespace reelcrate {
@@ -37,6 +40,7 @@ struct DownloadItem {
     bool hasRealProgress = false;  ///< the shown progress is the tool's own percentage
     int playlistItem = 0;  ///< which of several media on one page, from 1; 0: all that is there
     LinkReading reading = LinkReading::open;
+    std::optional<FailureCause> cause;  ///< of a download that failed; absent in all other states
 
     friend bool operator==(const DownloadItem&, const DownloadItem&) = default;
 };

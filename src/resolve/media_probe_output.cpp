@@ -16,14 +16,17 @@ namespace reelcrate {
 namespace {
 
 // One line of JSON for each of the media: a title may hold line breaks, and a configuration file of
-// the user's may print lines of its own.
+// the user's may print lines of its own. What else that may ask for, so that there is less to read
+// or something is run, is undone.
 constexpr QLatin1String mark{"RCR_MEDIA:"};
 constexpr QLatin1String mediaInfoOptions{
-    " --no-update --skip-download --no-warnings --no-playlist --print "
+    " --no-update --skip-download --no-warnings --no-playlist --no-download-archive "
+    "--no-exec --print "
     "'RCR_MEDIA:%(.{title,duration_string,duration,thumbnail,webpage_url,playlist_index,"
     "n_entries,playlist_count})j'"};
 constexpr QLatin1String playlistOptions{
-    " --no-update --flat-playlist --dump-single-json --no-warnings --yes-playlist"};
+    " --no-update --flat-playlist --dump-single-json --no-warnings --yes-playlist "
+    "--no-download-archive --no-exec"};
 
 bool isWebAddress(const QString& line) {
     static const QRegularExpression form(

@@ -1,6 +1,7 @@
 // The whole engine behind its controller, on stand-in tools and with short pauses.
 
 #include "app/content_view.h"
+#include "download/working_folder.h"
 #include "library/song_key.h"
 #include "support/machine.h"
 #include "support/printers.h"
@@ -402,7 +403,7 @@ TEST_F(EngineTest, EachOfSeveralSongsOnAPageIsARow) {
                            QStringLiteral("f3")}));
     EXPECT_EQ(row(4).status, QueueStatus::failed);
     EXPECT_EQ(summaries.last(), QStringLiteral("Added 3 songs; 1 could not be read"));
-    EXPECT_TRUE(view.runLog().contains(QStringLiteral("ERROR: the second is gone")));
+    EXPECT_TRUE(view.runLog().contains(QStringLiteral("ERROR: the second is gone\n")));
     view.retryResolveInfo(row(4));
     ASSERT_TRUE(waitUntil([this] { return !isReading(); }));
     EXPECT_EQ(row(4).title, QStringLiteral("f2"));
@@ -435,14 +436,98 @@ TEST_F(EngineTest, ASpotifyRowIsSearchedForAndFailsInItsOwnWords) {
     addAndRead(QStringLiteral("https://open.spotify.com/playlist/x"));
     ASSERT_GT(view.queue().size(), 1);
     EXPECT_EQ(row(0).source, SourceType::spotify);
-    machine.installScript(QStringLiteral("yt-dlp"), "#!/bin/bash\necho login \"$*\"; exit 1\n");
+    machine.installScript(
+        QStringLiteral("yt-dlp"),
+        "#!/bin/bash\necho '[youtube:search] Playlist Login: Downloading 0 items'\n");
     view.startDownloadRun({row(0).id});
     ASSERT_TRUE(waitUntil([this] { return view.activeDownloadRuns() == 0; }));
+    EXPECT_EQ(row(0).cause, FailureCause::noMatch);
     EXPECT_EQ(
         row(0).detail,
         QStringLiteral("Could not find a matching YouTube result for this Spotify reference."));
     EXPECT_TRUE(view.runLog().contains(QStringLiteral("ytsearch1:") + row(0).title +
                                        QStringLiteral(" official audio")));
+
+    // That is said only of a search that was made.
+    machine.installScript(QStringLiteral("yt-dlp"), "#!/bin/bash\necho login \"$*\"; exit 1\n");
+    view.startDownloadRun({row(0).id});
+    ASSERT_TRUE(waitUntil([this] { return view.activeDownloadRuns() == 0; }));
+    EXPECT_EQ(row(0).cause, FailureCause::other);
+    EXPECT_EQ(row(0).detail, QStringLiteral("Download failed. Check the link or try again."));
+}
+
+TEST_F(EngineTest, ASiteThatLimitsDownloadsIsAskedNoMore) {
+    QStringList links;
+    for (int i = 1; i <= 15; ++i)
+        links.append(link("limited", QStringLiteral("song%1").arg(i)));
+    const QStringList others{QStringLiteral("http://other/song/x"),
+                             QStringLiteral("http://other/song/y")};
+    addReadRows(links + others);
+    view.startDownloads();
+    ASSERT_TRUE(waitUntil([this] { return machine.calls().size() == 6; }));
+    machine.tell(QStringLiteral("go"));
+    ASSERT_TRUE(waitUntil([this] { return view.activeDownloadRuns() == 0; }));
+
+    // Each of the first two that failed made room for another.
+    EXPECT_EQ(linksWith(QueueStatus::failed), links.first(8));
+    EXPECT_EQ(linksWith(QueueStatus::waiting), links.last(7));
+    EXPECT_EQ(linksWith(QueueStatus::complete), others);
+    EXPECT_EQ(machine.calls().filter(QStringLiteral("download song")).size(), 8);
+    EXPECT_EQ(row(0).detail, QStringLiteral("The site limits downloads. Try again in an hour."));
+    EXPECT_EQ(row(0).cause, FailureCause::siteLimit);
+    EXPECT_EQ(row(14).detail, QStringLiteral("Ready to download"));
+    EXPECT_EQ(row(14).progress, 0.0);
+    EXPECT_EQ(view.activeSummary(),
+              QStringLiteral("site asks to wait: try again in an hour (7 songs not started)"));
+    EXPECT_TRUE(view.runLog().contains(view.activeSummary()));
+    EXPECT_TRUE(view.progressCrawlTokens().isEmpty());
+
+    // The next run tries again.
+    view.startDownloadRun({row(14).id});
+    ASSERT_TRUE(waitUntil([this] { return view.activeDownloadRuns() == 0; }));
+    EXPECT_EQ(row(14).status, QueueStatus::failed);
+    EXPECT_EQ(view.activeSummary(), QStringLiteral("Download run finished"));
+}
+
+TEST_F(EngineTest, ARowThatWaitsForAnotherProgramGoesBackToo) {
+    const QString waiting = link("limited", QStringLiteral("waiting"));
+    QDir().mkpath(view.eventFolder());
+    WorkingFolder elsewhere(view.eventFolder(), songKey(waiting, 0) + QStringLiteral(".mp3"));
+    ASSERT_EQ(elsewhere.lock(), WorkingFolder::Lock::held);
+    addReadRows({waiting, link("limited", QStringLiteral("a")),
+                 link("limited", QStringLiteral("b")), link("limited", QStringLiteral("c"))});
+    view.startDownloads();
+    ASSERT_TRUE(waitUntil([this] { return machine.calls().size() == 3; }));
+    ASSERT_TRUE(waitUntil([this] { return row(0).status == QueueStatus::queued; }));
+    machine.tell(QStringLiteral("go"));
+    ASSERT_TRUE(waitUntil([this] { return view.activeDownloadRuns() == 0; }));
+    EXPECT_EQ(linksWith(QueueStatus::waiting), QStringList(waiting));
+    EXPECT_EQ(view.activeSummary(),
+              QStringLiteral("site asks to wait: try again in an hour (1 song not started)"));
+}
+
+TEST_F(EngineTest, AnOldDownloaderIsNamedOnceBehindAFailure) {
+    machine.tell(QStringLiteral("version"), "2025.04.30\n");
+    view.checkTools();
+    ASSERT_TRUE(waitUntil([this] { return !view.isCheckingTools(); }));
+    addReadRows({link("broken", QStringLiteral("a")), link("refused", QStringLiteral("b")),
+                 link("song", QStringLiteral("c"))});
+    const QString notice = QStringLiteral("yt-dlp 2025.04.30, ");
+    downloadAll();
+    EXPECT_EQ(row(1).detail, QStringLiteral("yt-dlp is too old for this site. Run Setup."));
+    EXPECT_EQ(view.runLog().count(notice), 1);
+    EXPECT_GT(view.runLog().indexOf(notice), view.runLog().indexOf(QStringLiteral("ERROR: ")));
+
+    view.startDownloadRun({row(1).id});
+    ASSERT_TRUE(waitUntil([this] { return view.activeDownloadRuns() == 0; }));
+    EXPECT_EQ(view.runLog().count(notice), 1);  // the log of this run
+    machine.tell(QStringLiteral("version"), "2999.01.01\n");
+    view.checkTools();
+    ASSERT_TRUE(waitUntil([this] { return !view.isCheckingTools(); }));
+    view.startDownloadRun({row(1).id});
+    ASSERT_TRUE(waitUntil([this] { return view.activeDownloadRuns() == 0; }));
+    EXPECT_EQ(view.runLog().count(notice), 0);
+    EXPECT_EQ(row(1).cause, FailureCause::other);
 }
 
 TEST_F(EngineTest, ReadingIsTriedThreeTimesAndRetriedOnRequest) {

@@ -9,8 +9,8 @@ namespace {
 /// What the reader has noticed, in a word each.
 QString noticed(const OutputReader& reader) {
     QStringList words;
-    if (reader.mentionsLogin())
-        words.append(text("login"));
+    if (reader.foundNothing())
+        words.append(text("nothing"));
     if (reader.conversionFailed())
         words.append(text("conversion"));
     if (reader.onlyCoversFailed())
@@ -37,10 +37,9 @@ TEST(OutputReader, NoticesHowADownloadEndsWhereverItsOutputIsCut) {
         {text("[download] x\nERROR: unable to download video data: HTTP Error 416: Requested\n"),
          "resume"},
         {text("Title: HTTP Error 416\n"), ""},
-        {text("ERROR: This video is PRIVATE\n"), "login"},
-        {text("ERROR: use --cookies to Login\n"), "login"},
-        {text("RCR_PROGRESS: 1%\nlog in, privateer"), "login"},
-        {text("RCR_PROGRESS: 1%\nlog in, priv ate\n"), ""},
+        {text("[youtube:search] Playlist a: Downloading 0 items\n"), "nothing"},
+        {text("[youtube:search] Playlist : Downloading 0 items: Downloading 1 items of 1\n"), ""},
+        {text("[download] Destination: x: Downloading 0 items\n"), ""},
     };
     for (const auto& [output, expected] : cases) {
         for (const qsizetype size : {1, 9, 4096}) {
@@ -51,6 +50,21 @@ TEST(OutputReader, NoticesHowADownloadEndsWhereverItsOutputIsCut) {
             EXPECT_EQ(noticed(reader), text(expected));
         }
     }
+}
+
+TEST(OutputReader, KeepsTheLastComplaintsWhole) {
+    OutputReader reader;
+    const QString output = text(
+        "WARNING: [x] a\n ERROR: no\nERROR: b\nno WARNING: no\n"
+        "ERROR: \r[download] Got error: timed out\n[download] no\n");
+    for (const QChar c : output)
+        reader.read(c);
+    EXPECT_EQ(reader.complaints(), QStringList({text("WARNING: [x] a"), text("ERROR: b"),
+                                                text("ERROR: [download] Got error: timed out")}));
+    for (int i = 0; i < 1'000; ++i)
+        reader.read(text("ERROR: %1 ").arg(i) + QString(10'000, u'x') + u'\n');
+    EXPECT_TRUE(reader.complaints().last().startsWith(text("ERROR: 999 ")));
+    EXPECT_LT(reader.complaints().join(u' ').size(), 100'000);
 }
 
 TEST(OutputReader, ForgetsEndlessLines) {

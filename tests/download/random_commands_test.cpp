@@ -158,7 +158,7 @@ TEST(RandomCommands, HaveAToolOfAnyName) {
         SCOPED_TRACE(name.toStdString());
         ArgumentPrinter tool(name + u't');
         EXPECT_EQ(
-            tool.run(mediaInfoCommand({tool.path(), text("/opt")}, text("LINK"))).arguments.mid(6),
+            tool.run(mediaInfoCommand({tool.path(), text("/opt")}, text("LINK"))).arguments.mid(8),
             QStringList({text("--"), text("LINK")}));
         EXPECT_EQ(tool.leftBehind, QStringList());
     }

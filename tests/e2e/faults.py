@@ -17,6 +17,11 @@ from stage import FINISHED, WORK, EndToEnd
 
 COMPLETE, ATTENTION = "Complete", "Needs Attention"
 FAILED = "Download failed. Check the link or try again."
+CANNOT_WRITE = "Cannot write: check the folder and its free room."
+NO_CONNECTION = "No connection to the site. Check the network."
+NO_SUCH_PAGE = "No song at this address. Check the link."
+LIMIT = "The site limits downloads. Try again in an hour."
+TOO_OLD = "yt-dlp is too old for this site. Run Setup."
 TRIMMED = "Saved; trimmed silent start/end"
 UNTRIMMED = "Saved; silence trim skipped"
 THERE = "Already Downloaded"

@@ -127,6 +127,20 @@ class WithoutWhatIsUsual(Ending):
                 os.kill(pid, signal.SIGKILL)
         self.end(process, signal.SIGTERM)
 
+    def finish_whole(self, process):
+        self.site.let_go()
+        outcome = self.stage.finish(process)
+        self.assertStatus(outcome, 0)
+        self.assertIsTrimmedSong(outcome.rows[0]["outputPath"], SIX[0])
+
+    def test_hung_up_where_that_is_ignored(self):
+        process = self.start_held(wrapper=("env", "--ignore-signal=HUP"))
+        process.send_signal(signal.SIGHUP)
+        self.finish_whole(process)
+
+    def test_started_where_the_ends_of_children_are_ignored(self):
+        self.finish_whole(self.start_held(wrapper=("env", "--ignore-signal=CHLD")))
+
 
 class DuringReading(Ending):
     def end_reading(self, number):

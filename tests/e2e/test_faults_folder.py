@@ -10,7 +10,7 @@ import time
 import unittest
 from pathlib import Path
 
-from faults import FAILED, TRIMMED, UNTRIMMED, FaultTest, needs, slow
+from faults import CANNOT_WRITE, TRIMMED, UNTRIMMED, FaultTest, needs, slow
 from songs import Song
 from stage import PATIENCE
 from stand_in import EVENING, VICTIM, StandIn
@@ -77,14 +77,14 @@ class FullDisk(Drives, StandIn):
 
     def test_during_the_download(self):
         outcome = self.run_real(LEFT_TO_DOWNLOAD)
-        self.assertDetails(outcome, FAILED)
+        self.assertDetails(outcome, CANNOT_WRITE)
         self.survived(outcome, "disk full during the download", rerun=True)
 
     # ffmpeg would report success by itself, and the source's deletion make room again.
     @needs_drives
     def test_during_the_conversion(self):
         outcome = self.run_real(LEFT_TO_CONVERT)
-        self.assertDetails(outcome, FAILED)
+        self.assertDetails(outcome, CANNOT_WRITE)
         self.assertIn(".m4a", {path.suffix for path in self.stage.work()}, "it was downloaded")
         self.survived(outcome, "disk full during the conversion", rerun=True)
 
@@ -120,7 +120,7 @@ class FolderLost:
         outcomes = {how: self.stage.finish(process) for how, process in running.items()}
         for how, outcome in outcomes.items():
             with self.subTest(how):
-                self.assertDetails(outcome, FAILED)
+                self.assertDetails(outcome, CANNOT_WRITE)
                 self.check(outcome, how)
                 left = self.on_disk(how)
                 shell(self.command(losses[how][1], how))
@@ -185,7 +185,7 @@ class NoFolder(Drives, StandIn):
         self.refuse(drive / "New", "output folder on a read-only drive", "Read-only file system")
         self.stage.output = drive / "Old"
         outcome = self.run_event(self.link())
-        self.assertDetails(outcome, FAILED)
+        self.assertDetails(outcome, CANNOT_WRITE)
         self.survived(outcome, "event folder on a read-only drive")
 
     def test_missing_drive(self):

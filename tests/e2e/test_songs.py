@@ -22,6 +22,7 @@ FIELDS = {
     "isResolvingInfo": bool,
     "progress": (int, float),
     "hasRealProgress": bool,
+    "cause": str,
 }
 
 CAFE, DRIVE, CONFETTI = (
@@ -125,7 +126,8 @@ class NeedsAttention(EndToEnd):
         self.assertIsTrimmedSong(good["outputPath"], CAFE)
         self.assertEqual(missing["status"], "Needs Attention")
         self.assertEqual(missing["url"], self.site.missing_link())
-        self.assertEqual(missing["detail"], "Download failed. Check the link or try again.")
+        self.assertEqual(missing["detail"], "No song at this address. Check the link.")
+        self.assertEqual((missing["cause"], good["cause"]), ("no-such-page", ""))
         self.assertEqual(missing["outputPath"], "")
         self.assertEqual(len(self.stage.files()), 1)
 

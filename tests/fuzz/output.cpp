@@ -49,7 +49,8 @@ QString wholeCharacters(const QString& output, qsizetype at, qsizetype length) {
 }
 
 bool saysTheSame(const OutputReader& a, const OutputReader& b) {
-    return a.mentionsLogin() == b.mentionsLogin() && a.conversionFailed() == b.conversionFailed() &&
+    return a.complaints() == b.complaints() && a.foundNothing() == b.foundNothing() &&
+           a.conversionFailed() == b.conversionFailed() &&
            a.onlyCoversFailed() == b.onlyCoversFailed() && a.cannotResume() == b.cannotResume();
 }
 

@@ -83,6 +83,15 @@ TEST(QueueStore, SaysPreciselyWhatChanged) {
     EXPECT_EQ(changes.first().first, 1);
     EXPECT_EQ(changes.first().second, QueueStore::Fields(QueueStore::Progress));
 
+    store.update(second, [](DownloadItem& row) {
+        row.status = QueueStatus::failed;
+        row.cause = FailureCause::siteLimit;
+    });
+    store.update(second, [](DownloadItem& row) { row.status = QueueStatus::queued; });
+    EXPECT_FALSE(store.find(second)->cause);
+    EXPECT_EQ(changes.last().second, QueueStore::Status | QueueStore::Cause);
+    changes.clear();
+
     store.replace(1, rows({QStringLiteral("x"), QStringLiteral("y")}));
     ASSERT_EQ(replaced.size(), 1);
     EXPECT_EQ(store.rows().at(2).url, QStringLiteral("y"));

@@ -128,12 +128,15 @@ TEST(MediaProbeCommand, HandsEveryLinkOverUnchanged) {
     const ProbeTool tool{printer.path(), text("/opt/a b")};
     const QStringList infoWords =
         text(
-            "--no-update --skip-download --no-warnings --no-playlist --print "
+            "--no-update --skip-download --no-warnings --no-playlist --no-download-archive "
+            "--no-exec --print "
             "RCR_MEDIA:%(.{title,duration_string,duration,thumbnail,webpage_url,playlist_index,"
             "n_entries,playlist_count})j")
             .split(u' ');
     const QStringList playlistWords =
-        text("--no-update --flat-playlist --dump-single-json --no-warnings --yes-playlist --")
+        text(
+            "--no-update --flat-playlist --dump-single-json --no-warnings --yes-playlist "
+            "--no-download-archive --no-exec --")
             .split(u' ');
     for (const QString& link : hostileTexts) {
         SCOPED_TRACE(link.toStdString());
