@@ -16,6 +16,7 @@ const QString download = QStringLiteral("download");
 const QString headless = QStringLiteral("headless");
 const QString setup = QStringLiteral("setup");
 const QString checkUpdate = QStringLiteral("check-update");
+const QString check = QStringLiteral("check");
 const QString help = QStringLiteral("help");
 const QString version = QStringLiteral("version");
 
@@ -41,6 +42,10 @@ void describe(QCommandLineParser& parser) {
         {download, QStringLiteral("In the window: download the links once they have been read.")},
         {setup, QStringLiteral("With --headless: install what is missing or newer, and end.")},
         {checkUpdate, QStringLiteral("Tell whether there is a newer version, and end.")},
+        {check,
+         QStringLiteral("Decode every song in an event's folder, tell what needs attention, and "
+                        "end."),
+         QStringLiteral("DIR")},
         {{QStringLiteral("h"), help}, QStringLiteral("Show this help.")},
         {{QStringLiteral("v"), version},
          QStringLiteral("Show the program's version, and its tools'.")},
@@ -62,6 +67,7 @@ Arguments::Action actionOf(const QCommandLineParser& parser) {
     const std::pair<QString, Action> actions[] = {{help, Action::showHelp},
                                                   {version, Action::showVersion},
                                                   {checkUpdate, Action::checkUpdate},
+                                                  {check, Action::checkFolder},
                                                   {setup, Action::setUp}};
     for (const auto& [option, action] : actions) {
         if (parser.isSet(option))
@@ -86,6 +92,7 @@ Arguments parseArguments(const QStringList& commandLine) {
     arguments.startsDownloads = parser.isSet(download);
     arguments.eventName = valueOf(parser, event);
     arguments.outputFolder = valueOf(parser, output);
+    arguments.checkedFolder = parser.value(check);
     arguments.texts = parser.positionalArguments();
 
     const QString modeName = valueOf(parser, mode).value_or(rawValue(DownloadMode::audio));
@@ -104,6 +111,11 @@ Arguments parseArguments(const QStringList& commandLine) {
         arguments.usageError = QStringLiteral("--json and - go with --headless.");
     if (arguments.action == Arguments::Action::setUp && !arguments.headless)
         arguments.usageError = QStringLiteral("--setup goes with --headless.");
+    const bool checks = arguments.action == Arguments::Action::checkFolder;
+    if (checks && arguments.checkedFolder.isEmpty())
+        arguments.usageError = QStringLiteral("The folder to check has no name.");
+    if (checks && !arguments.texts.isEmpty())
+        arguments.usageError = QStringLiteral("--check looks at one folder, without links.");
     return arguments;
 }
 

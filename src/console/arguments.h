@@ -11,7 +11,7 @@
 namespace reelcrate {
 
 struct Arguments {
-    enum class Action { showHelp, showVersion, checkUpdate, setUp, download };
+    enum class Action { showHelp, showVersion, checkUpdate, setUp, checkFolder, download };
 
     Action action = Action::download;
     bool headless = false;
@@ -19,6 +19,7 @@ struct Arguments {
     bool startsDownloads = false;  ///< in the window: once the links have been read
     std::optional<QString> eventName;
     std::optional<QString> outputFolder;
+    QString checkedFolder;  ///< for checkFolder
     DownloadMode mode = DownloadMode::audio;
     QStringList texts;  ///< texts with links in them; "-" stands for standard input
 

@@ -24,6 +24,11 @@ TEST(Arguments, WrongUsageIsToldFromRightUsage) {
         {"--headless --output= http://x", false},
         {"--headless --output", false},
         {"--headless --unknown http://x", false},
+        {"--check D", true},
+        {"--check D --json --headless", true},
+        {"--check D http://x", false},
+        {"--check=", false},
+        {"--check", false},
         {"--help --headless", true},
         {"--version", true},
     };
