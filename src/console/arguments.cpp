@@ -16,6 +16,7 @@ const QString download = QStringLiteral("download");
 const QString headless = QStringLiteral("headless");
 const QString setup = QStringLiteral("setup");
 const QString checkUpdate = QStringLiteral("check-update");
+const QString playlist = QStringLiteral("playlist");
 const QString check = QStringLiteral("check");
 const QString help = QStringLiteral("help");
 const QString version = QStringLiteral("version");
@@ -42,6 +43,8 @@ void describe(QCommandLineParser& parser) {
         {download, QStringLiteral("In the window: download the links once they have been read.")},
         {setup, QStringLiteral("With --headless: install what is missing or newer, and end.")},
         {checkUpdate, QStringLiteral("Tell whether there is a newer version, and end.")},
+        {playlist, QStringLiteral("With --headless: write the event's playlist, NAME.m3u8, into "
+                                  "its folder at the end.")},
         {check,
          QStringLiteral("Decode every song in an event's folder, tell what needs attention, and "
                         "end."),
@@ -89,6 +92,7 @@ Arguments parseArguments(const QStringList& commandLine) {
     arguments.action = actionOf(parser);
     arguments.headless = parser.isSet(headless);
     arguments.json = parser.isSet(json);
+    arguments.savesPlaylist = parser.isSet(playlist);
     arguments.startsDownloads = parser.isSet(download);
     arguments.eventName = valueOf(parser, event);
     arguments.outputFolder = valueOf(parser, output);
@@ -106,6 +110,8 @@ Arguments parseArguments(const QStringList& commandLine) {
     const bool downloads = arguments.action == Arguments::Action::download;
     if (downloads && arguments.headless && arguments.texts.isEmpty())
         arguments.usageError = QStringLiteral("No link given.");
+    if (arguments.savesPlaylist && !(downloads && arguments.headless))
+        arguments.usageError = QStringLiteral("--playlist goes with --headless.");
     if (arguments.needsWindow() &&
         (arguments.json || arguments.texts.contains(QStringLiteral("-"))))
         arguments.usageError = QStringLiteral("--json and - go with --headless.");

@@ -17,6 +17,7 @@ struct Arguments {
     bool headless = false;
     bool json = false;
     bool startsDownloads = false;  ///< in the window: once the links have been read
+    bool savesPlaylist = false;    ///< without a window: at the run's end
     std::optional<QString> eventName;
     std::optional<QString> outputFolder;
     QString checkedFolder;  ///< for checkFolder

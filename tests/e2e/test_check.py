@@ -69,6 +69,18 @@ class Check(EndToEnd):
                 self.assertTrue(bad["finding"].startswith(finding), bad)
                 second.write_bytes(whole)
 
+    def test_what_a_run_leaves_is_well(self):
+        links = [self.site.link(song.name) for song in self.album]
+        missing = self.site.missing_link()
+        outcome = self.stage.run("--playlist", links[1], missing, links[0], event="Другой")
+        self.assertStatus(outcome, 1)
+        folder = self.stage.output / "Другой"
+        self.assertIn(f"Saved playlist of 2 songs: {folder}/Другой.m3u8\n", outcome.err)
+        lines = (folder / "Другой.m3u8").read_text().splitlines()
+        names = ["Second [second].mp3", "First [first].mp3"]
+        self.assertEqual([line for line in lines if not line.startswith("#")], names)
+        self.assertStatus(self.check(folder=folder), 0)
+
     def test_what_is_no_event_folder(self):
         for folder, status in ((self.folder / "none", 2), (self.folder / "First.mp3", 2)):
             outcome = self.check(folder=folder)
