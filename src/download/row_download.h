@@ -56,7 +56,7 @@ struct RunPlan {
 /// up.
 QString downloadCommandFor(const DownloadItem& item, const QString& folder, DownloadMode mode,
                            const ToolDiscovery& discovery,
-                           Conversion conversion = Conversion::strict);
+                           Conversion conversion = Conversion::strict, const QString& found = {});
 
 class RowDownload {
 public:
@@ -77,6 +77,7 @@ private:
     class Output;
     struct ToolRun;
 
+    void search();
     void download(WorkingFolder& folder, const std::stop_token& stop);
     ToolRun runTool(const WorkingFolder& folder, Conversion conversion,
                     const std::stop_token& stop) const;
@@ -94,6 +95,7 @@ private:
     const DownloadItem m_item;
     const qsizetype m_position;
     const QString m_songKey;
+    QString m_found;  ///< the link of the best hit, where the row has to be searched for
 };
 
 }  // namespace reelcrate
