@@ -1,5 +1,6 @@
 #include "app/content_view.h"
 #include "console/arguments.h"
+#include "console/check_run.h"
 #include "console/headless_run.h"
 #include "console/run_settings.h"
 #include "console/setup_run.h"
@@ -137,6 +138,8 @@ int main(int argc, char** argv) {
         case Arguments::Action::showVersion:
             printVersions(supervisor);
             return EXIT_SUCCESS;
+        case Arguments::Action::checkFolder:
+            return runCheck(supervisor, arguments);
         case Arguments::Action::checkUpdate:
         case Arguments::Action::setUp:
         case Arguments::Action::download:

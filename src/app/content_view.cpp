@@ -375,6 +375,12 @@ void ContentView::revealOutput(const DownloadItem& item) {
         m_setup.showFile(item.outputPath);
 }
 
+PlaylistSaving ContentView::savePlaylist() {
+    const PlaylistSaving saving = reelcrate::savePlaylist(m_queue.rows(), eventFolder());
+    setActiveSummary(playlistSummary(saving));
+    return saving;
+}
+
 void ContentView::openFolder(const QString& folder) {
     QDir().mkpath(folder);
     if (m_setup.openFolder)

@@ -9,6 +9,7 @@
 #include "library/event_library.h"
 #include "library/file_names.h"
 #include "library/finished_files.h"
+#include "library/playlist_file.h"
 #include "queue/links.h"
 #include "queue/queue_editor.h"
 #include "queue/queue_store.h"
@@ -178,6 +179,8 @@ public:
 
     /// Shows the row's file in the desktop's file manager, or the folder where it would be.
     void revealOutput(const DownloadItem& item);
+    /// Writes the complete rows into the event folder as a playlist; the summary tells.
+    PlaylistSaving savePlaylist();
     /// Creates the folder, with its parents, where it can.
     void openFolder(const QString& folder);
 

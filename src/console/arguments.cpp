@@ -16,6 +16,8 @@ const QString download = QStringLiteral("download");
 const QString headless = QStringLiteral("headless");
 const QString setup = QStringLiteral("setup");
 const QString checkUpdate = QStringLiteral("check-update");
+const QString playlist = QStringLiteral("playlist");
+const QString check = QStringLiteral("check");
 const QString help = QStringLiteral("help");
 const QString version = QStringLiteral("version");
 
@@ -41,6 +43,12 @@ void describe(QCommandLineParser& parser) {
         {download, QStringLiteral("In the window: download the links once they have been read.")},
         {setup, QStringLiteral("With --headless: install what is missing or newer, and end.")},
         {checkUpdate, QStringLiteral("Tell whether there is a newer version, and end.")},
+        {playlist, QStringLiteral("With --headless: write the event's playlist, NAME.m3u8, into "
+                                  "its folder at the end.")},
+        {check,
+         QStringLiteral("Decode every song in an event's folder, tell what needs attention, and "
+                        "end."),
+         QStringLiteral("DIR")},
         {{QStringLiteral("h"), help}, QStringLiteral("Show this help.")},
         {{QStringLiteral("v"), version},
          QStringLiteral("Show the program's version, and its tools'.")},
@@ -62,6 +70,7 @@ Arguments::Action actionOf(const QCommandLineParser& parser) {
     const std::pair<QString, Action> actions[] = {{help, Action::showHelp},
                                                   {version, Action::showVersion},
                                                   {checkUpdate, Action::checkUpdate},
+                                                  {check, Action::checkFolder},
                                                   {setup, Action::setUp}};
     for (const auto& [option, action] : actions) {
         if (parser.isSet(option))
@@ -83,9 +92,11 @@ Arguments parseArguments(const QStringList& commandLine) {
     arguments.action = actionOf(parser);
     arguments.headless = parser.isSet(headless);
     arguments.json = parser.isSet(json);
+    arguments.savesPlaylist = parser.isSet(playlist);
     arguments.startsDownloads = parser.isSet(download);
     arguments.eventName = valueOf(parser, event);
     arguments.outputFolder = valueOf(parser, output);
+    arguments.checkedFolder = parser.value(check);
     arguments.texts = parser.positionalArguments();
 
     const QString modeName = valueOf(parser, mode).value_or(rawValue(DownloadMode::audio));
@@ -99,11 +110,18 @@ Arguments parseArguments(const QStringList& commandLine) {
     const bool downloads = arguments.action == Arguments::Action::download;
     if (downloads && arguments.headless && arguments.texts.isEmpty())
         arguments.usageError = QStringLiteral("No link given.");
+    if (arguments.savesPlaylist && !(downloads && arguments.headless))
+        arguments.usageError = QStringLiteral("--playlist goes with --headless.");
     if (arguments.needsWindow() &&
         (arguments.json || arguments.texts.contains(QStringLiteral("-"))))
         arguments.usageError = QStringLiteral("--json and - go with --headless.");
     if (arguments.action == Arguments::Action::setUp && !arguments.headless)
         arguments.usageError = QStringLiteral("--setup goes with --headless.");
+    const bool checks = arguments.action == Arguments::Action::checkFolder;
+    if (checks && arguments.checkedFolder.isEmpty())
+        arguments.usageError = QStringLiteral("The folder to check has no name.");
+    if (checks && !arguments.texts.isEmpty())
+        arguments.usageError = QStringLiteral("--check looks at one folder, without links.");
     return arguments;
 }
 

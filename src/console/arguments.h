@@ -11,14 +11,16 @@
 namespace reelcrate {
 
 struct Arguments {
-    enum class Action { showHelp, showVersion, checkUpdate, setUp, download };
+    enum class Action { showHelp, showVersion, checkUpdate, setUp, checkFolder, download };
 
     Action action = Action::download;
     bool headless = false;
     bool json = false;
     bool startsDownloads = false;  ///< in the window: once the links have been read
+    bool savesPlaylist = false;    ///< without a window: at the run's end
     std::optional<QString> eventName;
     std::optional<QString> outputFolder;
+    QString checkedFolder;  ///< for checkFolder
     DownloadMode mode = DownloadMode::audio;
     QStringList texts;  ///< texts with links in them; "-" stands for standard input
 

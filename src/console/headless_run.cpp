@@ -33,7 +33,10 @@ void complain(const QString& text) {
 }  // namespace
 
 HeadlessRun::HeadlessRun(ContentView& view, const Arguments& arguments)
-    : m_view(view), m_json(arguments.json), m_texts(arguments.texts) {
+    : m_view(view),
+      m_json(arguments.json),
+      m_savesPlaylist(arguments.savesPlaylist),
+      m_texts(arguments.texts) {
     applySettings(arguments, view);
 
     // Later, so that each step sees the outcome of a whole operation and not its middle.
@@ -72,8 +75,10 @@ void HeadlessRun::advance() {
         addLinks();
     if (m_phase == Phase::reading && !isReading())
         startDownloads();
-    if (m_phase == Phase::downloading && m_view.activeDownloadRuns() == 0 && !isReading())
-        end(allRowsAreComplete() ? allComplete : someNeedAttention);
+    if (m_phase == Phase::downloading && m_view.activeDownloadRuns() == 0 && !isReading()) {
+        const bool isSaved = saveWhatIsAskedFor();
+        end(isSaved && allRowsAreComplete() ? allComplete : someNeedAttention);
+    }
 }
 
 void HeadlessRun::addLinks() {
@@ -109,6 +114,16 @@ bool HeadlessRun::allRowsAreComplete() const {
         return row.status == QueueStatus::complete || row.reading == LinkReading::repeated;
     };
     return !rows.isEmpty() && std::all_of(rows.begin(), rows.end(), isDone);
+}
+
+/// False when it could not be written.
+bool HeadlessRun::saveWhatIsAskedFor() {
+    if (!m_savesPlaylist)
+        return true;
+    const PlaylistSaving saving = m_view.savePlaylist();
+    m_notes.append(playlistSummary(saving) +
+                   (saving.songs > 0 ? QStringLiteral(": ") + saving.path : QString()));
+    return saving.failure.isEmpty();
 }
 
 void HeadlessRun::interrupt(int signalNumber) {

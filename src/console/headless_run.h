@@ -42,10 +42,12 @@ private:
     bool isReading() const;
     void startDownloads();
     bool allRowsAreComplete() const;
+    bool saveWhatIsAskedFor();
     void end(int exitStatus);
 
     ContentView& m_view;
     const bool m_json;
+    const bool m_savesPlaylist;
     QStringList m_texts;  ///< what the links are taken from
     QStringList m_notes;  ///< for the user, at the end
     std::unique_ptr<StandardInput> m_input;

@@ -20,7 +20,9 @@ QString outputTemplate(const DownloadItem& item, QString folder) {
     return folder + QStringLiteral("%(title).180B [%(id).40B].%(ext)s");
 }
 
-QString target(const DownloadItem& item, DownloadMode mode) {
+QString target(const DownloadItem& item, DownloadMode mode, const QString& found) {
+    if (!found.isEmpty())
+        return found;
     return item.source == SourceType::spotify ? spotifySearchQuery(item, mode) : item.url;
 }
 
@@ -83,14 +85,14 @@ QString converterLocation(const std::optional<QString>& ffmpeg) {
 }  // namespace
 
 QString downloadCommand(const DownloadItem& item, const QString& folder, DownloadMode mode,
-                        const DownloadTools& tools, Conversion conversion) {
+                        const DownloadTools& tools, Conversion conversion, const QString& found) {
     const QString tool = tools.ytDlp.value_or(QStringLiteral("yt-dlp"));
     const QString start = QStringLiteral("PATH=") + shellQuoted(tools.searchPath) +
                           QStringLiteral(":$PATH ") + shellQuoted(tool) + u' ' + progressOptions() +
                           guards() + transferOptions();
     const QString end = itemChoice(item) + QStringLiteral(" -o ") +
                         shellQuoted(outputTemplate(item, folder)) + u' ' +
-                        shellQuoted(target(item, mode));
+                        shellQuoted(target(item, mode, found));
     const QString converter = converterLocation(tools.ffmpeg);
 
     if (mode == DownloadMode::audio) {

@@ -27,9 +27,11 @@ enum class Conversion {
     lenient,  ///< leaves out what cannot be read, and says nothing of what cannot be written
 };
 
-/// `folder` is an absolute path. With each step of its progress the command prints a line
-/// "RCR_PROGRESS:" with the percentage.
+/// `folder` is an absolute path. `found` is the link of the song that a row stands for which has to
+/// be searched for; without it the first hit of a search is downloaded. With each step of its
+/// progress the command prints a line "RCR_PROGRESS:" with the percentage.
 QString downloadCommand(const DownloadItem& item, const QString& folder, DownloadMode mode,
-                        const DownloadTools& tools, Conversion conversion = Conversion::strict);
+                        const DownloadTools& tools, Conversion conversion = Conversion::strict,
+                        const QString& found = {});
 
 }  // namespace reelcrate

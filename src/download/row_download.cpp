@@ -10,6 +10,7 @@
 #include "download/song_finish.h"
 #include "download/working_folder.h"
 #include "library/song_key.h"
+#include "resolve/song_search.h"
 #include "tools/shell_runner.h"
 #include "tools/tool_discovery.h"
 
@@ -41,12 +42,13 @@ FailureCause causeWithoutWords(const WorkingFolder& folder) {
 }  // namespace
 
 QString downloadCommandFor(const DownloadItem& item, const QString& folder, DownloadMode mode,
-                           const ToolDiscovery& discovery, Conversion conversion) {
+                           const ToolDiscovery& discovery, Conversion conversion,
+                           const QString& found) {
     return downloadCommand(
         item, folder, mode,
         {discovery.toolPath(QStringLiteral("yt-dlp")), discovery.toolPath(QStringLiteral("ffmpeg")),
          discovery.toolSearchPath()},
-        conversion);
+        conversion, found);
 }
 
 /// Follows the downloader's output of one row: logs it, shows it on the row, and keeps what it says
@@ -123,8 +125,18 @@ RowDownload::End RowDownload::run(const std::stop_token& stop) {
         complete(*path, QStringLiteral("Already Downloaded"));
         return End::ended;
     }
-    download(folder, stop);
+    if (m_item.source == SourceType::spotify)
+        search();
+    if (!stop.stop_requested())
+        download(folder, stop);
     return End::ended;
+}
+
+void RowDownload::search() {
+    const SongSearch songSearch(m_parts.shell, m_parts.discovery);
+    const FoundSong found = songSearch.find(m_item, m_plan.target.mode);
+    m_found = found.link;
+    logLine(found.remark);
 }
 
 std::optional<QString> RowDownload::fileThatIsThere() const {
@@ -174,7 +186,7 @@ RowDownload::ToolRun RowDownload::runTool(const WorkingFolder& folder, Conversio
                                           const std::stop_token& stop) const {
     Output output(*this, stop);
     const QString command = downloadCommandFor(m_item, folder.path(), m_plan.target.mode,
-                                               m_parts.discovery, conversion);
+                                               m_parts.discovery, conversion, m_found);
     logLine(QStringLiteral("Running %1/%2: ").arg(m_position + 1).arg(m_plan.rowCount) +
             withoutHome(command, m_parts.discovery.places().home));
     const CommandResult result = m_parts.shell.runShellPassingOn(

@@ -57,7 +57,7 @@ struct RunPlan {
 /// up.
 QString downloadCommandFor(const DownloadItem& item, const QString& folder, DownloadMode mode,
                            const ToolDiscovery& discovery,
-                           Conversion conversion = Conversion::strict);
+                           Conversion conversion = Conversion::strict, const QString& found = {});
 
 class RowDownload {
 public:
@@ -81,6 +81,7 @@ private:
     class Output;
     struct ToolRun;
 
+    void search();
     void download(WorkingFolder& folder, const std::stop_token& stop);
     ToolRun runTool(const WorkingFolder& folder, Conversion conversion,
                     const std::stop_token& stop) const;
@@ -100,6 +101,7 @@ private:
     const qsizetype m_position;
     const QString m_songKey;
     std::optional<FailureCause> m_cause;
+    QString m_found;  ///< the link of the best hit, where the row has to be searched for
 };
 
 }  // namespace reelcrate

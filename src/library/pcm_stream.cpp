@@ -29,6 +29,7 @@ void PcmStream::add(const QByteArray& bytes) {
                            m_samples.data());
     m_rest.remove(0, static_cast<qsizetype>(m_samples.size()) * 2);
     m_meter->add(m_samples);
+    m_print.add(m_samples);
 }
 
 /// True once the header is there whole, and taken off the rest.

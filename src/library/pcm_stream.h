@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/edge_meter.h"
+#include "library/sound_print.h"
 
 #include <QByteArray>
 
@@ -18,12 +19,16 @@ public:
     /// Present once the stream's header has come.
     std::optional<EdgeMeter>& meter() { return m_meter; }
 
+    /// Of all samples so far. Once, at the end.
+    quint64 soundPrint() { return m_print.finish(); }
+
 private:
     bool readHeader();
 
     QByteArray m_rest;  ///< the header as far as it has come; then the half of a sample
     bool m_refused = false;
     std::optional<EdgeMeter> m_meter;
+    SoundPrint m_print;
     std::vector<qint16> m_samples;
 };
 

@@ -81,6 +81,7 @@ SongMeasure SongMeasurer::measure(const QString& path) const {
     if (auto& meter = stream.meter()) {
         measure.sound = meter->finish();
         measure.decodedSeconds = meter->seconds();
+        measure.soundPrint = stream.soundPrint();
         measure.decoded = result.status == 0 && !words.cutOff;
     }
     return measure;

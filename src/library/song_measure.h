@@ -19,6 +19,7 @@ struct SongMeasure {
     std::optional<double> headerSeconds;  ///< what the file says of itself, if it does
     std::optional<SoundEdges> sound;      ///< absent where there is none above -55 dB
     QString complaint;                    ///< what the decoder said first, of whatever weight
+    quint64 soundPrint = 0;               ///< the same for the very same samples, whatever the tags
 };
 
 /// Why the song is not a whole one, for the log; absent when it is. Quiet songs and songs with a

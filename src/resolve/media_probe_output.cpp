@@ -1,5 +1,6 @@
 #include "resolve/media_probe_output.h"
 
+#include "base/duration_text.h"
 #include "queue/links.h"
 #include "resolve/media_values.h"
 #include "tools/shell_quote.h"
@@ -135,6 +136,23 @@ Listing listingFromOutput(const QString& output, const QString& link, SourceType
     if (!listing.entries.isEmpty() && listing.entries.size() < counted)
         listing.cut = CutListing{.listed = listing.entries.size(), .counted = counted};
     return listing;
+}
+
+QList<SearchHit> hitsFromOutput(const QString& output) {
+    QList<SearchHit> hits;
+    for (const QJsonValue value : listingIn(output).value(u"entries").toArray()) {
+        const QJsonObject listed = value.toObject();
+        const PlaylistEntry entry = entryFrom(listed, 0, {}, SourceType::youtube);
+        if (!isWebAddress(entry.url) || !entry.isRead)
+            continue;
+        const QString channel = stringValue(listed.value(u"channel"));
+        hits.append(
+            {.link = entry.url,
+             .title = entry.title,
+             .channel = channel.isEmpty() ? stringValue(listed.value(u"uploader")) : channel,
+             .seconds = secondsOfDuration(entry.duration)});
+    }
+    return hits;
 }
 
 }  // namespace reelcrate

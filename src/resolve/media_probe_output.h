@@ -1,6 +1,7 @@
 #pragma once
 
 #include "records/media_records.h"
+#include "resolve/search_match.h"
 
 #include <QList>
 #include <QString>
@@ -45,5 +46,8 @@ struct Listing {
 /// Reads the answer to `playlistCommand` for a link of this source. An entry without a title has
 /// still to be read. One that is not there any more (null) is left out, and counts as not listed.
 Listing listingFromOutput(const QString& output, const QString& link, SourceType source);
+
+/// The same answer, to a search on the video site.
+QList<SearchHit> hitsFromOutput(const QString& output);
 
 }  // namespace reelcrate

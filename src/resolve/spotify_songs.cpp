@@ -72,6 +72,12 @@ QString songsLeftOut(const QString& output) {
     return lines;
 }
 
+QString searchWords(const DownloadItem& item, DownloadMode mode) {
+    const QString title = item.title.trimmed();
+    return (title.isEmpty() ? item.url : title) +
+           byMode(mode, " official audio"_L1, " official video"_L1);
+}
+
 }  // namespace
 
 QString spotifyListCommand(const QString& searchPath, const QString& tool, const QString& link) {
@@ -149,9 +155,11 @@ QString spotifyFailureMessage(const QString& output) {
 }
 
 QString spotifySearchQuery(const DownloadItem& item, DownloadMode mode) {
-    const QString title = item.title.trimmed();
-    return QStringLiteral("ytsearch1:") + (title.isEmpty() ? item.url : title) +
-           byMode(mode, " official audio"_L1, " official video"_L1);
+    return QStringLiteral("ytsearch1:") + searchWords(item, mode);
+}
+
+QString spotifyHitsQuery(const DownloadItem& item, DownloadMode mode) {
+    return QStringLiteral("ytsearch5:") + searchWords(item, mode);
 }
 
 }  // namespace reelcrate

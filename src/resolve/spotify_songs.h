@@ -37,4 +37,7 @@ QString spotifyFailureMessage(const QString& output);
 /// A search of yt-dlp for the one best match of the row.
 QString spotifySearchQuery(const DownloadItem& item, DownloadMode mode);
 
+/// The same search for the hits among which the best match is chosen.
+QString spotifyHitsQuery(const DownloadItem& item, DownloadMode mode);
+
 }  // namespace reelcrate

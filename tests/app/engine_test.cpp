@@ -1,6 +1,7 @@
 // The whole engine behind its controller, on stand-in tools and with short pauses.
 
 #include "app/content_view.h"
+#include "base/duration_text.h"
 #include "download/working_folder.h"
 #include "library/song_key.h"
 #include "support/machine.h"
@@ -8,6 +9,9 @@
 #include "support/sample.h"
 
 #include <QDir>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QSignalSpy>
 
 #include <gmock/gmock.h>
@@ -528,6 +532,37 @@ TEST_F(EngineTest, AnOldDownloaderIsNamedOnceBehindAFailure) {
     ASSERT_TRUE(waitUntil([this] { return view.activeDownloadRuns() == 0; }));
     EXPECT_EQ(view.runLog().count(notice), 0);
     EXPECT_EQ(row(1).cause, FailureCause::other);
+}
+
+TEST_F(EngineTest, ASpotifyRowIsDownloadedFromTheBestHit) {
+    machine.tell(QStringLiteral("spotdl.txt"), sample("spotdl_playlist.txt").toUtf8());
+    addAndRead(QStringLiteral("https://open.spotify.com/playlist/x"));
+    const auto hit = [&](const char* name, const char* suffix, double seconds) {
+        return QJsonObject{{QStringLiteral("url"), link("song", QString::fromLatin1(name))},
+                           {QStringLiteral("title"), row(0).title + QString::fromLatin1(suffix)},
+                           {QStringLiteral("duration"), seconds}};
+    };
+    const double seconds = secondsOfDuration(row(0).duration).value();
+    const QJsonArray hits{hit("sung", " (Karaoke)", seconds), hit("long", "", seconds + 40),
+                          hit("right", "", seconds + 2), hit("sped", " sped up", seconds)};
+    machine.tell(QStringLiteral("playlist.json"),
+                 QJsonDocument(QJsonObject{{QStringLiteral("entries"), hits}}).toJson());
+    const auto calls = [&] { return machine.calls().filter(QStringLiteral("download ")); };
+    view.startDownloadRun({row(0).id});
+    ASSERT_TRUE(waitUntil([this] { return view.activeDownloadRuns() == 0; }));
+    EXPECT_EQ(row(0).status, QueueStatus::complete);
+    EXPECT_THAT(calls(), ElementsAre(QStringLiteral("download right")));
+    EXPECT_TRUE(view.runLog().contains(QStringLiteral("3 of 4 hits: ") + row(0).title));
+
+    // None is as long as this one.
+    machine.tell(
+        QStringLiteral("playlist.json"),
+        QJsonDocument(QJsonObject{{QStringLiteral("entries"), QJsonArray{hit("short", "", 1)}}})
+            .toJson());
+    view.startDownloadRun({row(1).id});
+    ASSERT_TRUE(waitUntil([this] { return view.activeDownloadRuns() == 0; }));
+    EXPECT_EQ(row(1).status, QueueStatus::complete);
+    EXPECT_TRUE(calls().last().startsWith(QStringLiteral("download ytsearch1:")));
 }
 
 TEST_F(EngineTest, ReadingIsTriedThreeTimesAndRetriedOnRequest) {

@@ -153,5 +153,20 @@ TEST(MediaProbeCommand, HandsEveryLinkOverUnchanged) {
     }
 }
 
+TEST(HitsFromOutput, ReadsWhatTheSiteLists) {
+    const QString output = text(R"({"entries": [
+        {"id": "abcdefghijk", "url": "https://www.youtube.com/watch?v=abcdefghijk",
+         "title": "A \u0416", "channel": "C", "uploader": "U", "duration": 61.0},
+        {"id": "abcdefghij2", "title": "B", "uploader": "U", "duration": null},
+        {"id": "abcdefghij3", "title": "", "duration": 3},
+        {"url": "httpx;touch", "title": "X", "duration": 3}, null, 7]})");
+    EXPECT_EQ(hitsFromOutput(output),
+              (QList<SearchHit>{{text("https://www.youtube.com/watch?v=abcdefghijk"), text("A Ж"),
+                                 text("C"), 61.0},
+                                {text("https://www.youtube.com/watch?v=abcdefghij2"), text("B"),
+                                 text("U"), std::nullopt}}));
+    EXPECT_TRUE(hitsFromOutput(text("null")).isEmpty());
+}
+
 }  // namespace
 }  // namespace reelcrate

@@ -1,0 +1,67 @@
+#include "console/check_text.h"
+
+#include "support/printers.h"
+
+#include <QJsonArray>
+
+#include <gtest/gtest.h>
+
+namespace reelcrate {
+namespace {
+
+using Finding = CheckedFile::Finding;
+using Kind = EventFile::Kind;
+
+CheckedFile song(const char* name, double seconds, std::optional<Finding> finding = std::nullopt) {
+    CheckedFile file{{QString::fromUtf8(name), Kind::song}};
+    file.seconds = seconds;
+    file.finding = finding;
+    return file;
+}
+
+TEST(CheckText, WhatNeedsAttentionStandsLast) {
+    CheckedFile cut = song("A\x1b[2J.mp3", 95, Finding::cutOff);
+    cut.headerSeconds = 191;
+    CheckedFile twin = song("B.mp3", 60, Finding::doubled);
+    twin.detail = QStringLiteral("D.mp3");
+    const CheckedFile notes{{QStringLiteral("notes.txt"), Kind::foreign}};
+    EXPECT_EQ(checkTable({cut, twin, song("D.mp3", 3661), notes}).toStdString(),
+              "OK                1:01:01  D.mp3\n"
+              "Foreign file               notes.txt\n"
+              "Needs Attention      1:35  A [2J.mp3 - Cut off: 1:35 of the 3:11 that its header "
+              "tells\n"
+              "Needs Attention      1:00  B.mp3 - The same recording as D.mp3\n"
+              "3 songs, 1:03:36 in all; 1 foreign file; 2 need attention\n");
+    EXPECT_EQ(checkTable({song("D.mp3", 59.6)}).section(u'\n', 1, 1),
+              QStringLiteral("1 song, 1:00 in all; all is well"));
+}
+
+TEST(CheckText, TellsLengthsApartThatRoundToOne) {
+    CheckedFile cut = song("A.mp3", 190.2, Finding::cutOff);
+    cut.headerSeconds = 190.4;
+    EXPECT_EQ(findingText(cut), QStringLiteral("Cut off: 190.2 s of the 190.4 s that its header "
+                                               "tells"));
+}
+
+TEST(CheckText, JsonHasEachFileAndTheSum) {
+    const QJsonObject json =
+        checkAsJson(QStringLiteral("/x"), {song("A.mp3", 1.23456),
+                                           song("B.mp3", 0, Finding::empty),
+                                           {{QStringLiteral("c.txt"), Kind::foreign}}});
+    EXPECT_EQ(json.value(u"songs").toInt(), 2);
+    EXPECT_EQ(json.value(u"needAttention").toInt(), 1);
+    EXPECT_EQ(json.value(u"foreign").toInt(), 1);
+    EXPECT_DOUBLE_EQ(json.value(u"seconds").toDouble(), 1.235);
+    const QJsonArray files = json.value(u"files").toArray();
+    EXPECT_EQ(files.at(1)[u"finding"].toString(), QStringLiteral("Empty file"));
+    EXPECT_TRUE(files.at(1)[u"needsAttention"].toBool());
+    EXPECT_TRUE(files.at(2)[u"seconds"].isUndefined());
+}
+
+TEST(CheckText, ProgressFitsTheTerminal) {
+    EXPECT_EQ(checkProgressLine(1, 2, 80), QStringLiteral("[##########----------] 1 of 2 songs"));
+    EXPECT_EQ(checkProgressLine(2, 2, 22), QStringLiteral("[####################]"));
+}
+
+}  // namespace
+}  // namespace reelcrate
