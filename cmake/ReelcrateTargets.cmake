@@ -19,6 +19,21 @@ if(REELCRATE_SANITIZERS STREQUAL "thread")
   target_sources(reelcrate_program INTERFACE ${CMAKE_CURRENT_LIST_DIR}/tsan_clone.cpp)
 endif()
 
+# reelcrate_precompile(NAME FIRST [HEADER...])
+#
+# Lets target NAME see these headers ready-made, as compiled for target FIRST. A build that does so
+# does not notice what a file forgets to include, which is why only some presets ask for it.
+function(reelcrate_precompile name first)
+  if(NOT REELCRATE_PRECOMPILE)
+    return()
+  endif()
+  if(name STREQUAL first)
+    target_precompile_headers(${name} PRIVATE ${ARGN})
+  else()
+    target_precompile_headers(${name} REUSE_FROM ${first})
+  endif()
+endfunction()
+
 # reelcrate_library(NAME [USES FOLDER...])
 #
 # Makes src/NAME a library. Its headers are included as "NAME/header.h", and only by NAME itself
@@ -36,6 +51,8 @@ function(reelcrate_library name)
   add_library(reelcrate::${name} ALIAS reelcrate_${name})
   target_include_directories(reelcrate_${name} PUBLIC ${root})
   target_link_libraries(reelcrate_${name} PUBLIC Qt6::Core PRIVATE reelcrate_options)
+  reelcrate_precompile(reelcrate_${name} reelcrate_base <algorithm> <chrono> <functional> <memory>
+    <optional> <QDir> <QHash> <QJsonObject> <QObject> <QProcess> <QRegularExpression> <QTimer>)
   foreach(used IN LISTS arg_USES)
     target_link_libraries(reelcrate_${name} PUBLIC reelcrate::${used})
   endforeach()

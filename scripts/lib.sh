@@ -32,13 +32,14 @@ this_machine() {
     echo "$(nproc) cores, $memory of memory, $(uname -sr), yt-dlp $(yt-dlp --version), ffmpeg $ffmpeg"
 }
 
-# build PRESET: what changed since the last build. Configures the first time
-# and after the presets were edited; Ninja itself sees edits of CMakeLists.txt.
+# build PRESET [SETTING...]: what changed since the last build. Configures the first time, after the
+# presets were edited, and for settings; Ninja itself sees edits of CMakeLists.txt.
 build() (
     cd "$root" || exit
-    if [ ! -f "build/$1/build.ninja" ] || [ CMakePresets.json -nt "build/$1/build.ninja" ]; then
+    if [ $# -gt 1 ] || [ ! -f "build/$1/build.ninja" ] ||
+        [ CMakePresets.json -nt "build/$1/build.ninja" ]; then
         say "Configuring build/$1 ..."
-        quietly cmake --preset "$1" || exit
+        quietly cmake --preset "$@" || exit
     fi
     say "Building build/$1 ..."
     quietly cmake --build --preset "$1"

@@ -19,7 +19,7 @@ from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[1]
-SETTINGS = ROOT / ".clang-tidy"
+SETTINGS = (ROOT / ".clang-tidy", ROOT / "tests" / ".clang-tidy")
 FOLDERS = ("src", "tests", "bench", "packaging")
 
 
@@ -35,7 +35,7 @@ def sources(build):
 
 
 def is_known_clean(stamp, item):
-    newest = max(item.stat().st_mtime, SETTINGS.stat().st_mtime)
+    newest = max(each.stat().st_mtime for each in (item, *SETTINGS))
     return stamp.exists() and stamp.stat().st_mtime > newest
 
 

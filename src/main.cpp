@@ -8,9 +8,13 @@
 #include "tools/process_supervisor.h"
 #include "tools/shell_runner.h"
 #include "tools/tool_versions.h"
+
+#ifdef REELCRATE_WINDOW
 #include "ui/reelcrate_app.h"
 
 #include <QGuiApplication>
+#endif
+#include <QCoreApplication>
 #include <QTextStream>
 
 #include <clocale>
@@ -52,30 +56,11 @@ void print(FILE* stream, const QString& text) {
     QTextStream(stream) << text;
 }
 
-/// Whether there is a screen to show a window on. To ask the toolkit ends the program when not.
-bool hasDisplay() {
-#ifdef Q_OS_LINUX
-    return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY") ||
-           qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
-#else
-    return true;
-#endif
-}
-
 QStringList commandLine(int argc, char** argv) {
     QStringList words;
     for (int i = 0; i < argc; ++i)
         words.append(QString::fromLocal8Bit(argv[i]));
     return words;
-}
-
-/// The windowing toolkit starts only where there is a window: it takes its time.
-std::unique_ptr<QCoreApplication> makeApplication(bool withWindow, int& argc, char** argv) {
-    if (!withWindow)
-        return std::make_unique<QCoreApplication>(argc, argv);
-    QGuiApplication::setApplicationDisplayName(QStringLiteral("Reelcrate"));
-    QGuiApplication::setDesktopFileName(QStringLiteral("reelcrate"));
-    return std::make_unique<QGuiApplication>(argc, argv);
 }
 
 void printVersions(ProcessSupervisor& supervisor) {
@@ -96,6 +81,29 @@ int runWithoutWindow(ProcessSupervisor& supervisor, const Arguments& arguments) 
     return runHeadless(view, arguments);
 }
 
+#ifdef REELCRATE_WINDOW
+
+/// Why no window can be shown; empty where one can. To ask the toolkit would end the program.
+QString whyNoWindow() {
+#ifdef Q_OS_LINUX
+    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+        if (qEnvironmentVariableIsSet(name))
+            return {};
+    }
+    return QStringLiteral(
+        "There is no display to show a window on; reelcrate "
+        "--headless works without one.\n");
+#else
+    return {};
+#endif
+}
+
+std::unique_ptr<QCoreApplication> makeWindowApplication(int& argc, char** argv) {
+    QGuiApplication::setApplicationDisplayName(QStringLiteral("Reelcrate"));
+    QGuiApplication::setDesktopFileName(QStringLiteral("reelcrate"));
+    return std::make_unique<QGuiApplication>(argc, argv);
+}
+
 int runWithWindow(ProcessSupervisor& supervisor, const Arguments& arguments) {
     ReelcrateApp app(supervisor, ContentViewSetup::ofThisMachine(),
                      {arguments.texts, arguments.startsDownloads});
@@ -107,6 +115,22 @@ int runWithWindow(ProcessSupervisor& supervisor, const Arguments& arguments) {
     });
     return app.show() ? QCoreApplication::exec() : EXIT_FAILURE;
 }
+
+#else
+
+QString whyNoWindow() {
+    return QStringLiteral("This reelcrate was built without a window; start it with --headless.\n");
+}
+
+std::unique_ptr<QCoreApplication> makeWindowApplication(int& argc, char** argv) {
+    return std::make_unique<QCoreApplication>(argc, argv);
+}
+
+int runWithWindow(ProcessSupervisor& /*supervisor*/, const Arguments& /*arguments*/) {
+    return HeadlessRun::wrongUsage;
+}
+
+#endif
 
 }  // namespace
 
@@ -121,14 +145,17 @@ int main(int argc, char** argv) {
 
     const Arguments arguments = parseArguments(commandLine(argc, argv));
     const bool showsWindow = arguments.usageError.isEmpty() && arguments.needsWindow();
-    const auto application = makeApplication(showsWindow && hasDisplay(), argc, argv);
+    const QString obstacle = showsWindow ? whyNoWindow() : QString();
+    // The windowing toolkit starts only where there is a window: it takes its time.
+    const auto application = showsWindow && obstacle.isEmpty()
+                                 ? makeWindowApplication(argc, argv)
+                                 : std::make_unique<QCoreApplication>(argc, argv);
     if (!arguments.usageError.isEmpty()) {
         print(stderr, arguments.usageError + QStringLiteral("\n\n") + helpText());
         return HeadlessRun::wrongUsage;
     }
-    if (showsWindow && !hasDisplay()) {
-        print(stderr, QStringLiteral("There is no display to show a window on; reelcrate "
-                                     "--headless works without one.\n"));
+    if (!obstacle.isEmpty()) {
+        print(stderr, obstacle);
         return HeadlessRun::wrongUsage;
     }
     switch (arguments.action) {
