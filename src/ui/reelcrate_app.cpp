@@ -1,6 +1,7 @@
 #include "ui/reelcrate_app.h"
 
 #include "theme/tech_theme.h"
+#include "ui/renderer.h"
 #include "ui/thumbnail_provider.h"
 #include "ui/window_sizing.h"
 
@@ -35,6 +36,7 @@ void registerTypes() {
     // A static library's registrations run only where they are named.
     qml_register_types_Reelcrate();
     qml_register_types_Reelcrate_Theme();
+    chooseRenderer();
     QQuickStyle::setStyle(QStringLiteral("Basic"));
     useTypeface();
 }
