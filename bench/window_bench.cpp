@@ -9,6 +9,7 @@
 
 #include "theme/tech_theme.h"
 #include "ui/reelcrate_app.h"
+#include "ui/renderer.h"
 
 #include <QDir>
 #include <QEventLoop>
@@ -230,6 +231,7 @@ ContentViewSetup setupIn(const QString& folder) {
 }
 
 void measureBareStart(const QString& width, const QString& height) {
+    chooseRenderer();  // the same for both
     QQmlApplicationEngine engine;
     engine.loadData(
         QStringLiteral("import QtQuick\nWindow { visible: true; width: %1; height: %2 }")

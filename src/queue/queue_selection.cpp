@@ -96,16 +96,18 @@ QueueSelection QueueSelection::cleared() const {
 QueueSelection QueueSelection::withoutRows(const QSet<QUuid>& removed,
                                            const QueueStore& queue) const {
     if (queue.size() == 0)
-        return {};
+        return {{}, {}, {}, keyboardScopeActive};
     QueueSelection next = *this;
     next.ids.subtract(removed);
-    const auto replacedIfRemoved = [&](const std::optional<QUuid>& id) {
-        if (!id || !removed.contains(*id))
+    // A selected row may have gone another way, when its link was read.
+    const QSet<QUuid> left = visible(queue).subtract(removed);
+    const auto replacedIfGone = [&](const std::optional<QUuid>& id) {
+        if (!id || queue.indexOf(*id) >= 0)
             return id;
-        return next.ids.isEmpty() ? std::nullopt : std::optional(*next.ids.cbegin());
+        return left.isEmpty() ? std::nullopt : std::optional(*left.cbegin());
     };
-    next.anchor = replacedIfRemoved(anchor);
-    next.focus = replacedIfRemoved(focus);
+    next.anchor = replacedIfGone(anchor);
+    next.focus = replacedIfGone(focus);
     return next;
 }
 

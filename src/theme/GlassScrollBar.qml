@@ -10,7 +10,9 @@ ScrollBar {
 
     implicitWidth: 10
     padding: 2
-    minimumSize: 0.04
+    // Of a long list the handle would be a dot.
+    minimumSize: Math.min(1, 28 / Math.max(1, availableHeight))
+    Accessible.ignored: true
     contentItem: Rectangle {
         radius: 3
         color: root.tint

@@ -8,8 +8,14 @@ ToolTip {
 
     delay: 700
     padding: 7
+    // A long text wraps.
+    contentWidth: Math.min(420, line.implicitWidth)
     contentItem: PlainText {
+        id: line
+
         text: root.text
+        wrapMode: Text.Wrap
+        maximumLineCount: 14
         color: TechTheme.text
         font.pixelSize: 11
     }

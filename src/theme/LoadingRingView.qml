@@ -13,12 +13,11 @@ Symbol {
     colorTo: TechTheme.bronze
     Component.onCompleted: isSpinning = true
 
-    // Moved by the render thread: the main thread has nothing to do for it.
-    RotationAnimator on rotation {
-        from: 0
-        to: 360
-        duration: 800
-        loops: Animation.Infinite
+    rotation: turning.angle
+
+    Turning {
+        id: turning
+
         running: root.isSpinning && root.visible && TechTheme.animated
     }
 }

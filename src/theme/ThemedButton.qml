@@ -14,6 +14,8 @@ AbstractButton {
     property int labelWeight: Font.DemiBold
     property int symbolSize: labelSize
     property real cornerRadius: 8
+    /// Of a question: shows that Return presses it, however the question came up.
+    property bool isDefault: false
 
     focusPolicy: Qt.TabFocus
     scale: down ? 0.985 : 1
@@ -34,7 +36,7 @@ AbstractButton {
 
     FocusRing {
         cornerRadius: root.cornerRadius
-        visible: root.visualFocus
+        visible: root.activeFocus && (TechTheme.keyboardLeads || root.isDefault)
     }
     HelpTip {
         text: root.help

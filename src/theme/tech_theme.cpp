@@ -33,4 +33,11 @@ void TechTheme::setAnimated(bool animated) {
     Q_EMIT animatedChanged();
 }
 
+void TechTheme::setKeyboardLeads(bool leads) {
+    if (m_keyboardLeads == leads)
+        return;
+    m_keyboardLeads = leads;
+    Q_EMIT keyboardLeadsChanged();
+}
+
 }  // namespace reelcrate

@@ -102,6 +102,9 @@ class TechTheme : public QObject {
 
     /// False where the desktop asks for reduced motion: nothing turns or slides then.
     Q_PROPERTY(bool animated READ animated WRITE setAnimated NOTIFY animatedChanged)
+    /// Whether the user goes about by keyboard, and so wants to see where it is.
+    Q_PROPERTY(
+        bool keyboardLeads READ keyboardLeads WRITE setKeyboardLeads NOTIFY keyboardLeadsChanged)
 
 public:
     explicit TechTheme(QObject* parent = nullptr) : QObject(parent) {}
@@ -183,13 +186,17 @@ public:
     Q_INVOKABLE static QColor black(double opacity) { return reelcrate::black(opacity); }
 
     bool animated() const { return m_animated; }
+    bool keyboardLeads() const { return m_keyboardLeads; }
     void setAnimated(bool animated);
+    void setKeyboardLeads(bool leads);
 
 Q_SIGNALS:
     void animatedChanged();
+    void keyboardLeadsChanged();
 
 private:
     bool m_animated = true;
+    bool m_keyboardLeads = false;
 };
 
 }  // namespace reelcrate

@@ -13,8 +13,6 @@ Surface {
     borderFrom: TechTheme.faded(TechTheme.gold, 0.46)
     shadowColor: TechTheme.faded(TechTheme.gold, 0.25)
     shadowRadius: 4
-    Accessible.role: Accessible.Indicator
-    Accessible.name: help
 
     LoadingRingView {
         anchors.centerIn: parent

@@ -12,6 +12,7 @@ ThemedButton {
     padding: 0
     cornerRadius: 18
     focusPolicy: Qt.NoFocus
+    Accessible.ignored: true
     symbol: systemName
     symbolSize: 15
     labelColor: enabled ? TechTheme.text : TechTheme.dimmed

@@ -16,8 +16,13 @@ FocusScope {
     readonly property real margin: Math.max(8, Math.min(24, (width - 704) / 2))
 
     function takeKeyboard() {
-        list.isReachedByPointer = true;
         list.forceActiveFocus(Qt.MouseFocusReason);
+    }
+    function showMenu() {
+        list.positionViewAtIndex(state.focusedIndex(), ListView.Contain);
+        const row = list.itemAtIndex(state.focusedIndex());
+        if (row)
+            menu.showByKeyboard(state.focusedItemID(), row);
     }
     function clickArea() {
         state.clickQueueArea();
@@ -82,9 +87,6 @@ FocusScope {
     ListView {
         id: list
 
-        // Its ring is for those who come by keyboard.
-        property bool isReachedByPointer: false
-
         /// Of the rows in sight, from the top.
         function shownItemIDs() {
             const ids = [];
@@ -119,23 +121,30 @@ FocusScope {
         ScrollBar.vertical: GlassScrollBar {
             tint: TechTheme.queueMuted
         }
-        Accessible.role: Accessible.List
-        Accessible.name: "Queue"
+        // Cards come and go; the outline tells of the rows.
+        Accessible.ignored: true
 
         // The arrow keys are the queue's own once the keyboard has come here.
         onActiveFocusChanged: {
             if (activeFocus)
                 root.state.clickQueueArea();
-            else
-                isReachedByPointer = false;
+        }
+        // Also of a queue that has been emptied and filled again meanwhile.
+        onCountChanged: {
+            if (activeFocus)
+                root.state.clickQueueArea();
         }
         Keys.onReturnPressed: root.state.actOnFocusedRow()
         Keys.onEnterPressed: root.state.actOnFocusedRow()
-        Keys.onMenuPressed: {
-            positionViewAtIndex(root.state.focusedIndex(), ListView.Contain);
-            const row = itemAtIndex(root.state.focusedIndex());
-            if (row)
-                menu.show(root.state.focusedItemID(), row, 40, 40);
+        Keys.onMenuPressed: root.showMenu()
+        Keys.onPressed: event => {
+            if (event.key === Qt.Key_F10 && event.modifiers === Qt.ShiftModifier) {
+                root.showMenu();
+                event.accepted = true;
+            } else {
+                const rowsInSight = Math.floor(height / (contentHeight / count));
+                event.accepted = root.state.pressQueueKey(event.key, event.modifiers, rowsInSight);
+            }
         }
 
         delegate: QueueRow {
@@ -159,11 +168,18 @@ FocusScope {
             onClicked: root.clickArea()
         }
     }
+    QueueOutline {
+        anchors.fill: list
+        state: root.state
+        view: list
+        hasKeyboard: list.activeFocus
+        Accessible.role: Accessible.List
+    }
     FocusRing {
         anchors.fill: list
         anchors.margins: 2
         cornerRadius: 8
-        visible: list.activeFocus && !list.isReachedByPointer
+        visible: list.activeFocus && TechTheme.keyboardLeads
     }
     // A reset of the model shows the first rows again, once the view has got to it.
     Connections {

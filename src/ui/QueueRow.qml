@@ -7,6 +7,7 @@ Item {
 
     required property string itemID
     required property string title
+    required property string wholeTitle
     required property string duration
     required property string sourceLabel
     required property string sourceSymbol
@@ -18,6 +19,7 @@ Item {
     required property string headline
     required property color headlineColor
     required property string subtitle
+    required property string wholeSubtitle
     required property color statusFrom
     required property color statusTo
     required property color statusShadow
@@ -32,7 +34,6 @@ Item {
     required property string actionSymbol
     required property string actionHelp
     required property bool actionEnabled
-    required property string accessibleName
 
     /// With Qt's keyboard modifiers of that moment.
     signal clicked(int modifiers)
@@ -48,11 +49,6 @@ Item {
     ListView.onReused: isPooled = false
 
     implicitHeight: 14 + line.height + (isRunning ? 10 + progressLine.height : 0) + 14
-    Accessible.role: Accessible.ListItem
-    Accessible.name: accessibleName
-    Accessible.selectable: true
-    Accessible.selected: isSelected
-    Accessible.onPressAction: clicked(Qt.NoModifier)
 
     QueueSurfaceModifier {
         anchors.fill: parent
@@ -100,6 +96,7 @@ Item {
             x: 72
             width: root.titleWidth
             title: root.title
+            wholeTitle: root.wholeTitle
             duration: root.duration
             sourceLabel: root.sourceLabel
             sourceSymbol: root.sourceSymbol
@@ -118,6 +115,7 @@ Item {
             headline: root.headline
             headlineColor: root.headlineColor
             subtitle: root.subtitle
+            wholeSubtitle: root.wholeSubtitle
             fillFrom: root.statusFrom
             fillTo: root.statusTo
             borderFrom: root.statusStroke

@@ -6,6 +6,7 @@ Column {
     id: root
 
     required property string title
+    required property string wholeTitle
     required property string duration
     required property string sourceLabel
     required property string sourceSymbol
@@ -43,10 +44,20 @@ Column {
         }
     }
     PlainText {
+        id: line
+
         objectName: "title"
         width: root.width
         text: root.title
         color: TechTheme.queueText
         font.weight: Font.DemiBold
+
+        HoverHandler {
+            id: pointer
+        }
+        HelpTip {
+            text: root.wholeTitle
+            visible: pointer.hovered && line.truncated
+        }
     }
 }

@@ -11,9 +11,12 @@ Surface {
     required property string headline
     required property color headlineColor
     required property string subtitle
+    /// What the subtitle may be the beginning of.
+    property string wholeSubtitle
 
     width: 280
-    height: Math.round(texts.height) + 20
+    // The same for one line and two: a card that changes its height moves all below it.
+    height: Math.round(firstLine.height + texts.spacing + secondLine.height) + 20
     radius: 10
     shadowRadius: 12
     shadowDown: 6
@@ -29,11 +32,13 @@ Surface {
         id: texts
 
         x: 36
-        y: 10
+        anchors.verticalCenter: parent.verticalCenter
         width: root.width - x - 14
         spacing: 2
 
         PlainText {
+            id: headline
+
             objectName: "headline"
             width: parent.width
             text: root.headline
@@ -44,6 +49,8 @@ Surface {
             minimumPixelSize: Math.ceil(TechTheme.title3 * 0.58)
         }
         PlainText {
+            id: subtitle
+
             objectName: "subtitle"
             width: parent.width
             visible: text !== ""
@@ -55,14 +62,41 @@ Surface {
             minimumPixelSize: Math.ceil(TechTheme.caption * 0.75)
         }
     }
-    // The light that falls on the upper edge.
-    Surface {
+    FontMetrics {
+        id: firstLine
+
+        font.pixelSize: TechTheme.title3
+        font.weight: Font.ExtraBold
+    }
+    FontMetrics {
+        id: secondLine
+
+        font.pixelSize: TechTheme.caption
+        font.weight: Font.Bold
+    }
+    // The light that falls on the upper edge: the upper part of a shape with the window's corners.
+    Item {
         x: 1
+        y: 1
         width: root.width - 2
         height: 10
-        radius: 9
-        vertical: true
-        fillFrom: TechTheme.white(0.48)
-        fillTo: TechTheme.white(0)
+        clip: true
+
+        Surface {
+            width: parent.width
+            height: 2 * parent.height
+            radius: root.radius - 1
+            vertical: true
+            fillFrom: TechTheme.white(0.48)
+            fillMiddle: TechTheme.white(0)
+            fillTo: TechTheme.white(0)
+        }
+    }
+    HoverHandler {
+        id: pointer
+    }
+    HelpTip {
+        text: subtitle.truncated ? root.wholeSubtitle || root.subtitle : root.headline
+        visible: pointer.hovered && (headline.truncated || subtitle.truncated)
     }
 }

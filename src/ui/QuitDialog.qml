@@ -62,6 +62,7 @@ Dialog {
                 objectName: "keepDownloading"
                 text: "Keep Downloading"
                 focus: true
+                isDefault: true
                 onClicked: root.close()
             }
         }

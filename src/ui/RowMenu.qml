@@ -9,15 +9,24 @@ Menu {
 
     required property WindowState state
     property string itemID
-    property bool deletesSelection: false
+    property bool takesSelection: false
+    property string error
+    property bool hasOthersInNeed: false
 
     function show(row, item, x, y) {
         itemID = row;
-        deletesSelection = state.deletesSelection(row);
+        takesSelection = state.takesSelection(row);
+        error = state.errorOf(row);
+        hasOthersInNeed = state.linksInNeed() !== "";
         popup(item, x, y);
     }
+    /// With the first entry that can be chosen highlighted.
+    function showByKeyboard(row, item) {
+        show(row, item, 40, 40);
+        currentIndex = remove.enabled ? 0 : error !== "" ? 1 : 2;
+    }
 
-    implicitWidth: 220
+    implicitWidth: 260
     padding: 5
     background: Surface {
         radius: 9
@@ -29,29 +38,33 @@ Menu {
         shadowDown: 6
     }
 
-    MenuItem {
+    RowMenuItem {
         id: remove
 
         objectName: "deleteFromRow"
-        text: root.deletesSelection ? "Delete Selected Songs" : "Delete Song"
+        text: root.takesSelection ? "Delete Selected Songs" : "Delete Song"
+        symbol: "trash"
         enabled: root.state.controls.canDelete
-        implicitHeight: 30
-        padding: 0
-        Accessible.name: text
-        onTriggered: root.state.deleteFromRow(root.itemID, root.deletesSelection)
-
-        contentItem: ButtonLabel {
-            text: remove.text
-            symbol: "trash"
-            symbolSize: 13
-            color: remove.enabled ? TechTheme.queueText : TechTheme.queueMuted
-            size: 13
-            weight: Font.Medium
-            opacity: remove.enabled ? 1 : 0.6
-        }
-        background: Rectangle {
-            radius: 6
-            color: TechTheme.faded(TechTheme.gold, remove.highlighted ? 0.35 : 0)
-        }
+        onTriggered: root.state.deleteFromRow(root.itemID, root.takesSelection)
+    }
+    RowMenuItem {
+        objectName: "copyError"
+        text: "Copy Error"
+        symbol: "exclamationmark.triangle.fill"
+        visible: root.error !== ""
+        onTriggered: root.state.copyText(root.error)
+    }
+    RowMenuItem {
+        objectName: "copyLinks"
+        text: root.takesSelection ? "Copy Links" : "Copy Link"
+        symbol: "link"
+        onTriggered: root.state.copyText(root.state.linksOf(root.itemID, root.takesSelection))
+    }
+    RowMenuItem {
+        objectName: "copyLinksInNeed"
+        text: "Copy Links That Need Attention"
+        symbol: "link"
+        visible: root.hasOthersInNeed
+        onTriggered: root.state.copyText(root.state.linksInNeed())
     }
 }

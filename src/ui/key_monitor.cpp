@@ -7,6 +7,9 @@
 #include <QQuickItem>
 #include <QQuickWindow>
 
+#include <algorithm>
+#include <array>
+
 namespace reelcrate {
 
 namespace {
@@ -28,6 +31,15 @@ std::optional<quint16> codeOf(int key) {
         default:
             return std::nullopt;
     }
+}
+
+/// Whether the key is one of those by which the keyboard gets from place to place.
+bool goesAbout(const QKeyEvent& event) {
+    if (event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier))
+        return false;
+    constexpr std::array keys{Qt::Key_Tab,    Qt::Key_Backtab,  Qt::Key_Up,   Qt::Key_Down,
+                              Qt::Key_PageUp, Qt::Key_PageDown, Qt::Key_Home, Qt::Key_End};
+    return std::find(keys.begin(), keys.end(), event.key()) != keys.end();
 }
 
 }  // namespace
@@ -54,6 +66,28 @@ KeyEvent queueKey(const QKeyEvent& event) {
     return key;
 }
 
+std::optional<Qt::Key> latinShortcutKey(const QKeyEvent& event) {
+    constexpr int lastLatin = 0xff;
+    const bool hasOtherLetter = event.key() > lastLatin && event.key() < Qt::Key_Escape;
+    if (!event.modifiers().testFlag(Qt::ControlModifier) || !hasOtherLetter)
+        return std::nullopt;
+    // The numbers that both display systems of this platform have for places on the keyboard.
+    switch (event.nativeScanCode()) {
+        case 38:
+            return Qt::Key_A;
+        case 52:
+            return Qt::Key_Z;
+        case 53:
+            return Qt::Key_X;
+        case 54:
+            return Qt::Key_C;
+        case 55:
+            return Qt::Key_V;
+        default:
+            return std::nullopt;
+    }
+}
+
 KeyMonitor::KeyMonitor(ContentView& view, const TextEditing& textEditing, QQuickWindow& window)
     : m_view(view), m_textEditing(textEditing), m_window(window) {
     QCoreApplication::instance()->installEventFilter(this);
@@ -65,9 +99,26 @@ bool KeyMonitor::popupIsOpen() const {
 
 bool KeyMonitor::eventFilter(QObject* receiver, QEvent* event) {
     // The application sees a key again for every item that it is offered to after the window.
-    if (receiver != &m_window || event->type() != QEvent::KeyPress || popupIsOpen())
+    if (receiver != &m_window)
         return false;
-    return handle(*static_cast<QKeyEvent*>(event));
+    if (event->type() == QEvent::MouseButtonPress)
+        Q_EMIT keyboardLeads(false);
+    if (event->type() != QEvent::KeyPress)
+        return false;
+    const auto& key = *static_cast<QKeyEvent*>(event);
+    if (goesAbout(key))
+        Q_EMIT keyboardLeads(true);
+    return sendAsLatin(key) || (!popupIsOpen() && handle(key));
+}
+
+/// The toolkit knows its shortcuts by their Latin letters only.
+bool KeyMonitor::sendAsLatin(const QKeyEvent& event) {
+    const std::optional<Qt::Key> key = latinShortcutKey(event);
+    if (!key)
+        return false;
+    QKeyEvent latin(event.type(), *key, event.modifiers(), event.text(), event.isAutoRepeat());
+    QCoreApplication::sendEvent(&m_window, &latin);
+    return true;
 }
 
 bool KeyMonitor::handle(const QKeyEvent& event) {

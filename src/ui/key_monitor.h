@@ -5,6 +5,8 @@
 #include <QObject>
 #include <QPointer>
 
+#include <optional>
+
 class QKeyEvent;
 class QQuickItem;
 class QQuickWindow;
@@ -29,6 +31,10 @@ private:
 /// The key as the queue knows it; on this platform Control stands for command.
 KeyEvent queueKey(const QKeyEvent& event);
 
+/// The letter of a shortcut on a keyboard that has no Latin letters, by the key's place; absent for
+/// other keys, and for those that have one.
+std::optional<Qt::Key> latinShortcutKey(const QKeyEvent& event);
+
 /// Listens from its making to its end.
 class KeyMonitor : public QObject {
     Q_OBJECT
@@ -41,9 +47,12 @@ public:
 Q_SIGNALS:
     /// An arrow key moved the selection's focus.
     void focusMoved();
+    /// Whether the user has last gone about by keyboard; a press of the pointer ends it.
+    void keyboardLeads(bool leads);
 
 private:
     bool handle(const QKeyEvent& event);
+    bool sendAsLatin(const QKeyEvent& event);
     bool popupIsOpen() const;
 
     ContentView& m_view;

@@ -22,22 +22,27 @@ const QList<int> actionRoles{Model::ActionIsBusy, Model::ActionSymbol, Model::Ac
                              Model::ActionEnabled};
 const QList<int> selectionRoles{Model::IsSelected, Model::AccentColor};
 const QList<int> stateRoles =
-    QList<int>{Model::StatusLabel,   Model::StatusLabelColor, Model::StatusIcon,  Model::Headline,
-               Model::HeadlineColor, Model::Subtitle,         Model::StatusFrom,  Model::StatusTo,
-               Model::StatusShadow,  Model::StatusStroke,     Model::AccentColor, Model::IsRaised,
-               Model::IsRunning,     Model::AccessibleName} +
+    QList<int>{Model::StatusLabel,  Model::StatusLabelColor, Model::StatusIcon,
+               Model::Headline,     Model::HeadlineColor,    Model::Subtitle,
+               Model::StatusFrom,   Model::StatusTo,         Model::StatusShadow,
+               Model::StatusStroke, Model::AccentColor,      Model::IsRaised,
+               Model::IsRunning,    Model::AccessibleName,   Model::AccessibleDescription,
+               Model::WholeSubtitle} +
     actionRoles;
 
 /// What of a row's look follows from a field of its record.
 const std::array<std::pair<QueueStore::Field, QList<int>>, 9> rolesOfFields{{
-    {QueueStore::Url, {Model::Title, Model::Subtitle, Model::AccessibleName}},
+    {QueueStore::Url, {Model::Title, Model::WholeTitle, Model::Subtitle, Model::AccessibleName}},
     {QueueStore::Source,
      {Model::SourceLabel, Model::SourceSymbol, Model::SourceTint, Model::Subtitle,
       Model::AccessibleName}},
     {QueueStore::Status, stateRoles},
-    {QueueStore::Detail,
-     QList<int>{Model::Headline, Model::Subtitle, Model::AccessibleName} + actionRoles},
-    {QueueStore::Title, QList<int>{Model::Title, Model::AccessibleName} + actionRoles},
+    {QueueStore::Detail, QList<int>{Model::Headline, Model::Subtitle, Model::WholeSubtitle,
+                                    Model::AccessibleName, Model::AccessibleDescription} +
+                             actionRoles},
+    {QueueStore::Title, QList<int>{Model::Title, Model::WholeTitle, Model::AccessibleName,
+                                   Model::AccessibleDescription} +
+                            actionRoles},
     {QueueStore::Duration, {Model::Duration}},
     {QueueStore::ThumbnailURL, {Model::Thumbnail}},
     {QueueStore::IsResolvingInfo, stateRoles},
@@ -115,6 +120,12 @@ QVariant QueueListModel::data(const QModelIndex& index, int role) const {
             return isSelected(item);
         case AccessibleName:
             return rowAccessibleName(item);
+        case AccessibleDescription:
+            return rowAccessibleDescription(item);
+        case WholeTitle:
+            return queueRowWholeTitle(item);
+        case WholeSubtitle:
+            return shortened(queueRowError(item), longestReadText);
         default:
             break;
     }

@@ -51,6 +51,9 @@ public:
         ActionHelp,
         ActionEnabled,
         AccessibleName,
+        AccessibleDescription,
+        WholeTitle,
+        WholeSubtitle,
     };
     Q_ENUM(Role)
 
@@ -61,6 +64,7 @@ public:
     QHash<int, QByteArray> roleNames() const override;
 
     bool isActionEnabled(RowAction action) const;
+    const QUuid& idAt(int index) const { return m_ids.at(index); }
 
     /// Where the first of these rows is that there still is; -1 when there is none.
     Q_INVOKABLE int firstOf(const QStringList& itemIDs) const;

@@ -1,9 +1,13 @@
 #include "ui/reelcrate_app.h"
 
 #include "theme/tech_theme.h"
+#include "ui/accessible_button.h"
+#include "ui/queue_outline.h"
+#include "ui/renderer.h"
 #include "ui/thumbnail_provider.h"
 #include "ui/window_sizing.h"
 
+#include <QAccessible>
 #include <QClipboard>
 #include <QFontDatabase>
 #include <QGuiApplication>
@@ -35,6 +39,9 @@ void registerTypes() {
     // A static library's registrations run only where they are named.
     qml_register_types_Reelcrate();
     qml_register_types_Reelcrate_Theme();
+    chooseRenderer();
+    QAccessible::installFactory(accessibleButton);
+    QAccessible::installFactory(accessibleQueue);
     QQuickStyle::setStyle(QStringLiteral("Basic"));
     useTypeface();
 }
@@ -162,6 +169,9 @@ void ReelcrateApp::installDeleteKeyMonitor() {
     m_deleteKeyMonitor = std::make_unique<KeyMonitor>(*m_view, m_textEditing, *m_window);
     connect(m_deleteKeyMonitor.get(), &KeyMonitor::focusMoved, m_state.get(),
             &WindowState::focusMoved);
+    TechTheme* shown = theme(*m_engine);
+    connect(m_deleteKeyMonitor.get(), &KeyMonitor::keyboardLeads, shown,
+            &TechTheme::setKeyboardLeads);
 }
 
 void ReelcrateApp::showRunProgress() {

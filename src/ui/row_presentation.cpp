@@ -148,17 +148,35 @@ bool breaksLine(QChar c) {
 
 }  // namespace
 
+QString shortened(const QString& text, qsizetype most) {
+    if (text.size() <= most)
+        return text;
+    qsizetype end = most;
+    if (text.at(end - 1).isHighSurrogate())
+        --end;
+    return text.first(end) + QChar(u'\u2026');
+}
+
 QString queueRowTitle(const DownloadItem& item) {
-    QString title = item.title.isEmpty() ? item.url : item.title;
+    // A page's whole source may have been taken for a link.
+    QString title = shortened(item.title.isEmpty() ? item.url : item.title, longestShownText);
     std::replace_if(title.begin(), title.end(), breaksLine, QChar(u' '));
     return title;
+}
+
+QString queueRowWholeTitle(const DownloadItem& item) {
+    return shortened(item.title.isEmpty() ? item.url : item.title, longestReadText);
+}
+
+QString queueRowError(const DownloadItem& item) {
+    return item.status == QueueStatus::failed ? item.detail.trimmed() : QString();
 }
 
 QString queueStatusHeadline(const DownloadItem& item) {
     if (item.isResolvingInfo)
         return QStringLiteral("Reading Link");
     if (item.status == QueueStatus::running && !item.detail.isEmpty())
-        return item.detail;
+        return shortened(item.detail, longestShownText);
     if (item.status == QueueStatus::complete)
         return completeHeadline(item);
     return lookOf(item.status).headline;
@@ -170,7 +188,7 @@ QColor queueDetailColor(const DownloadItem& item) {
 }
 
 std::optional<QString> queueStatusSubtitle(const DownloadItem& item) {
-    const QString detail = item.detail.trimmed();
+    const QString detail = shortened(item.detail.trimmed(), longestShownText);
     // What has ended says how, even while its link is read once more.
     if (item.status == QueueStatus::failed)
         return detail.isEmpty() ? std::nullopt : std::optional(detail);
@@ -277,6 +295,16 @@ QString rowAccessibleName(const DownloadItem& item) {
     if (item.status == QueueStatus::running)
         parts.append(progressPercentage(item.progress));
     return parts.join(QStringLiteral(", "));
+}
+
+QString rowAccessibleDescription(const DownloadItem& item) {
+    QStringList parts;
+    const QString& whole = item.title.isEmpty() ? item.url : item.title;
+    if (whole.size() > longestShownText)
+        parts.append(queueRowWholeTitle(item));
+    if (const QString error = queueRowError(item); !error.isEmpty())
+        parts.append(shortened(error, longestReadText));
+    return parts.join(u'\n');
 }
 
 }  // namespace reelcrate

@@ -12,8 +12,21 @@
 /// thread.
 namespace reelcrate {
 
+/// What a row shows is cut to so many UTF-16 units before it is laid out, which takes long for long
+/// texts; what is read at leisure, to so many more.
+constexpr qsizetype longestShownText = 300;
+constexpr qsizetype longestReadText = 2000;
+
+/// The text, or its beginning with an ellipsis.
+QString shortened(const QString& text, qsizetype most);
+
 /// The row's title, or its link while it has none; always one line.
 QString queueRowTitle(const DownloadItem& item);
+/// The same, to be read at leisure.
+QString queueRowWholeTitle(const DownloadItem& item);
+
+/// Why the row needs attention, whole; empty when it does not.
+QString queueRowError(const DownloadItem& item);
 
 /// The status window's first line.
 QString queueStatusHeadline(const DownloadItem& item);
@@ -73,5 +86,7 @@ bool rowIsRaised(const DownloadItem& item);
 
 /// The row as a screen reader says it.
 QString rowAccessibleName(const DownloadItem& item);
+/// What has no place in the name: all of a title that is cut, and the whole error.
+QString rowAccessibleDescription(const DownloadItem& item);
 
 }  // namespace reelcrate

@@ -2,6 +2,10 @@
 
 #include "app/content_view.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
+
+#include <algorithm>
 #include <cmath>
 
 namespace reelcrate {
@@ -200,7 +204,7 @@ void WindowState::actOnRow(const QString& itemID) {
     }
 }
 
-bool WindowState::deletesSelection(const QString& itemID) const {
+bool WindowState::takesSelection(const QString& itemID) const {
     return m_view.selectedQueueItemIDs().contains(QUuid(itemID)) &&
            m_view.selectedVisibleQueueItemCount() > 1;
 }
@@ -223,9 +227,78 @@ QString WindowState::focusedItemID() const {
 }
 
 void WindowState::actOnFocusedRow() {
-    const QString focused = focusedItemID();
-    if (m_view.selectedQueueItemIDs() == QSet<QUuid>{QUuid(focused)})
-        actOnRow(focused);
+    QList<DownloadItem> selected;
+    for (const DownloadItem& row : m_view.queue().rows()) {
+        if (m_view.selectedQueueItemIDs().contains(row.id))
+            selected.append(row);
+    }
+    if (selected.size() == 1)
+        actOnRow(idText(selected.first().id));
+    if (selected.size() < 2 || !m_rows.isActionEnabled(RowAction::download))
+        return;
+    QList<QUuid> ready;
+    for (const DownloadItem& row : selected) {
+        if (row.status == QueueStatus::waiting && ContentView::isDownloadable(row))
+            ready.append(row.id);
+    }
+    m_view.startDownloadRun(ready);
+}
+
+bool WindowState::pressQueueKey(int key, int modifiers, int rowsInSight) {
+    const bool extending = (modifiers & Qt::ShiftModifier) != 0;
+    const int all = static_cast<int>(m_view.queue().size());
+    const int page = std::max(1, rowsInSight - 1);
+    int step = 0;
+    switch (key) {
+        case Qt::Key_PageUp:
+            step = -page;
+            break;
+        case Qt::Key_PageDown:
+            step = page;
+            break;
+        case Qt::Key_Home:
+            step = -all;
+            break;
+        case Qt::Key_End:
+            step = all;
+            break;
+        case Qt::Key_Space:
+            clickRow(focusedItemID(), Qt::ControlModifier);
+            return true;
+        default:
+            return false;
+    }
+    if (m_view.moveQueueSelection(step, extending))
+        Q_EMIT focusMoved();
+    return true;
+}
+
+QString WindowState::errorOf(const QString& itemID) const {
+    const DownloadItem* row = m_view.queue().find(QUuid(itemID));
+    return row ? queueRowError(*row) : QString();
+}
+
+QString WindowState::linksWhere(const std::function<bool(const DownloadItem&)>& isMeant) const {
+    QStringList links;
+    for (const DownloadItem& row : m_view.queue().rows()) {
+        if (isMeant(row))
+            links.append(row.url);
+    }
+    links.removeDuplicates();  // several songs of one page
+    return links.join(u'\n');
+}
+
+QString WindowState::linksOf(const QString& itemID, bool allSelected) const {
+    const QSet<QUuid> ids = allSelected ? m_view.selectedQueueItemIDs() : QSet{QUuid(itemID)};
+    return linksWhere([&ids](const DownloadItem& row) { return ids.contains(row.id); });
+}
+
+QString WindowState::linksInNeed() const {
+    return linksWhere([](const DownloadItem& row) { return row.status == QueueStatus::failed; });
+}
+
+void WindowState::copyText(const QString& text) const {
+    QGuiApplication::clipboard()->setText(text);
 }
 
 int WindowState::unfinishedCount() const {

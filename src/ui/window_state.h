@@ -12,6 +12,8 @@
 #include <QUrl>
 #include <QtQml/qqmlregistration.h>
 
+#include <functional>
+
 /// The controller as the window's QML sees it: state as properties, one operation per control.
 /// What the controls show follows a change in the next turn of the event loop, once for all changes
 /// of a turn. Main thread. The controller outlives it.
@@ -75,14 +77,25 @@ public:
     /// `modifiers` are Qt's keyboard modifiers.
     Q_INVOKABLE void clickRow(const QString& itemID, int modifiers);
     Q_INVOKABLE void actOnRow(const QString& itemID);
-    /// Whether the row's menu offers to delete all selected rows and not this one.
-    Q_INVOKABLE bool deletesSelection(const QString& itemID) const;
+    /// Whether the row's menu is about all selected rows and not this one.
+    Q_INVOKABLE bool takesSelection(const QString& itemID) const;
     Q_INVOKABLE void deleteFromRow(const QString& itemID, bool allSelected);
     /// The row that the keyboard is at; -1 and empty text for none.
     Q_INVOKABLE int focusedIndex() const;
     Q_INVOKABLE QString focusedItemID() const;
-    /// Does what that row's button does, where it alone is selected.
+    /// Does what the selected row's button does; of several, downloads those that are ready.
     Q_INVOKABLE void actOnFocusedRow();
+    /// Whether the key, with Qt's modifiers, is one by which the queue is gone about in larger
+    /// steps, or a row is chosen; `rowsInSight` is a page.
+    Q_INVOKABLE bool pressQueueKey(int key, int modifiers, int rowsInSight);
+
+    /// Why the row needs attention; empty when it does not.
+    Q_INVOKABLE QString errorOf(const QString& itemID) const;
+    /// The row's link, or those of all selected rows, one a line, each once.
+    Q_INVOKABLE QString linksOf(const QString& itemID, bool allSelected) const;
+    /// The links of all rows that need attention.
+    Q_INVOKABLE QString linksInNeed() const;
+    Q_INVOKABLE void copyText(const QString& text) const;
 
     /// Rows that are being downloaded or wait for a slot.
     Q_INVOKABLE int unfinishedCount() const;
@@ -103,6 +116,7 @@ Q_SIGNALS:
     void quitRequested();
 
 private:
+    QString linksWhere(const std::function<bool(const DownloadItem&)>& isMeant) const;
     void followQueue();
     void refreshControls();
     void refreshTitle();

@@ -177,7 +177,19 @@ TEST_F(QueueEditorTest, DeletionKeepsTheRestAndWaitsForRuns) {
     EXPECT_TRUE(press(KeyEvent::backspace));
     EXPECT_EQ(removals.size(), 1);
     EXPECT_EQ(summary, QStringLiteral("Ready"));
-    EXPECT_EQ(editor.selection(), QueueSelection());
+    expectSelection({}, 0, 0);
+    EXPECT_TRUE(editor.selection().keyboardScopeActive) << "for the rows that come next";
+}
+
+TEST_F(QueueEditorTest, DeletionLeavesAnchorAndFocusAtRowsThatAreThere) {
+    for (int gone = 2; gone <= 8; ++gone)
+        click(gone, command);
+    click(9, command);
+    click(1, command);
+    store.remove(rows({2, 3, 4, 5, 6, 7, 8}));  // to be read, they made way for others
+    EXPECT_TRUE(editor.deleteQueueItems(rows({1})));
+    EXPECT_EQ(numberOf(editor.selection().anchor), 9);
+    EXPECT_EQ(numberOf(editor.selection().focus), 9);
 }
 
 }  // namespace

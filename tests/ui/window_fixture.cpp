@@ -107,6 +107,24 @@ QQuickItem* WindowTest::inRow(int index, const char* objectName) const {
     return found;
 }
 
+QAccessibleInterface* WindowTest::accessibleRow(int index) const {
+    QAccessibleInterface* list = nullptr;
+    const QAccessibleInterface* window = QAccessible::queryAccessibleInterface(app->window());
+    for (int i = 0; i < window->childCount(); ++i) {
+        if (window->child(i)->role() == QAccessible::List)
+            list = window->child(i);
+    }
+    EXPECT_TRUE(list);
+    return list ? list->child(index) : nullptr;
+}
+
+QStringList WindowTest::rowNames() const {
+    QStringList names;
+    for (int i = 0; const QAccessibleInterface* each = accessibleRow(i); ++i)
+        names.append(each->text(QAccessible::Name));
+    return names;
+}
+
 void WindowTest::click(const QQuickItem* item, Qt::MouseButton button,
                        Qt::KeyboardModifiers modifiers) {
     const QPointF middle = item->mapToScene({item->width() / 2, item->height() / 2});

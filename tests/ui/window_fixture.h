@@ -4,6 +4,7 @@
 #include "support/printers.h"
 #include "ui/reelcrate_app.h"
 
+#include <QAccessible>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QTest>
@@ -35,6 +36,11 @@ protected:
     bool isShown(const char* objectName) const { return item(objectName)->isVisible(); }
     ContentView& view() const { return app->view(); }
     const DownloadItem& record(qsizetype index) const { return view().queue().rows().at(index); }
+
+    // What assistive technology is told.
+
+    QAccessibleInterface* accessibleRow(int index) const;
+    QStringList rowNames() const;
 
     // What a user does.
 

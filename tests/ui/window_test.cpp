@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QGuiApplication>
+#include <QQmlEngine>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTextDocument>
@@ -162,12 +163,116 @@ TEST_F(WindowTest, TheKeyboardReachesEveryControlAndTheRows) {
     item("clearQueue")->forceActiveFocus(Qt::TabFocusReason);
     clickRow(1);
     press(Qt::Key_A, Qt::ControlModifier);
-    press(Qt::Key_Return);
-    EXPECT_EQ(view().activeDownloadRuns(), 0) << "which of them?";
     press(Qt::Key_Up);
     press(Qt::Key_Return);
     EXPECT_EQ(record(0).status, QueueStatus::running);
     EXPECT_EQ(record(1).status, QueueStatus::waiting);
+    press(Qt::Key_A, Qt::ControlModifier);
+    press(Qt::Key_Return);
+    EXPECT_EQ(record(1).status, QueueStatus::running) << "the ready one among them";
+    machine.tell(QStringLiteral("go"));
+    EXPECT_TRUE(waitForEnd());
+}
+
+TEST_F(WindowTest, TheKeyboardGoesThroughTheQueueInSteps) {
+    open();
+    addReadRows(links("song", 40));
+    clickRow(0);
+    press(Qt::Key_End);
+    EXPECT_THAT(selectedRows(), ElementsAre(39));
+    EXPECT_TRUE(row(39)->isVisible());
+    press(Qt::Key_PageUp);
+    EXPECT_THAT(selectedRows(), ElementsAre(testing::AllOf(testing::Gt(20), testing::Lt(39))));
+    press(Qt::Key_Home);
+    EXPECT_THAT(selectedRows(), ElementsAre(0));
+    press(Qt::Key_Space);
+    EXPECT_THAT(selectedRows(), ElementsAre());
+    press(Qt::Key_Space);
+    press(Qt::Key_F10, Qt::ShiftModifier);
+    EXPECT_TRUE(item("deleteFromRow")->property("highlighted").toBool());
+    press(Qt::Key_Return);
+    EXPECT_EQ(view().queue().size(), 39);
+}
+
+TEST_F(WindowTest, KeysStayTheQueuesThroughEmptyAndFull) {
+    open();
+    addReadRows(links("song", 3));
+    clickRow(0);
+    for (const bool byKey : {true, false}) {
+        if (byKey) {
+            press(Qt::Key_A, Qt::ControlModifier);
+            press(Qt::Key_Delete);
+        } else {
+            click("clearQueue");
+        }
+        EXPECT_EQ(view().queue().size(), 0);
+        addReadRows(links("song", 3));
+        press(Qt::Key_Down);
+        EXPECT_THAT(selectedRows(), ElementsAre(0));
+    }
+}
+
+TEST_F(WindowTest, OnlyTheKeyboardsWaysShowWhereItIs) {
+    open();
+    addReadRows(links("song", 3));
+    const auto* theme =
+        qmlEngine(app->window())
+            ->singletonInstance<TechTheme*>(qmlTypeId("Reelcrate.Theme", 1, 0, "TechTheme"));
+    clickRow(0);
+    EXPECT_FALSE(theme->keyboardLeads());
+    click(inRow(0, "title"), Qt::RightButton);
+    press(Qt::Key_Escape);
+    EXPECT_TRUE(item("queueList")->hasActiveFocus());
+    EXPECT_FALSE(theme->keyboardLeads());
+    press(Qt::Key_Down);
+    press(Qt::Key_Escape);
+    EXPECT_TRUE(theme->keyboardLeads());
+    clickRow(1);
+    EXPECT_FALSE(theme->keyboardLeads());
+}
+
+TEST_F(WindowTest, ShortcutsWorkWithoutLatinLetters) {
+    open();
+    addReadRows(links("song", 3));
+    clickRow(0);
+    constexpr quint32 placeOfA = 38;
+    constexpr int cyrillicEf = 0x424;
+    QKeyEvent key(QEvent::KeyPress, cyrillicEf, Qt::ControlModifier, placeOfA, 0, 0);
+    QCoreApplication::sendEvent(app->window(), &key);
+    EXPECT_THAT(selectedRows(), ElementsAre(0, 1, 2));
+}
+
+TEST_F(WindowTest, ARowsErrorAndLinksCanBeCopied) {
+    open();
+    addReadRows({link("broken", QStringLiteral("a")), link("song", QStringLiteral("b"))});
+    view().startDownloadRun({record(0).id});
+    EXPECT_TRUE(waitForEnd());
+    const auto choose = [this](const char* entry) {
+        click(inRow(0, "title"), Qt::RightButton);
+        click(entry);
+        return QGuiApplication::clipboard()->text();
+    };
+    EXPECT_EQ(choose("copyError"), record(0).detail);
+    EXPECT_EQ(choose("copyLinks"), record(0).url);
+    clickRow(0);
+    press(Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(choose("copyLinks"), record(0).url + u'\n' + record(1).url);
+    EXPECT_EQ(choose("copyLinksInNeed"), record(0).url);
+}
+
+TEST_F(WindowTest, ARunningRowsCardKeepsItsHeight) {
+    open();
+    addReadRows(links("hold", 1));
+    click("downloadAll");
+    const double height = row(0)->height();
+    EXPECT_GT(height, 80);
+    for (const char* detail : {"Downloading Song", "Something of its own", ""}) {
+        const_cast<QueueStore&>(view().queue()).update(record(0).id, [&](DownloadItem& row) {
+            row.detail = QString::fromLatin1(detail);
+        });
+        settle();
+        EXPECT_EQ(row(0)->height(), height) << detail;
+    }
     machine.tell(QStringLiteral("go"));
     EXPECT_TRUE(waitForEnd());
 }
@@ -386,9 +491,39 @@ TEST_F(WindowTest, EveryControlHasARoleAndAName) {
     };
     look(QAccessible::queryAccessibleInterface(app->window()));
     EXPECT_GE(seen, 17);
-    const QAccessibleInterface* first = QAccessible::queryAccessibleInterface(row(0));
-    EXPECT_EQ(first->text(QAccessible::Name),
-              QStringLiteral("song1, Ready to Download, Click gold arrow to download"));
+    EXPECT_THAT(
+        rowNames(),
+        ElementsAre(QStringLiteral("song1, Ready to Download, Click gold arrow to download"),
+                    QStringLiteral("song2, Ready to Download, Click gold arrow to download")));
+}
+
+TEST_F(WindowTest, AssistiveTechnologySeesTheRowsAndPressesWhatIsEnabled) {
+    open();
+    addReadRows(links("song", 60));
+    clickRow(0);
+    press(Qt::Key_End);
+    clickRow(58, Qt::ShiftModifier);
+    press(Qt::Key_Delete);
+    press(Qt::Key_Home);
+    addReadRows({link("song", QStringLiteral("again"))});
+    QStringList expected;
+    for (const DownloadItem& each : view().queue().rows())
+        expected.append(rowAccessibleName(each));
+    EXPECT_EQ(rowNames(), expected);
+    EXPECT_TRUE(accessibleRow(0)->state().focused && accessibleRow(0)->state().selected);
+
+    const auto pressed = [this](const char* name) {
+        auto* accessible = QAccessible::queryAccessibleInterface(item(name));
+        accessible->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+        settle();
+        return accessible->state();
+    };
+    EXPECT_TRUE(pressed("modeMP4").checked);
+    EXPECT_EQ(view().downloadMode(), DownloadMode::video);
+    EXPECT_TRUE(pressed("logDisclosure").expanded);
+    EXPECT_TRUE(pressed("clearQueue").disabled);
+    EXPECT_EQ(view().queue().size(), 0);
+    EXPECT_THAT(rowNames(), ElementsAre());
 }
 
 TEST_F(WindowTest, TenThousandRowsComeGoAndFollowTheKeyboard) {
