@@ -88,7 +88,7 @@ void intake(benchmark::State& state, const char* linkFormat) {
     std::unique_ptr<ContentView> view;
     compare(
         state, [&] { view = std::make_unique<ContentView>(*theSupervisor, ContentViewSetup()); },
-        [&] { view->addLinksToQueue(ContentView::extractLinks(text)); },
+        [&] { view->addLinksToQueue(extractLinks(text)); },
         [&] {
             const QRegularExpression pattern(QStringLiteral("https?://[^\\s]+"));
             for (auto match = pattern.globalMatch(text); match.hasNext();)

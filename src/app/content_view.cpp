@@ -208,6 +208,10 @@ void ContentView::updateQueueSelection(const QUuid& id, KeyModifiers modifiers) 
     m_editor.updateQueueSelection(id, modifiers);
 }
 
+bool ContentView::moveQueueSelection(int direction, bool extending) {
+    return m_editor.moveQueueSelection(direction, extending);
+}
+
 bool ContentView::selectAllQueueItemsFromUserAction() {
     return m_editor.selectAllQueueItemsFromUserAction();
 }

@@ -133,6 +133,7 @@ public:
     // Selection and deletion; see QueueEditor
 
     void updateQueueSelection(const QUuid& id, KeyModifiers modifiers);
+    bool moveQueueSelection(int direction, bool extending);
     bool selectAllQueueItemsFromUserAction();
     bool clearQueueSelectionFromUserAction();
     bool deleteQueueItems(const QSet<QUuid>& ids);
