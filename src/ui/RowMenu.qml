@@ -3,17 +3,19 @@ import QtQuick.Controls.Basic
 import Reelcrate
 import Reelcrate.Theme
 
-/// What can be done to a row, or to all selected rows when it is one of several.
+/// What can be done to a row, or to all selected rows when it is one of several; and to the queue.
 Menu {
     id: root
 
     required property WindowState state
     property string itemID
     property bool deletesSelection: false
+    property bool canSavePlaylist: false
 
     function show(row, item, x, y) {
         itemID = row;
         deletesSelection = state.deletesSelection(row);
+        canSavePlaylist = state.canSavePlaylist();
         popup(item, x, y);
     }
 
@@ -29,29 +31,43 @@ Menu {
         shadowDown: 6
     }
 
-    MenuItem {
-        id: remove
+    component Entry: MenuItem {
+        id: entry
 
-        objectName: "deleteFromRow"
-        text: root.deletesSelection ? "Delete Selected Songs" : "Delete Song"
-        enabled: root.state.controls.canDelete
+        required property string symbol
+
         implicitHeight: 30
         padding: 0
         Accessible.name: text
-        onTriggered: root.state.deleteFromRow(root.itemID, root.deletesSelection)
 
         contentItem: ButtonLabel {
-            text: remove.text
-            symbol: "trash"
+            text: entry.text
+            symbol: entry.symbol
             symbolSize: 13
-            color: remove.enabled ? TechTheme.queueText : TechTheme.queueMuted
+            color: entry.enabled ? TechTheme.queueText : TechTheme.queueMuted
             size: 13
             weight: Font.Medium
-            opacity: remove.enabled ? 1 : 0.6
+            opacity: entry.enabled ? 1 : 0.6
         }
         background: Rectangle {
             radius: 6
-            color: TechTheme.faded(TechTheme.gold, remove.highlighted ? 0.35 : 0)
+            color: TechTheme.faded(TechTheme.gold, entry.highlighted ? 0.35 : 0)
         }
+    }
+
+    Entry {
+        objectName: "savePlaylist"
+        text: "Save Playlist"
+        symbol: "square.and.arrow.down"
+        enabled: root.canSavePlaylist
+        onTriggered: root.state.savePlaylist()
+    }
+
+    Entry {
+        objectName: "deleteFromRow"
+        text: root.deletesSelection ? "Delete Selected Songs" : "Delete Song"
+        symbol: "trash"
+        enabled: root.state.controls.canDelete
+        onTriggered: root.state.deleteFromRow(root.itemID, root.deletesSelection)
     }
 }
