@@ -3,7 +3,7 @@ import QtQuick.Controls.Basic
 import Reelcrate
 import Reelcrate.Theme
 
-/// What can be done to a row, or to all selected rows when it is one of several.
+/// What can be done to a row, or to all selected rows when it is one of several; and to the queue.
 Menu {
     id: root
 
@@ -12,12 +12,14 @@ Menu {
     property bool takesSelection: false
     property string error
     property bool hasOthersInNeed: false
+    property bool canSavePlaylist: false
 
     function show(row, item, x, y) {
         itemID = row;
         takesSelection = state.takesSelection(row);
         error = state.errorOf(row);
         hasOthersInNeed = state.linksInNeed() !== "";
+        canSavePlaylist = state.canSavePlaylist();
         popup(item, x, y);
     }
     /// With the first entry that can be chosen highlighted.
@@ -66,5 +68,12 @@ Menu {
         symbol: "link"
         visible: root.hasOthersInNeed
         onTriggered: root.state.copyText(root.state.linksInNeed())
+    }
+    RowMenuItem {
+        objectName: "savePlaylist"
+        text: "Save Playlist"
+        symbol: "square.and.arrow.down"
+        enabled: root.canSavePlaylist
+        onTriggered: root.state.savePlaylist()
     }
 }

@@ -216,6 +216,14 @@ void WindowState::deleteFromRow(const QString& itemID, bool allSelected) {
         m_view.deleteQueueItems({QUuid(itemID)});
 }
 
+bool WindowState::canSavePlaylist() const {
+    return m_view.queue().countWithStatus(QueueStatus::complete) > 0;
+}
+
+void WindowState::savePlaylist() {
+    m_view.savePlaylist();
+}
+
 int WindowState::focusedIndex() const {
     const auto focus = m_view.selectionFocusQueueItemID();
     return focus ? static_cast<int>(m_view.queue().indexOf(*focus)) : -1;

@@ -80,6 +80,9 @@ public:
     /// Whether the row's menu is about all selected rows and not this one.
     Q_INVOKABLE bool takesSelection(const QString& itemID) const;
     Q_INVOKABLE void deleteFromRow(const QString& itemID, bool allSelected);
+    /// Whether there is a complete song to name in a playlist.
+    Q_INVOKABLE bool canSavePlaylist() const;
+    Q_INVOKABLE void savePlaylist();
     /// The row that the keyboard is at; -1 and empty text for none.
     Q_INVOKABLE int focusedIndex() const;
     Q_INVOKABLE QString focusedItemID() const;

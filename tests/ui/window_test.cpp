@@ -304,6 +304,24 @@ TEST_F(WindowTest, TheMenuOfARowDeletesItOrTheSelection) {
     EXPECT_TRUE(isShown("emptyQueue"));
 }
 
+TEST_F(WindowTest, TheQueuesMenuSavesThePlaylistOfWhatIsComplete) {
+    open();
+    addReadRows(links("hold", 1));
+    click("downloadAll");
+    click(inRow(0, "title"), Qt::RightButton);
+    EXPECT_FALSE(isEnabled("savePlaylist"));
+    press(Qt::Key_Escape);
+    machine.tell(QStringLiteral("go"));
+    ASSERT_TRUE(waitForEnd());
+    click(inRow(0, "title"), Qt::RightButton);
+    click("savePlaylist");
+    const QString folder = view().eventFolder();
+    const QByteArray playlist = readFile(folder + u'/' + playlistName(folder));
+    const QString song = view().queue().rows().first().outputPath.section(u'/', -1);
+    EXPECT_TRUE(playlist.endsWith('\n' + song.toUtf8() + '\n')) << playlist.toStdString();
+    EXPECT_EQ(view().activeSummary(), QStringLiteral("Saved playlist of 1 song"));
+}
+
 TEST_F(WindowTest, ARunDisablesWhatMustNotHappenMeanwhile) {
     open();
     addReadRows(links("hold", 8));
