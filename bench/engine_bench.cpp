@@ -6,6 +6,7 @@
 #include "download/row_stages.h"
 #include "download/run_log.h"
 #include "library/finished_files.h"
+#include "measure.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
@@ -15,7 +16,6 @@
 
 #include <benchmark/benchmark.h>
 
-#include <ctime>
 #include <functional>
 #include <memory>
 
@@ -24,17 +24,10 @@ namespace {
 using namespace reelcrate;
 ProcessSupervisor* theSupervisor = nullptr;
 
-double threadSeconds() {
-    constexpr double nanosecond = 1e-9;
-    timespec time{};
-    ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * nanosecond;
-}
-
 double timed(const std::function<void()>& work) {
-    const double start = threadSeconds();
+    const double start = now(CLOCK_THREAD_CPUTIME_ID);
     work();
-    return threadSeconds() - start;
+    return now(CLOCK_THREAD_CPUTIME_ID) - start;
 }
 
 void reportPerItem(benchmark::State& state, double items) {

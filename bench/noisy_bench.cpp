@@ -5,60 +5,31 @@
 // event loop wait, by the clock and in its own CPU time.
 
 #include "app/content_view.h"
+#include "measure.h"
 #include "tools/shell_quote.h"
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
 #include <QFile>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QTemporaryDir>
-#include <QTextStream>
 #include <QTimer>
 
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
-#include <ctime>
+#include <utility>
 
 namespace {
 
 using namespace reelcrate;
 using namespace std::chrono_literals;
 
-constexpr double nanosecond = 1e-9;
-
-double seconds(clockid_t clock) {
-    timespec time{};
-    ::clock_gettime(clock, &time);
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * nanosecond;
-}
-
-/// In bytes, the most memory that this process has had so far.
-double peakMemory() {
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (status.open(QIODevice::ReadOnly)) {
-        const QList<QByteArray> lines = status.readAll().split('\n');
-        for (const QByteArray& line : lines) {
-            if (line.startsWith("VmHWM:"))
-                return line.mid(6).chopped(2).trimmed().toDouble() * 1024;
-        }
-    }
-    return 0;
-}
-
-void report(const QJsonObject& measured) {
-    QTextStream(stdout) << QString::fromUtf8(
-        QJsonDocument(measured).toJson(QJsonDocument::Compact));
-}
-
 void measureBare(ProcessSupervisor& supervisor, const QString& file) {
     ShellRunner shell(supervisor);
-    const double start = seconds(CLOCK_MONOTONIC);
+    const double start = now(CLOCK_MONOTONIC);
     qint64 characters = 0;
     shell.runShellPassingOn(QStringLiteral("cat ") + shellQuoted(file),
                             [&](const QString& piece) { characters += piece.size(); });
-    report({{QStringLiteral("seconds"), seconds(CLOCK_MONOTONIC) - start},
+    report({{QStringLiteral("seconds"), now(CLOCK_MONOTONIC) - start},
             {QStringLiteral("characters"), characters}});
 }
 
@@ -76,15 +47,15 @@ public:
 
 private:
     void beat() {
-        const double wall = seconds(CLOCK_MONOTONIC);
-        const double cpu = seconds(CLOCK_THREAD_CPUTIME_ID);
+        const double wall = now(CLOCK_MONOTONIC);
+        const double cpu = now(CLOCK_THREAD_CPUTIME_ID);
         m_longestWall = std::max(m_longestWall, wall - std::exchange(m_wall, wall));
         m_longestCpu = std::max(m_longestCpu, cpu - std::exchange(m_cpu, cpu));
     }
 
     QTimer m_timer;
-    double m_wall = seconds(CLOCK_MONOTONIC);
-    double m_cpu = seconds(CLOCK_THREAD_CPUTIME_ID);
+    double m_wall = now(CLOCK_MONOTONIC);
+    double m_cpu = now(CLOCK_THREAD_CPUTIME_ID);
     double m_longestWall = 0;
     double m_longestCpu = 0;
 };
@@ -109,12 +80,13 @@ void measureRow(ProcessSupervisor& supervisor, const QString& file) {
     view.setDownloadMode(DownloadMode::video);
     view.addLinksToQueue({QStringLiteral("https://site.example/song")});
 
+    const auto peakMemory = [] { return bytesIn(QStringLiteral("/proc/self/status"), "VmHWM"); };
     const double memory = peakMemory();
-    const double start = seconds(CLOCK_MONOTONIC);
+    const double start = now(CLOCK_MONOTONIC);
     double end = 0;
     const Heartbeat heartbeat;
     QObject::connect(&view, &ContentView::runLogAppended, &view,
-                     [&] { end = seconds(CLOCK_MONOTONIC); });
+                     [&] { end = now(CLOCK_MONOTONIC); });
     QObject::connect(&view, &ContentView::activeDownloadRunsChanged, &view, [&] {
         if (view.activeDownloadRuns() == 0)
             QCoreApplication::quit();
@@ -136,10 +108,8 @@ int main(int argc, char** argv) {
     ProcessSupervisor supervisor;
     const QCoreApplication application(argc, argv);
     const QStringList words = QCoreApplication::arguments();
-    if (words.size() != 3) {
-        QTextStream(stderr) << "usage: noisy_bench bare|row FILE\n";
-        return EXIT_FAILURE;
-    }
+    if (words.size() != 3)
+        fail(QStringLiteral("usage: noisy_bench bare|row FILE"));
     if (words.at(1) == QStringLiteral("bare"))
         measureBare(supervisor, words.at(2));
     else

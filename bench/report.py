@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
 """Measures the program beside the bare tools and toolkit, and prints tables.
 
-report.py BIN JSON [--pairs N]: BIN is the folder of the built benchmarks; what was
-measured goes into the file JSON. What is compared takes turns in one run.
+report.py BIN JSON [--pairs N] [--quick]: BIN is the folder of the built benchmarks; what was
+measured goes into the file JSON. What is compared takes turns in one run. The last line is that of
+the paced downloads.
 """
 
 import argparse
@@ -18,11 +19,18 @@ from pathlib import Path
 import loopback_site
 import songs
 
-SONGS = [
-    songs.Song(f"song-{i}", f"Song Number {i}", 200 + 10 * i, tone=20.0) for i in range(1, 25)
-]
+
+def evening(count, edges=True):
+    silent = {} if edges else {"lead": 0.0, "tail": 0.0}
+    return [
+        songs.Song(f"song-{i}", f"Song Number {i}", 200 + 10 * i, tone=20.0, **silent)
+        for i in range(1, count + 1)
+    ]
+
+
 BYTES_PER_SECOND = 65536  # of each connection
 NOISE_BYTES = 200_000_000
+QUANTITIES = {"seconds": "time", "cpu": "CPU"}
 
 
 class Report:
@@ -31,6 +39,7 @@ class Report:
     def __init__(self):
         self.measured = {}
         self.lines = []
+        self.last = ""
 
     def say(self, text):
         print(text, file=sys.stderr, flush=True)
@@ -76,54 +85,72 @@ def taking_turns(pairs, measure):
     return samples
 
 
-def check_downloads(folder):
+def check_downloads(folder, album):
     """Both sides must have done the whole work."""
-    for song in SONGS:
+    for song in album:
         seconds = songs.seconds(folder / f"{song.title} [{song.name}].mp3")
         if abs(seconds - song.tone) > 0.25:
             raise SystemExit(f"{song.title} lasts {seconds} s, not {song.tone} s")
 
 
-def bench_site(report, bin_folder, scratch, pairs):
-    """Downloads and reads the songs of a site of this machine."""
-    media = scratch / "media"
-    media.mkdir()
-    report.say(f"Making {len(SONGS)} songs ...")
-    songs.make(SONGS, media)
+def site_rows(report, options, album, rate, works):
+    """Rows of what is done with the songs of a site of this machine, which paces its transfers."""
     rows = []
-    with loopback_site.LoopbackSite(media, SONGS) as site:
-        site.rate = BYTES_PER_SECOND
-        queue = scratch / "songs.json"
-        entries = [{"url": site.link(s.name), "title": s.title, "id": s.name} for s in SONGS]
-        queue.write_text(json.dumps(entries))
-        home = scratch / "home"
+    with tempfile.TemporaryDirectory(prefix="reelcrate-bench-") as folder:
+        scratch = Path(folder)
+        home, media, queue = (scratch / name for name in ("home", "media", "songs.json"))
         home.mkdir()
+        media.mkdir()
+        songs.make(album, media)
         environment = os.environ | {"HOME": str(home), "XDG_DATA_HOME": str(home / "data")}
+        with loopback_site.LoopbackSite(media, album) as site:
+            site.rate = rate
+            entries = [{"url": site.link(s.name), "title": s.title, "id": s.name} for s in album]
+            queue.write_text(json.dumps(entries))
 
-        def measure(work, kind):
-            with tempfile.TemporaryDirectory(dir=scratch) as folder:
-                command = [bin_folder / "run_bench", work, kind, folder, queue]
-                sample = json.loads(output_of(command, env=environment))
-                if work == "download":
-                    check_downloads(Path(folder, "Bench"))
-            report.say(f"  {work}, {kind}: {sample['seconds']:.1f} s, CPU {sample['cpu']:.1f} s")
-            return sample
+            def measure(work, kind):
+                with tempfile.TemporaryDirectory(dir=scratch) as output:
+                    command = [options.bin / "run_bench", work, kind, output, queue]
+                    sample = json.loads(output_of(command, env=environment))
+                    if work == "download":
+                        check_downloads(Path(output, "Bench"), album)
+                report.say(f"  {kind}: {sample['seconds']:.1f} s, CPU {sample['cpu']:.1f} s")
+                return sample
 
-        count = len(SONGS)
-        for work, what, goals in (
-            ("download", f"{count} songs downloaded and trimmed", {"seconds": 1.03, "cpu": 1.05}),
-            ("read", f"{count} links read", {"seconds": 1.03, "cpu": None}),
-        ):
-            report.say(f"{what}, {pairs} pairs ...")
-            samples = taking_turns(pairs, lambda kind: measure(work, kind))
-            report.measured[work] = samples
-            for quantity, label in (("seconds", "time"), ("cpu", "CPU")):
-                sides = [[s[quantity] for s in samples[kind]] for kind in ("program", "bare")]
-                rows.append(compared(f"{what}: {label}", *sides, "s", goals[quantity]))
-    report.table(f"Runs, {pairs} pairs", COMPARISON, rows)
+            for work, what, goals in works:
+                report.say(f"{what}, {options.pairs} pairs ...")
+                samples = taking_turns(options.pairs, lambda kind: measure(work, kind))
+                report.measured[what] = samples
+                for (quantity, label), goal in zip(QUANTITIES.items(), goals):
+                    sides = [[s[quantity] for s in samples[kind]] for kind in ("program", "bare")]
+                    rows.append(compared(f"{what}: {label}", *sides, "s", goal))
+    return rows
 
 
-def bench_noise(report, bin_folder, scratch, pairs):
+def bench_site(report, options):
+    count = 12 if options.quick else 24
+    paced = [("download", f"{count} songs downloaded and trimmed", (1.03, 1.05))]
+    if not options.quick:
+        paced.append(("read", f"{count} links read", (1.03, None)))
+    at_once = f"{count} songs from a site that sends at once"
+    trimmed = [("download", f"{at_once}, trimmed", (1.0, 1.0))]
+    whole = [("download", f"{at_once}, without silent edges", (0.99, 0.99))]
+    rows = site_rows(report, options, evening(count), BYTES_PER_SECOND, paced)
+    rows += site_rows(report, options, evening(count), None, trimmed)
+    rows += site_rows(report, options, evening(count, edges=False), None, whole)
+    report.table(f"Runs, {options.pairs} pairs", COMPARISON, rows)
+    pairs = report.measured[paced[0][1]]
+    time, cpu = (
+        statistics.median(
+            ours[quantity] / theirs[quantity]
+            for ours, theirs in zip(pairs["program"], pairs["bare"])
+        )
+        for quantity in QUANTITIES
+    )
+    report.last = f"time {time:.2f} cpu {cpu:.2f} beside xargs"
+
+
+def bench_noise(report, options, scratch):
     """A downloader that prints 200 MB in short lines."""
     report.say(f"A child that prints {NOISE_BYTES // 10**6} MB ...")
     noise = scratch / "noise"
@@ -136,9 +163,9 @@ def bench_noise(report, bin_folder, scratch, pairs):
 
     def measure(kind):
         what = "row" if kind == "program" else "bare"
-        return json.loads(output_of([bin_folder / "noisy_bench", what, noise]))
+        return json.loads(output_of([options.bin / "noisy_bench", what, noise]))
 
-    samples = taking_turns(pairs, measure)
+    samples = taking_turns(options.pairs, measure)
     report.measured["noise"] = samples
     rows = samples["program"]
     if not all(row["status"] == "Complete" and row["logBytes"] >= 2 * NOISE_BYTES for row in rows):
@@ -156,7 +183,7 @@ def bench_noise(report, bin_folder, scratch, pairs):
         ("longest wait of its event loop, ms by the clock", waits, 16, "{:.1f}"),
     ):
         table.append([what, "", "", spread(values, form), f"≤ {goal}", verdict(max(values), goal)])
-    report.table(f"A child that prints {NOISE_BYTES // 10**6} MB, {pairs} pairs", COMPARISON, table)
+    report.table(f"A child that prints {NOISE_BYTES // 10**6} MB, {options.pairs} pairs", COMPARISON, table)
 
 
 def started(command):
@@ -171,22 +198,30 @@ def started(command):
     return {"seconds": seconds, "cpu": usage.ru_utime + usage.ru_stime}
 
 
-def bench_start(report, bin_folder, window, pairs):
+def bench_start(report, options, scratch):
     commands = {
-        "program": [bin_folder / "reelcrate", "--headless", "--help"],
-        "bare": [bin_folder / "bare_start"],
+        "program": [options.bin / "reelcrate", "--headless", "--help"],
+        "bare": [options.bin / "bare_start"],
     }
-    samples = taking_turns(pairs, lambda kind: started(commands[kind]))
-    report.measured["help"] = samples
+    helped = taking_turns(4 * options.pairs, lambda kind: started(commands[kind]))
+    # Once without counting: what the first start of all leaves behind is there for the others.
+    last = window_measured(options, scratch, "window")
+    kinds = {"program": ["window"], "bare": ["bare", last["width"], last["height"]]}
+    shown = taking_turns(6, lambda kind: window_measured(options, scratch, *kinds[kind]))
+    report.measured["help"], report.measured["window start"] = helped, shown
     rows = []
-    for what, side in window["start"].items():
-        if isinstance(side, dict):
-            label, _, unit = what.partition(", ")
-            rows.append(compared(f"window: {label}", side["program"], side["bare"], unit, form="{:.0f}"))
-    for quantity, label in (("seconds", "time"), ("cpu", "CPU")):
-        sides = [[1000 * s[quantity] for s in samples[kind]] for kind in ("program", "bare")]
+    for what, unit, value in (
+        ("to the first frame", "ms", lambda s: 1000 * (s["firstFrame"] - s["start"])),
+        ("CPU to the first frame", "ms", lambda s: 1000 * s["cpu"]),
+        ("PSS after 1 s", "MiB", lambda s: s["pss"] / 2**20),
+        ("RSS after 1 s", "MiB", lambda s: s["rss"] / 2**20),
+    ):
+        sides = [list(map(value, shown[kind])) for kind in ("program", "bare")]
+        rows.append(compared(f"window: {what}", *sides, unit, form="{:.0f}"))
+    for quantity, label in QUANTITIES.items():
+        sides = [[1000 * s[quantity] for s in helped[kind]] for kind in ("program", "bare")]
         rows.append(compared(f"`--headless --help`: {label}", *sides, "ms", form="{:.1f}"))
-    renderer = f"{window['start']['platform']}, {window['start']['renderer']} renderer"
+    renderer = f"{last['platform']}, {last['renderer']} renderer"
     report.table(f"Start, beside a bare program of the toolkit ({renderer})", COMPARISON, rows)
 
 
@@ -201,9 +236,9 @@ def flat_row(what, sizes, seconds, goal=1.5):
     return [what, *cells, f"{ratio:.2f}", f"≤ {goal}", verdict(ratio, goal)]
 
 
-def bench_engine(report, bin_folder):
+def bench_engine(report, options):
     report.say("The engine's steps ...")
-    command = [bin_folder / "engine_bench", "--benchmark_repetitions=5", "--benchmark_format=json"]
+    command = [options.bin / "engine_bench", "--benchmark_repetitions=5", "--benchmark_format=json"]
     runs = json.loads(output_of(command, stderr=subprocess.DEVNULL))["benchmarks"]
     report.measured["engine"] = runs
     steps = {}
@@ -249,17 +284,51 @@ def bench_engine(report, bin_folder):
     )
 
 
-def bench_window(report, bin_folder, scratch):
-    report.say("The window ...")
-    file = scratch / "window.json"
-    output_of([bin_folder / "window_bench", "--json", file])
-    window = json.loads(file.read_text())
-    report.measured["window"] = window
-    return window
+# A downloader that tells a percentage, and of a link "tick" five more each second.
+STAND_IN = """#!/bin/bash
+case " $* " in *" --version "*) echo 2030.01.01; exit ;; esac
+exec 3<> <(:)
+percent=1
+while :; do
+    echo "RCR_PROGRESS: $percent.0%"
+    while :; do
+        read -rt 0.2 -u 3
+        case "${!#}" in */tick/*) break ;; esac
+    done
+    percent=$((percent + 1))
+done
+"""
+
+SCREEN = {"name": "bench", "x": 0, "y": 0, "width": 1484, "height": 1074}
+SCREEN |= {"logicalDpi": 96, "logicalBaseDpi": 96, "dpr": 1}
 
 
-def window_table(report, window):
-    """What the window makes of it, in ms of the main thread."""
+def home_with_stand_ins(scratch):
+    home = scratch / "window"
+    tools = home / "share" / "Reelcrate" / "Tools" / "bin"
+    tools.mkdir(parents=True)
+    home.chmod(0o700)
+    for name in ("yt-dlp", "ffmpeg", "spotdl"):
+        (tools / name).write_text(STAND_IN)
+        (tools / name).chmod(0o755)
+    (home / "screen.json").write_text(json.dumps({"screens": [SCREEN]}))
+
+
+def window_measured(options, scratch, kind, *arguments):
+    """One measurement, on a screen in memory unless there is another; with its "start"."""
+    home = scratch / "window"
+    environment = os.environ | {"HOME": str(home), "XDG_RUNTIME_DIR": str(home)}
+    environment |= {f"XDG_{each}_HOME": str(home / "share") for each in ("DATA", "CONFIG", "CACHE")}
+    if not environment.keys() & {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"}:
+        environment["QT_QPA_PLATFORM"] = f"offscreen:configfile={home}/screen.json"
+        environment["QT_QUICK_BACKEND"] = "software"
+    command = [options.bin / "window_bench", kind, home, *map(str, arguments)]
+    start = time.clock_gettime(time.CLOCK_MONOTONIC)
+    return json.loads(output_of(command, env=environment, timeout=180)) | {"start": start}
+
+
+def bench_queue(report, options, scratch):
+    """What the window makes of work on the queue, in ms of the main thread."""
     labels = {
         "tick": "one row's progress",
         "add": "N links are added",
@@ -268,27 +337,36 @@ def window_table(report, window):
         "delete": "every other row is deleted",
         "scroll": "a scroll to another place",
     }
+    measured = {
+        size: [window_measured(options, scratch, "queue", size) for _ in range(2)]
+        for size in (10, 1000, 10000)
+    }
+    report.measured["window queue"] = measured
     rows = []
     for name, label in labels.items():
-        sides = window["queue"]["mainThreadMs"][name]
-        cells = [
-            f"{statistics.median(sides[size]):.2f} ms" if sides.get(size) else ""
-            for size in ("10", "1000", "10000")
-        ]
-        rows.append([label, *cells])
+        row = [label]
+        for samples in measured.values():
+            costs = [1000 * cost[0] for sample in samples for cost in sample["costs"][name]]
+            row.append(f"{statistics.median(costs):.2f} ms" if costs else "")
+        rows.append(row)
     report.table(
         "Until the window shows it, CPU of the main thread",
         ["what", "10 rows", "1,000 rows", "10,000 rows"],
         rows,
     )
-    rows = [
-        [
-            each["case"],
-            *(f"{100 * cpu / each['seconds']:.1f} %" for cpu in reversed(each["cpu"])),
-            str(each["frames"]),
-        ]
-        for each in window["idle"]
-    ]
+
+
+def bench_idle(report, options, scratch):
+    rows = []
+    for label, running, still in (
+        ("idle", 0, 0),
+        ("6 running rows", 6, 0),
+        ("6 running rows, reduced motion", 6, 1),
+    ):
+        sample = window_measured(options, scratch, "idle", running, still)
+        report.measured[f"window, {label}"] = sample
+        shares = [f"{100 * cpu / sample['seconds']:.1f} %" for cpu in reversed(sample["cpu"])]
+        rows.append([label, *shares, str(sample["frames"])])
     report.table(
         "A window of 100 rows that stands there for five seconds",
         ["rows", "of a core", "of it main thread", "frames"],
@@ -300,19 +378,24 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("bin", type=Path)
     parser.add_argument("json", type=Path)
-    parser.add_argument("--pairs", type=int, default=5)
+    parser.add_argument("--pairs", type=int)
+    parser.add_argument("--quick", action="store_true", help="two pairs of half the songs, no more")
     options = parser.parse_args()
+    options.pairs = options.pairs or (2 if options.quick else 5)
     report = Report()
-    with tempfile.TemporaryDirectory(prefix="reelcrate-bench-") as folder:
-        scratch = Path(folder)
-        bench_site(report, options.bin, scratch, options.pairs)
-        bench_noise(report, options.bin, scratch, options.pairs)
-        bench_engine(report, options.bin)
-        window = bench_window(report, options.bin, scratch)
-        bench_start(report, options.bin, window, 4 * options.pairs)
-        window_table(report, window)
+    bench_site(report, options)
+    if not options.quick:
+        with tempfile.TemporaryDirectory(prefix="reelcrate-bench-") as folder:
+            scratch = Path(folder)
+            bench_noise(report, options, scratch)
+            bench_engine(report, options)
+            report.say("The window ...")
+            home_with_stand_ins(scratch)
+            bench_start(report, options, scratch)
+            bench_queue(report, options, scratch)
+            bench_idle(report, options, scratch)
     options.json.write_text(json.dumps(report.measured, indent=1))
-    print("\n".join(report.lines))
+    print("\n".join([*report.lines, report.last]))
 
 
 main()

@@ -7,6 +7,7 @@
 // object: the seconds by the clock, and the CPU seconds of this process and its children.
 
 #include "app/content_view.h"
+#include "measure.h"
 #include "resolve/media_probe_output.h"
 #include "tools/shell_quote.h"
 
@@ -17,9 +18,7 @@
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QJsonObject>
 #include <QProcess>
-#include <QTextStream>
 #include <QThread>
 
 #include <algorithm>
@@ -32,11 +31,6 @@ namespace {
 
 using namespace reelcrate;
 using Clock = std::chrono::steady_clock;
-
-[[noreturn]] void fail(const QString& text) {
-    QTextStream(stderr) << text << '\n';
-    std::exit(EXIT_FAILURE);
-}
 
 double cpuSeconds(int who) {
     constexpr double microsecond = 1e-6;
@@ -204,9 +198,7 @@ int main(int argc, char** argv) {
     else
         engine.read();
     const std::chrono::duration<double> seconds = Clock::now() - start;
-    const QJsonObject measured{{QStringLiteral("seconds"), seconds.count()},
-                               {QStringLiteral("cpu"), cpuSeconds() - cpu}};
-    QTextStream(stdout) << QString::fromUtf8(
-        QJsonDocument(measured).toJson(QJsonDocument::Compact));
+    report({{QStringLiteral("seconds"), seconds.count()},
+            {QStringLiteral("cpu"), cpuSeconds() - cpu}});
     return EXIT_SUCCESS;
 }

@@ -1,46 +1,36 @@
-// What the window costs: to start, beside a bare window of the same toolkit; to follow one row and
-// to work on the whole queue, in queues of growing length; and to stand there. Each measurement
-// runs in a process of its own, which this program starts from itself, and those that are compared
-// take turns. "--json FILE" also writes all samples into a file.
-//
-// Times of work are CPU times: other programs' work on the machine does not count into them. The
-// window is shown while it is measured, on the platform that the environment names; where it names
-// none, on a screen that exists only in memory.
+// What the window costs, in one measurement per call: "window_bench KIND FOLDER ARGUMENT...", where
+// FOLDER is a home with stand-ins for the tools. KIND is
+//   window                the program's start
+//   bare WIDTH HEIGHT     the start of a bare window of the same toolkit
+//   queue COUNT           work on one row and on all of them, in a queue of so many
+//   idle RUNNING STILL    five seconds in which nothing is done, with so many rows running; STILL
+//   is
+//                         1 where the desktop asks for reduced motion
+// Times of work are CPU times: other programs' work on the machine does not count into them.
+// report.py makes the folder, takes turns and makes tables.
 
+#include "measure.h"
 #include "theme/tech_theme.h"
 #include "ui/reelcrate_app.h"
 #include "ui/renderer.h"
 
-#include <QDir>
 #include <QEventLoop>
-#include <QFile>
 #include <QGuiApplication>
 #include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QProcess>
 #include <QQmlApplicationEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QSGRendererInterface>
 #include <QSet>
-#include <QTemporaryDir>
-#include <QTextStream>
 #include <QThread>
 #include <QTimer>
 
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <chrono>
-#include <cmath>
-#include <cstdlib>
-#include <ctime>
 #include <functional>
-#include <iterator>
 #include <memory>
 #include <optional>
-#include <vector>
 
 namespace {
 
@@ -48,9 +38,6 @@ using namespace reelcrate;
 using namespace std::chrono_literals;
 using namespace Qt::StringLiterals;
 
-constexpr int pairsOfStarts = 6;
-constexpr int rounds = 2;
-constexpr std::array sizes{10, 1'000, 10'000};
 constexpr int additions = 3;
 constexpr int selections = 3;
 constexpr int deletions = 2;
@@ -63,20 +50,6 @@ constexpr auto idleTime = 5s;
 /// The window is done with something when no frame has come for so long.
 constexpr auto quietTime = 60ms;
 constexpr auto tooLong = 20s;
-
-double now(clockid_t clock) {
-    constexpr double nanosecond = 1e-9;
-    timespec time{};
-    ::clock_gettime(clock, &time);
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * nanosecond;
-}
-
-[[noreturn]] void fail(const QString& text) {
-    QTextStream(stderr) << text << '\n';
-    std::exit(EXIT_FAILURE);
-}
-
-// What is measured, each in a process of its own
 
 /// CPU seconds of this process up to now.
 struct Cpu {
@@ -157,19 +130,6 @@ void runEventLoopUntil(const std::function<bool()>& condition) {
     }
 }
 
-/// In KiB, what the kernel says of a process.
-double kibibytes(const QString& process, const char* file, const QByteArray& field) {
-    QFile status(QStringLiteral("/proc/%1/%2").arg(process, QLatin1String(file)));
-    if (!status.open(QIODevice::ReadOnly))
-        return 0;
-    const QList<QByteArray> lines = status.readAll().split('\n');
-    for (const QByteArray& line : lines) {
-        if (line.startsWith(field + ':'))
-            return line.mid(field.size() + 1).chopped(2).trimmed().toDouble();
-    }
-    return 0;
-}
-
 /// Of this process, and of those that it has started and that still run.
 QJsonObject memory() {
     QFile children(
@@ -180,15 +140,11 @@ QJsonObject memory() {
     double pss = 0;
     double rss = 0;
     for (const QString& process : std::as_const(processes)) {
-        pss += kibibytes(process, "smaps_rollup", "Pss");
-        rss += kibibytes(process, "smaps_rollup", "Rss");
+        const QString figures = QStringLiteral("/proc/%1/smaps_rollup").arg(process);
+        pss += bytesIn(figures, "Pss");
+        rss += bytesIn(figures, "Rss");
     }
     return {{"pss"_L1, pss}, {"rss"_L1, rss}, {"processes"_L1, processes.size()}};
-}
-
-void report(const QJsonObject& measured) {
-    QTextStream(stdout) << QString::fromUtf8(
-        QJsonDocument(measured).toJson(QJsonDocument::Compact));
 }
 
 QString rendererName(const QQuickWindow& window) {
@@ -480,386 +436,6 @@ void measureIdle(ProcessSupervisor& supervisor, const QString& folder, int runni
             {"changes"_L1, changes - formerChanges}});
 }
 
-/// The first of `words` names what to measure, the second the folder to do it in.
-int runAsChild(const QStringList& words, int argc, char** argv) {
-    const QString& what = words.at(0);
-    const QString& folder = words.at(1);
-    std::optional<ProcessSupervisor> supervisor;
-    // Before all else: it forks, and a process with threads must not. A bare window needs none.
-    if (what != "--child-bare"_L1)
-        supervisor.emplace();
-    const QGuiApplication application(argc, argv);
-    if (what == "--child-bare"_L1)
-        measureBareStart(words.at(2), words.at(3));
-    else if (what == "--child-window"_L1)
-        measureStart(*supervisor, folder);
-    else if (what == "--child-queue"_L1)
-        measureQueue(*supervisor, folder, words.at(2).toInt());
-    else
-        measureIdle(*supervisor, folder, words.at(2).toInt(), words.at(3).toInt() != 0);
-    return EXIT_SUCCESS;
-}
-
-// What starts the measurements and prints what came of them
-
-/// A home for the measured processes, with stand-ins for the tools.
-class Scratch {
-public:
-    Scratch() {
-        const QString tools = m_folder.filePath("share/Reelcrate/Tools/bin"_L1);
-        QDir().mkpath(tools);
-        for (const char* tool : {"yt-dlp", "ffmpeg", "spotdl"}) {
-            const QString path = tools + u'/' + QLatin1String(tool);
-            write(path, standIn);
-            QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        }
-        write(screenFile(), R"({"screens": [{"name": "bench", "x": 0, "y": 0, "width": 1484,
-            "height": 1074, "logicalDpi": 96, "logicalBaseDpi": 96, "dpr": 1}]})");
-    }
-
-    QString path() const { return m_folder.path(); }
-
-    QProcessEnvironment environment() const {
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("HOME"_L1, path());
-        for (const char* kind : {"DATA", "CONFIG", "CACHE"})
-            environment.insert(QStringLiteral("XDG_%1_HOME").arg(QLatin1String(kind)),
-                               path() + "/share"_L1);
-        environment.insert("XDG_RUNTIME_DIR"_L1, path());
-        const QString platform = "QT_QPA_PLATFORM"_L1;
-        const bool hasPlatform = environment.contains(platform) ||
-                                 environment.contains("DISPLAY"_L1) ||
-                                 environment.contains("WAYLAND_DISPLAY"_L1);
-        if (!hasPlatform) {
-            environment.insert(platform, "offscreen:configfile="_L1 + screenFile());
-            environment.insert("QT_QUICK_BACKEND"_L1, "software"_L1);
-        }
-        return environment;
-    }
-
-private:
-    /// A downloader tells a percentage, and a link "tick" five more each second.
-    static constexpr auto standIn = R"(#!/bin/bash
-case " $* " in *" --version "*) echo 2030.01.01; exit ;; esac
-exec 3<> <(:)
-percent=1
-while :; do
-    echo "RCR_PROGRESS: $percent.0%"
-    while :; do
-        read -rt 0.2 -u 3
-        case "${!#}" in */tick/*) break ;; esac
-    done
-    percent=$((percent + 1))
-done
-)";
-
-    QString screenFile() const { return m_folder.filePath("screen.json"_L1); }
-
-    static void write(const QString& path, const char* text) {
-        QFile file(path);
-        if (!file.open(QIODevice::WriteOnly) || file.write(text) < 0)
-            fail(path + " cannot be written."_L1);
-    }
-
-    QTemporaryDir m_folder;
-};
-
-/// What a process of this program measures; with "start", the time when it was started.
-QJsonObject measuredBy(const Scratch& scratch, const char* what, const QStringList& more = {}) {
-    QProcess process;
-    process.setProcessEnvironment(scratch.environment());
-    const double start = now(CLOCK_MONOTONIC);
-    process.start(QCoreApplication::applicationFilePath(),
-                  QStringList{QString::fromLatin1(what), scratch.path()} + more);
-    constexpr int minutes = 3;
-    const bool ended = process.waitForFinished(minutes * 60 * 1000);
-    if (!ended) {
-        process.kill();
-        process.waitForFinished();
-    }
-    if (!ended || process.exitStatus() != QProcess::NormalExit ||
-        process.exitCode() != EXIT_SUCCESS)
-        fail(QString::fromUtf8(process.readAllStandardError()) +
-             QStringLiteral("%1 failed.").arg(QLatin1String(what)));
-    QJsonObject measured = QJsonDocument::fromJson(process.readAllStandardOutput()).object();
-    measured["start"_L1] = start;
-    return measured;
-}
-
-using Samples = std::vector<double>;
-
-double quantile(Samples samples, double share) {
-    std::sort(samples.begin(), samples.end());
-    const double place = share * static_cast<double>(samples.size() - 1);
-    const auto below = static_cast<std::size_t>(place);
-    const std::size_t above = std::min(below + 1, samples.size() - 1);
-    return std::lerp(samples[below], samples[above], place - std::floor(place));
-}
-
-double median(const Samples& samples) {
-    return quantile(samples, 0.5);
-}
-
-/// The median, and the quartiles around it.
-QString summary(const Samples& samples, int decimals) {
-    if (samples.empty())
-        return "-"_L1;
-    const auto text = [&](double share) {
-        return QString::number(quantile(samples, share), 'f', decimals);
-    };
-    return QStringLiteral("%1 (%2-%3)").arg(text(0.5), text(0.25), text(0.75));
-}
-
-QString ratio(const Samples& samples, const Samples& base) {
-    if (samples.empty() || base.empty())
-        return "-"_L1;
-    return QString::number(median(samples) / median(base), 'f', 2);
-}
-
-QJsonArray json(const Samples& samples) {
-    QJsonArray array;
-    std::copy(samples.begin(), samples.end(), std::back_inserter(array));
-    return array;
-}
-
-void printLine(const QStringList& cells) {
-    constexpr int firstWidth = 32;
-    constexpr int width = 22;
-    QTextStream out(stdout);
-    for (int i = 0; i < cells.size(); ++i)
-        out << (i == 0 ? cells.at(i).leftJustified(firstWidth) : cells.at(i).rightJustified(width));
-    out << '\n';
-}
-
-void printHeading(const QString& text, const QStringList& columns) {
-    QTextStream(stdout) << '\n' << text << '\n';
-    printLine(QStringList{QString()} + columns);
-}
-
-QJsonObject benchStart(const Scratch& scratch) {
-    // Once without counting, so that what the first of all starts leaves behind is there for all.
-    const QJsonObject last = measuredBy(scratch, "--child-window");
-    const QStringList windowSize{QString::number(last["width"_L1].toInt()),
-                                 QString::number(last["height"_L1].toInt())};
-
-    struct Comparison {
-        const char* label;
-        int decimals;
-        double (*of)(const QJsonObject&);
-        std::array<Samples, 2> samples;
-        Samples ratios;
-    };
-    std::array comparisons{
-        Comparison{"to the first frame, ms",
-                   0,
-                   [](const QJsonObject& measured) {
-                       return 1e3 * (measured["firstFrame"_L1].toDouble() -
-                                     measured["start"_L1].toDouble());
-                   },
-                   {},
-                   {}},
-        Comparison{"CPU to the first frame, ms",
-                   0,
-                   [](const QJsonObject& measured) { return 1e3 * measured["cpu"_L1].toDouble(); },
-                   {},
-                   {}},
-        Comparison{"PSS after 1 s, MiB",
-                   1,
-                   [](const QJsonObject& measured) { return measured["pss"_L1].toDouble() / 1024; },
-                   {},
-                   {}},
-        Comparison{"RSS after 1 s, MiB",
-                   1,
-                   [](const QJsonObject& measured) { return measured["rss"_L1].toDouble() / 1024; },
-                   {},
-                   {}},
-    };
-    std::array<QJsonObject, 2> measured;
-    for (int pair = 0; pair < pairsOfStarts; ++pair) {
-        measured = {measuredBy(scratch, "--child-bare", windowSize),
-                    measuredBy(scratch, "--child-window")};
-        for (Comparison& comparison : comparisons) {
-            for (std::size_t kind = 0; kind < measured.size(); ++kind)
-                comparison.samples[kind].push_back(comparison.of(measured[kind]));
-            comparison.ratios.push_back(comparison.samples[1].back() /
-                                        comparison.samples[0].back());
-        }
-    }
-
-    QTextStream(stdout) << "Qt " << qVersion() << ", platform " << last["platform"_L1].toString()
-                        << ", renderer " << last["renderer"_L1].toString() << " in "
-                        << (last["renderThread"_L1].toBool() ? "a thread of its own"
-                                                             : "the main thread")
-                        << ", window " << windowSize.join(u'x')
-                        << "\nMedian (first-third quartile)\n";
-    printHeading(QStringLiteral("Start, %1 pairs; the program's memory is that of %2 processes")
-                     .arg(pairsOfStarts)
-                     .arg(measured[1]["processes"_L1].toInt()),
-                 {"bare window"_L1, "program"_L1, "ratio of pairs"_L1});
-    QJsonObject all{{"platform"_L1, last["platform"_L1]},
-                    {"renderer"_L1, last["renderer"_L1]},
-                    {"renderThread"_L1, last["renderThread"_L1]}};
-    for (const Comparison& comparison : comparisons) {
-        const QString label = QString::fromLatin1(comparison.label);
-        printLine({label, summary(comparison.samples[0], comparison.decimals),
-                   summary(comparison.samples[1], comparison.decimals),
-                   summary(comparison.ratios, 2)});
-        all[label] = QJsonObject{{"bare"_L1, json(comparison.samples[0])},
-                                 {"program"_L1, json(comparison.samples[1])},
-                                 {"ratio"_L1, json(comparison.ratios)}};
-    }
-    return all;
-}
-
-struct Operation {
-    const char* name;
-    const char* label;
-};
-
-constexpr std::array operations{
-    Operation{"frame", "frame without a change"},
-    Operation{"tick", "one row's progress"},
-    Operation{"first", "first N links are added"},
-    Operation{"add", "N links are added"},
-    Operation{"read", "playlist of N songs is read"},
-    Operation{"select", "select all"},
-    Operation{"delete", "delete every second row"},
-    Operation{"scroll", "scroll to another place"},
-};
-
-/// Of one operation, in ms, by the queue's size.
-using SamplesOfSizes = std::array<Samples, sizes.size()>;
-
-/// What each sample of an operation tells, in this order.
-struct Quantity {
-    const char* name;
-    const char* heading;
-    double factor;
-    int decimals;
-};
-
-constexpr std::array quantities{
-    Quantity{"mainThreadMs",
-             "Work until the window shows it and is quiet: CPU of the main thread, ms", 1e3, 2},
-    Quantity{"allThreadsMs", "The same: CPU of all threads, ms", 1e3, 2},
-    Quantity{"frames", "The same: frames", 1, 0},
-};
-
-using CostsOfSizes = std::array<QJsonObject, sizes.size()>;
-
-QJsonObject printOperations(int index, const CostsOfSizes& costs) {
-    const Quantity& quantity = quantities.at(static_cast<std::size_t>(index));
-    printHeading(QString::fromLatin1(quantity.heading),
-                 {"10 rows"_L1, "1,000 rows"_L1, "10,000 rows"_L1, "1,000/10"_L1, "10,000/10"_L1,
-                  "10,000/1,000"_L1});
-    QJsonObject all;
-    for (const Operation& operation : operations) {
-        SamplesOfSizes samples;
-        QStringList cells{QString::fromLatin1(operation.label)};
-        QJsonObject ofSizes;
-        for (std::size_t size = 0; size < sizes.size(); ++size) {
-            for (const QJsonValue cost : costs[size][QLatin1String(operation.name)].toArray())
-                samples[size].push_back(quantity.factor * cost[index].toDouble());
-            cells.append(summary(samples[size], quantity.decimals));
-            ofSizes[QString::number(sizes[size])] = json(samples[size]);
-        }
-        cells.append({ratio(samples[1], samples[0]), ratio(samples[2], samples[0]),
-                      ratio(samples[2], samples[1])});
-        printLine(cells);
-        all[QLatin1String(operation.name)] = ofSizes;
-    }
-    return all;
-}
-
-QJsonObject benchQueue(const Scratch& scratch) {
-    CostsOfSizes costs;
-    CostsOfSizes last;
-    for (int round = 0; round < rounds; ++round) {
-        for (std::size_t size = 0; size < sizes.size(); ++size) {
-            last[size] = measuredBy(scratch, "--child-queue", {QString::number(sizes[size])});
-            const QJsonObject measured = last[size]["costs"_L1].toObject();
-            for (const QString& operation : measured.keys()) {
-                QJsonArray samples = costs[size][operation].toArray();
-                for (const QJsonValue sample : measured[operation].toArray())
-                    samples.append(sample);
-                costs[size][operation] = samples;
-            }
-        }
-    }
-    QJsonObject all;
-    for (int i = 0; i < static_cast<int>(quantities.size()); ++i)
-        all[QLatin1String(quantities.at(static_cast<std::size_t>(i)).name)] =
-            printOperations(i, costs);
-
-    QTextStream(stdout)
-        << "The first N links include what is made once for all rows. Scrolling goes to "
-        << positions << " places down the list.\n";
-    printHeading("What the list is told of one row's progress"_L1,
-                 {"10 rows"_L1, "1,000 rows"_L1, "10,000 rows"_L1});
-    QJsonObject notices;
-    for (const char* counted : {"signals", "rows", "roles"}) {
-        QStringList cells{QString::fromLatin1(counted)};
-        for (std::size_t size = 0; size < sizes.size(); ++size) {
-            const double perTick = last[size][QLatin1String(counted)].toDouble() / ticks;
-            cells.append(QString::number(perTick, 'f', 2));
-        }
-        printLine(cells);
-        notices[QString::fromLatin1(counted)] = QJsonArray::fromStringList(cells.mid(1));
-    }
-    all["noticesPerTick"_L1] = notices;
-    return all;
-}
-
-QJsonArray benchIdle(const Scratch& scratch) {
-    struct Case {
-        const char* label;
-        int running;
-        bool still;
-    };
-    constexpr int allSlots = ContentView::maxParallelDownloads;
-    constexpr std::array cases{
-        Case{"idle", 0, false},
-        Case{"6 running rows", allSlots, false},
-        Case{"6 running rows, reduced motion", allSlots, true},
-    };
-    printHeading(
-        QStringLiteral("Standing there for %1 s with %2 rows").arg(idleTime.count()).arg(idleRows),
-        {QStringLiteral("% of a core"), "of it main thread"_L1, "frames"_L1, "row changes"_L1});
-    QJsonArray all;
-    for (const Case& each : cases) {
-        QJsonObject measured =
-            measuredBy(scratch, "--child-idle",
-                       {QString::number(each.running), QString::number(each.still ? 1 : 0)});
-        const double percent = 100 / measured["seconds"_L1].toDouble();
-        const QJsonArray cpu = measured["cpu"_L1].toArray();
-        const QString label = QString::fromLatin1(each.label);
-        printLine({label, QString::number(percent * cpu[1].toDouble(), 'f', 2),
-                   QString::number(percent * cpu[0].toDouble(), 'f', 2),
-                   QString::number(measured["frames"_L1].toInt()),
-                   QString::number(measured["changes"_L1].toInt())});
-        measured["case"_L1] = label;
-        all.append(measured);
-    }
-    return all;
-}
-
-int runAll(const QStringList& words) {
-    const bool writesFile = words.size() == 2 && words.at(0) == "--json"_L1;
-    if (!words.isEmpty() && !writesFile)
-        fail("usage: window_bench [--json FILE]"_L1);
-    const Scratch scratch;
-    QJsonObject all;
-    all["start"_L1] = benchStart(scratch);
-    all["queue"_L1] = benchQueue(scratch);
-    all["idle"_L1] = benchIdle(scratch);
-    if (writesFile) {
-        QFile file(words.at(1));
-        if (!file.open(QIODevice::WriteOnly) || file.write(QJsonDocument(all).toJson()) < 0)
-            fail(words.at(1) + " cannot be written."_L1);
-    }
-    return EXIT_SUCCESS;
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -867,8 +443,24 @@ int main(int argc, char** argv) {
     QStringList words;
     for (int i = 1; i < argc; ++i)
         words.append(QString::fromLocal8Bit(argv[i]));
-    if (!words.isEmpty() && words.at(0).startsWith("--child-"_L1))
-        return runAsChild(words, argc, argv);
-    const QCoreApplication application(argc, argv);
-    return runAll(words);
+    words.resize(4);
+    const QString& kind = words.at(0);
+    const QString& folder = words.at(1);
+    const QString& argument = words.at(2);
+    std::optional<ProcessSupervisor> supervisor;
+    // Before all else: it forks, and a process with threads must not. A bare window needs none.
+    if (kind != "bare"_L1)
+        supervisor.emplace();
+    const QGuiApplication application(argc, argv);
+    if (kind == "bare"_L1)
+        measureBareStart(argument, words.at(3));
+    else if (kind == "window"_L1)
+        measureStart(*supervisor, folder);
+    else if (kind == "queue"_L1)
+        measureQueue(*supervisor, folder, argument.toInt());
+    else if (kind == "idle"_L1)
+        measureIdle(*supervisor, folder, argument.toInt(), words.at(3) == "1"_L1);
+    else
+        fail("usage: window_bench window|bare|queue|idle FOLDER ARGUMENT..."_L1);
+    return EXIT_SUCCESS;
 }
