@@ -1,4 +1,5 @@
 import QtQuick
+import QtQuick.Controls.Basic
 import QtQuick.Dialogs
 import Reelcrate
 import Reelcrate.Theme
@@ -8,7 +9,7 @@ Item {
     id: root
 
     required property WindowState state
-    readonly property alias pickerIsOpen: picker.visible
+    readonly property bool pickerIsOpen: picker.visible || ownPicker.visible
 
     implicitHeight: texts.height + 8
 
@@ -48,6 +49,11 @@ Item {
         onClicked: {
             picker.currentFolder = root.state.folderPickerStart;
             picker.open();
+            if (root.state.isOfTheDesktop(picker))
+                return;
+            picker.close();
+            ownPicker.enter(root.state.folderPickerStart);
+            ownPicker.open();
         }
     }
     FolderDialog {
@@ -56,6 +62,13 @@ Item {
         objectName: "folderPicker"
         title: "Choose Output Location"
         acceptLabel: "Choose"
+        onAccepted: root.state.chooseFolder(selectedFolder)
+    }
+    FolderPicker {
+        id: ownPicker
+
+        parent: Overlay.overlay
+        state: root.state
         onAccepted: root.state.chooseFolder(selectedFolder)
     }
 }
