@@ -16,7 +16,7 @@ Dialog {
     readonly property url selectedFolder: list.currentIndex < 0 ? currentFolder
                                                                 : folders.get(list.currentIndex, "fileUrl")
 
-    function enter(folder) {
+    function goTo(folder) {
         list.currentIndex = -1;
         currentFolder = folder;
     }
@@ -71,7 +71,7 @@ Dialog {
             anchors.top: message.bottom
             anchors.topMargin: 10
             text: "Up"
-            onClicked: root.enter(root.state.parentFolder(root.currentFolder))
+            onClicked: root.goTo(root.state.parentFolder(root.currentFolder))
         }
         PlainText {
             objectName: "pickedFolder"
@@ -118,7 +118,7 @@ Dialog {
                 text: fileName
                 symbol: "folder"
                 onClicked: list.currentIndex = index
-                onDoubleClicked: root.enter(fileUrl)
+                onDoubleClicked: root.goTo(fileUrl)
 
                 background: Rectangle {
                     radius: 6
@@ -127,7 +127,7 @@ Dialog {
             }
             Accessible.role: Accessible.List
             Accessible.name: "Folders"
-            Keys.onRightPressed: root.enter(root.selectedFolder)
+            Keys.onRightPressed: root.goTo(root.selectedFolder)
             Keys.onLeftPressed: up.clicked()
             Keys.onReturnPressed: root.accept()
             Keys.onEnterPressed: root.accept()
@@ -166,7 +166,7 @@ Dialog {
                     if (made.toString() === "")
                         return;
                     newName.text = "";
-                    root.enter(made);
+                    root.goTo(made);
                 }
             }
         }

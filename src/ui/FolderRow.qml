@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Controls.Basic
 import QtQuick.Dialogs
 import Reelcrate
 import Reelcrate.Theme
@@ -52,7 +51,7 @@ Item {
             if (root.state.isOfTheDesktop(picker))
                 return;
             picker.close();
-            ownPicker.enter(root.state.folderPickerStart);
+            ownPicker.goTo(root.state.folderPickerStart);
             ownPicker.open();
         }
     }
@@ -67,7 +66,7 @@ Item {
     FolderPicker {
         id: ownPicker
 
-        parent: Overlay.overlay
+        parent: root.Window.window ? root.Window.window.contentItem : null
         state: root.state
         onAccepted: root.state.chooseFolder(selectedFolder)
     }
