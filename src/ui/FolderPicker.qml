@@ -119,6 +119,9 @@ Dialog {
                 symbol: "folder"
                 onClicked: list.currentIndex = index
                 onDoubleClicked: root.goTo(fileUrl)
+                // The list gives the keyboard to the highlighted one.
+                Keys.onReturnPressed: root.accept()
+                Keys.onEnterPressed: root.accept()
 
                 background: Rectangle {
                     radius: 6
@@ -129,8 +132,6 @@ Dialog {
             Accessible.name: "Folders"
             Keys.onRightPressed: root.goTo(root.selectedFolder)
             Keys.onLeftPressed: up.clicked()
-            Keys.onReturnPressed: root.accept()
-            Keys.onEnterPressed: root.accept()
 
             FocusRing {
                 visible: list.activeFocus && TechTheme.keyboardLeads
