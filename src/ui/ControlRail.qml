@@ -85,7 +85,11 @@ Flickable {
             text: root.state.eventName
             placeholderText: "7-4-26 Wedding Requests"
             Accessible.name: "Name Folder"
-            onTextEdited: root.state.eventName = text
+            // Also what assistive technology sets.
+            onTextChanged: {
+                if (text !== root.state.eventName)
+                    root.state.eventName = text;
+            }
         }
         FolderRow {
             id: folderRow

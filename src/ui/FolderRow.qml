@@ -8,7 +8,7 @@ Item {
     id: root
 
     required property WindowState state
-    readonly property alias pickerIsOpen: picker.visible
+    readonly property bool pickerIsOpen: picker.visible || ownPicker.visible
 
     implicitHeight: texts.height + 8
 
@@ -48,6 +48,11 @@ Item {
         onClicked: {
             picker.currentFolder = root.state.folderPickerStart;
             picker.open();
+            if (root.state.isOfTheDesktop(picker))
+                return;
+            picker.close();
+            ownPicker.goTo(root.state.folderPickerStart);
+            ownPicker.open();
         }
     }
     FolderDialog {
@@ -56,6 +61,13 @@ Item {
         objectName: "folderPicker"
         title: "Choose Output Location"
         acceptLabel: "Choose"
+        onAccepted: root.state.chooseFolder(selectedFolder)
+    }
+    FolderPicker {
+        id: ownPicker
+
+        parent: root.Window.window ? root.Window.window.contentItem : null
+        state: root.state
         onAccepted: root.state.chooseFolder(selectedFolder)
     }
 }

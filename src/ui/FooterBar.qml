@@ -9,13 +9,20 @@ Column {
     required property WindowState state
     readonly property alias pickerIsOpen: log.pickerIsOpen
 
+    /// The least that the queue above is left.
+    property real roomForQueue: 0
+
+    Item {
+        width: 1
+        height: disclosure.isOpen ? 10 : 0
+    }
     LogArea {
         id: log
 
         objectName: "runLog"
         x: 24
         width: root.width - 48
-        height: 180
+        height: Math.max(90, Math.min(180, root.roomForQueue))
         visible: disclosure.isOpen
         log: root.state.runLog
     }

@@ -24,7 +24,11 @@ FieldSurface {
         text: root.state.pastedLinks
         placeholderText: "Paste link here"
         Accessible.name: "Paste Link"
-        onTextEdited: root.state.pastedLinks = text
+        // Also what assistive technology sets.
+        onTextChanged: {
+            if (text !== root.state.pastedLinks)
+                root.state.pastedLinks = text;
+        }
         onAccepted: root.state.addSongsFromFieldOrClipboard()
     }
     IconButton {

@@ -42,14 +42,14 @@ FocusScope {
             readOnly: true
             selectByMouse: true
             textFormat: TextEdit.PlainText
-            wrapMode: TextEdit.WrapAnywhere
+            wrapMode: TextEdit.Wrap
             color: TechTheme.text
             selectionColor: TechTheme.gold
             selectedTextColor: TechTheme.ink
             font.family: "monospace"
             font.pixelSize: TechTheme.caption
             padding: 6
-            rightPadding: 68  // the two buttons
+            rightPadding: 14
             background: null
             Accessible.name: "Log"
             Accessible.readOnly: true
@@ -63,7 +63,12 @@ FocusScope {
         anchors.margins: 4
         anchors.rightMargin: 14
         spacing: 2
-        opacity: 0.9
+        // They float over the text, and get out of its way while it is read.
+        opacity: hover.hovered || copy.activeFocus || save.activeFocus ? 1 : 0.25
+
+        HoverHandler {
+            id: hover
+        }
 
         PlainText {
             anchors.verticalCenter: parent.verticalCenter
@@ -84,6 +89,8 @@ FocusScope {
             onClicked: root.log.copyAll()
         }
         IconButton {
+            id: save
+
             symbol: "square.and.arrow.down"
             help: "Save log"
             onClicked: picker.open()

@@ -24,7 +24,7 @@ ApplicationWindow {
     onClosing: close => {
         close.accepted = root.state.unfinishedCount() === 0;
         if (!close.accepted)
-            quitDialog.ask();
+            quitDialog.open();
     }
 
     TechBackgroundView {
@@ -72,6 +72,7 @@ ApplicationWindow {
 
         anchors.bottom: parent.bottom
         width: parent.width
+        roomForQueue: (root.height - header.height) / 5
         state: root.state
     }
 
@@ -79,6 +80,7 @@ ApplicationWindow {
         id: dropArea
 
         anchors.fill: parent
+        onEntered: drag => drag.accepted = root.state.takesDrop(drag.urls, drag.text)
         onDropped: drop => {
             root.state.addDropped(drop.urls, drop.text);
             drop.accept(Qt.CopyAction);

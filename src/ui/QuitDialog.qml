@@ -8,13 +8,8 @@ Dialog {
     id: root
 
     required property WindowState state
-    property string question
-
-    function ask() {
-        question = state.quitQuestion();
-        open();
-    }
-
+    title: "Quit"
+    header: null
     anchors.centerIn: parent
     modal: true
     padding: 20
@@ -34,7 +29,7 @@ Dialog {
 
         PlainText {
             objectName: "quitQuestion"
-            text: root.question
+            text: root.state.quitQuestion
             font.pixelSize: TechTheme.title3
             font.weight: Font.Bold
             Accessible.ignored: false
@@ -47,6 +42,9 @@ Dialog {
             color: TechTheme.muted
             wrapMode: Text.Wrap
             maximumLineCount: 3
+            Accessible.ignored: false
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
         }
         Row {
             anchors.right: parent.right

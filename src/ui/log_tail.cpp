@@ -2,6 +2,7 @@
 
 #include <QClipboard>
 #include <QGuiApplication>
+#include <QRegularExpression>
 #include <QSaveFile>
 #include <QTextBlock>
 #include <QTextCursor>
@@ -70,7 +71,11 @@ void LogTail::setEmpty(bool empty) {
 }
 
 QString LogTail::shownEnd(const QString& text) {
+    // What only tells the program how far a download is would crowd out the rest.
+    static const QRegularExpression progress(QStringLiteral("^.*RCR_PROGRESS:.*(?:\\n|$)"),
+                                             QRegularExpression::MultilineOption);
     QString end = text.right(mostCharacters);
+    end.remove(progress);
     end.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
     qsizetype length = 0;
     for (qsizetype i = 0; i < end.size(); ++i) {

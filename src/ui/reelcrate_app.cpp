@@ -179,7 +179,8 @@ void ReelcrateApp::showRunProgress() {
 }
 
 void ReelcrateApp::announceEnd(int complete, int needAttention) {
-    if (m_window && m_window->isActive())
+    // A screen reader says notifications; one who looks at the window sees it there.
+    if (m_window && m_window->isActive() && !QAccessible::isActive())
         return;
     QString text = complete == 1 ? QStringLiteral("1 song is complete.")
                                  : QStringLiteral("%1 songs are complete.").arg(complete);

@@ -37,7 +37,7 @@ RunProgress::RunProgress(ContentView& view, QObject* parent) : QObject(parent), 
 std::optional<double> RunProgress::fraction() const {
     if (m_shares.isEmpty())
         return std::nullopt;
-    return m_sum / static_cast<double>(m_shares.size());
+    return m_furthest;
 }
 
 void RunProgress::followRow(qsizetype index, QueueStore::Fields fields) {
@@ -50,6 +50,7 @@ void RunProgress::followRow(qsizetype index, QueueStore::Fields fields) {
     const double share = shareOf(row);
     m_sum += share - (known == m_shares.end() ? 0 : *known);
     m_shares.insert(row.id, share);
+    m_furthest = std::max(m_furthest, m_sum / static_cast<double>(m_shares.size()));
     Q_EMIT changed();
 }
 
@@ -65,6 +66,7 @@ void RunProgress::followRuns() {
         needAttention += row && row->status == QueueStatus::failed ? 1 : 0;
     }
     m_sum = 0;
+    m_furthest = 0;
     Q_EMIT changed();
     Q_EMIT finished(complete, needAttention);
 }

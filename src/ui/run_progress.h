@@ -35,6 +35,7 @@ private:
     ContentView& m_view;
     QHash<QUuid, double> m_shares;  ///< of each row, how much of it is done
     double m_sum = 0;
+    double m_furthest = 0;  ///< rows that join later do not make it run backwards
 };
 
 }  // namespace reelcrate

@@ -1,14 +1,43 @@
 #include "ui/window_state.h"
 
 #include "app/content_view.h"
+#include "queue/links.h"
 
 #include <QClipboard>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QGuiApplication>
 
 #include <algorithm>
 #include <cmath>
 
 namespace reelcrate {
+
+namespace {
+
+/// Whether a file is of a kind that people keep links in.
+bool holdsLinks(const QUrl& file) {
+    static const QStringList kinds{QStringLiteral("txt"), QStringLiteral("csv"),
+                                   QStringLiteral("m3u"), QStringLiteral("webloc"),
+                                   QStringLiteral("url")};
+    return file.isLocalFile() && kinds.contains(QFileInfo(file.toLocalFile()).suffix().toLower());
+}
+
+/// The file's beginning, with what encloses an address in a markup made space.
+QString textOf(const QUrl& fileUrl) {
+    constexpr qint64 most = 1 << 20;
+    QFile file(fileUrl.toLocalFile());
+    // Not a pipe, which might never end.
+    if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly))
+        return {};
+    QString text = QString::fromUtf8(file.read(most));
+    for (const QChar enclosing : {u'<', u'>', u'"', u','})
+        text.replace(enclosing, u' ');
+    return text.replace(QStringLiteral("&amp;"), QStringLiteral("&"));
+}
+
+}  // namespace
 
 WindowState::WindowState(ContentView& view, const QString& desktopFolder, QObject* parent)
     : QObject(parent),
@@ -131,8 +160,17 @@ void WindowState::addDropped(const QList<QUrl>& urls, const QString& text) {
         // Encoded, since a link ends at a space.
         if (url.scheme() == QStringLiteral("http") || url.scheme() == QStringLiteral("https"))
             links.append(QString::fromLatin1(url.toEncoded()));
+        else if (holdsLinks(url))
+            links.append(textOf(url));
     }
     m_view.addSongs(links.isEmpty() ? text : links.join(u'\n'));
+}
+
+bool WindowState::takesDrop(const QList<QUrl>& urls, const QString& text) {
+    const bool hasLink = std::any_of(urls.begin(), urls.end(), [](const QUrl& url) {
+        return url.scheme().startsWith(QStringLiteral("http")) || holdsLinks(url);
+    });
+    return hasLink || (urls.isEmpty() && !extractLinks(text).isEmpty());
 }
 
 void WindowState::pasteIntoField() {
@@ -167,6 +205,27 @@ void WindowState::scanForUpdate() {
 void WindowState::chooseFolder(const QUrl& folder) {
     if (folder.isLocalFile())
         m_view.setOutputFolder(folder.toLocalFile());
+}
+
+bool WindowState::isOfTheDesktop(const QObject* dialog) {
+    // The class has no public header, and nothing else tells.
+    const QObjectList& parts = dialog->children();
+    return std::none_of(parts.begin(), parts.end(), [](const QObject* part) {
+        return part->inherits("QQuickPlatformFolderDialog");
+    });
+}
+
+QUrl WindowState::parentFolder(const QUrl& folder) {
+    return QUrl::fromLocalFile(QFileInfo(folder.toLocalFile()).path());
+}
+
+QString WindowState::folderPath(const QUrl& folder) {
+    return folder.toLocalFile();
+}
+
+QUrl WindowState::makeFolder(const QUrl& parent, const QString& name) {
+    const QString path = parent.toLocalFile() + u'/' + name.trimmed();
+    return QDir().mkpath(path) ? QUrl::fromLocalFile(path) : QUrl();
 }
 
 void WindowState::clickQueueArea() {

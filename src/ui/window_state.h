@@ -38,6 +38,8 @@ class WindowState : public QObject {
     Q_PROPERTY(QStringList modes READ modes CONSTANT)
     Q_PROPERTY(int mode READ mode WRITE setMode NOTIFY modeChanged)
     Q_PROPERTY(QString version READ version CONSTANT)
+    /// Of the rows that are not finished, for the question before the window closes on them.
+    Q_PROPERTY(QString quitQuestion READ quitQuestion NOTIFY controlsChanged)
     Q_PROPERTY(QUrl folderPickerStart READ folderPickerStart CONSTANT)
 
 public:
@@ -63,8 +65,11 @@ public:
     QUrl folderPickerStart() const;
 
     Q_INVOKABLE void addSongsFromFieldOrClipboard();
-    /// The web addresses where there are any, otherwise the text; both may be the drop's.
+    /// The web addresses where there are any, then the links in text files, otherwise the text; all
+    /// may be the drop's.
     Q_INVOKABLE void addDropped(const QList<QUrl>& urls, const QString& text);
+    /// Whether there are links in what is dropped, or files that may hold some.
+    Q_INVOKABLE static bool takesDrop(const QList<QUrl>& urls, const QString& text);
     Q_INVOKABLE void pasteIntoField();
     Q_INVOKABLE void openOutput();
     Q_INVOKABLE void clearQueue();
@@ -72,6 +77,12 @@ public:
     Q_INVOKABLE void setUp();
     Q_INVOKABLE void scanForUpdate();
     Q_INVOKABLE void chooseFolder(const QUrl& folder);
+    /// Whether the toolkit has an open dialog shown by the desktop; otherwise it paints one itself.
+    Q_INVOKABLE static bool isOfTheDesktop(const QObject* dialog);
+    Q_INVOKABLE static QUrl parentFolder(const QUrl& folder);
+    Q_INVOKABLE static QString folderPath(const QUrl& folder);
+    /// Empty when it could not be made; one that is there already is as good.
+    Q_INVOKABLE static QUrl makeFolder(const QUrl& parent, const QString& name);
 
     Q_INVOKABLE void clickQueueArea();
     /// `modifiers` are Qt's keyboard modifiers.
@@ -103,7 +114,7 @@ public:
     /// Rows that are being downloaded or wait for a slot.
     Q_INVOKABLE int unfinishedCount() const;
     /// What to ask before the window closes on them.
-    Q_INVOKABLE QString quitQuestion() const;
+    QString quitQuestion() const;
 
 Q_SIGNALS:
     void controlsChanged();
