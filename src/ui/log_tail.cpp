@@ -72,7 +72,7 @@ void LogTail::setEmpty(bool empty) {
 
 QString LogTail::shownEnd(const QString& text) {
     // What only tells the program how far a download is would crowd out the rest.
-    static const QRegularExpression progress(QStringLiteral("^.*RCR_PROGRESS:.*(?:\\n|$)"),
+    static const QRegularExpression progress(QStringLiteral("^[ \\t]*RCR_PROGRESS:.*(?:\\n|$)"),
                                              QRegularExpression::MultilineOption);
     QString end = text.right(mostCharacters);
     end.remove(progress);
