@@ -32,8 +32,8 @@ public:
     /// The group's leader has ended and was reaped: what it left behind in its group is ended too.
     void leaderEnded(pid_t group);
 
-    /// Ends all groups and waits until that is done: at most about three seconds. Reports after this
-    /// are dropped.
+    /// Ends all groups and waits until that is done: at most about three seconds. Reports after
+    /// this are dropped.
     void endEverything();
 
 private:
