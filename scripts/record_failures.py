@@ -296,8 +296,7 @@ def record_everything(recorder, site, proxy, scratch):
     locked = scratch / "locked"
     locked.mkdir()
     locked.chmod(0o555)
-    for each in (scratch, scratch.parent):
-        each.chmod(0o755)
+    scratch.chmod(0o755)
     nobody = ("setpriv", "--reuid=65534", "--regid=65534", "--clear-groups")
     recorder.record("read-only folder", audio, folder=locked, wrapper=nobody)
     recorder.record("no ffmpeg", audio, environment={"PATH": "/nowhere"})
