@@ -10,6 +10,7 @@ import time
 import unittest
 
 import desktop
+from faults import ALL
 from stage import PROGRAM, Stage, eventually
 
 SYSTEM_PYTHON = "/usr/bin/python3"  # Debian's, whose packages pyatspi is one of
@@ -21,6 +22,8 @@ def link(kind, name):
 
 class OnDesktop(unittest.TestCase):
     def setUp(self):
+        if not ALL:
+            self.skipTest("scripts/faults runs it: it needs a machine with time to spare")
         lacking = desktop.missing()
         if lacking:
             self.skipTest(f"missing: {', '.join(lacking)}")
@@ -178,7 +181,12 @@ class Assistive(OnDesktop):
         self.waitForState("more0", "Downloading")
         self.desktop.keys("alt+F4")
         self.find("label", "1 song is unfinished.")
-        self.press("push button", "Quit")
+        from gi.repository import GLib
+
+        try:
+            self.press("push button", "Quit")
+        except GLib.Error:
+            pass  # it has ended before it answered
         self.assertTrue(eventually(lambda: self.program.poll() is not None, 15), "it goes on")
 
 
