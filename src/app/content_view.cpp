@@ -380,7 +380,7 @@ void ContentView::revealOutput(const DownloadItem& item) {
 }
 
 PlaylistSaving ContentView::savePlaylist() {
-    const PlaylistSaving saving = reelcrate::savePlaylist(m_queue.rows(), eventFolder());
+    PlaylistSaving saving = reelcrate::savePlaylist(m_queue.rows(), eventFolder());
     setActiveSummary(playlistSummary(saving));
     return saving;
 }
