@@ -238,7 +238,7 @@ QString WorkingFolder::unconvertedSource() const {
 }
 
 bool WorkingFolder::takesMore() const {
-    constexpr std::uintmax_t leastRoom = 256 * 1024;  // bytes: less than any song
+    constexpr std::uintmax_t leastRoom = 262'144;  // bytes: less than any song
     const QByteArray path = QFile::encodeName(m_path);
     std::error_code error;
     const auto space = std::filesystem::space(path.toStdString(), error);
