@@ -9,10 +9,8 @@ ToolTip {
     delay: 700
     padding: 7
     // A long text wraps.
-    contentWidth: Math.min(420, line.implicitWidth)
+    contentWidth: Math.min(420, implicitContentWidth)
     contentItem: PlainText {
-        id: line
-
         text: root.text
         wrapMode: Text.Wrap
         maximumLineCount: 14

@@ -45,7 +45,9 @@ Dialog {
         shadowDown: 12
     }
 
-    contentItem: Item {
+    Item {
+        anchors.fill: parent
+
         PlainText {
             id: heading
 

@@ -1,6 +1,5 @@
 import QtQuick
 import Reelcrate
-import Reelcrate.Theme
 
 /// A log that is shown on request, and by itself while `isForcedOpen`. Nothing while it is empty.
 Column {
