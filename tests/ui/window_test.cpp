@@ -552,16 +552,17 @@ TEST_F(WindowTest, AssistiveTechnologySeesTheRowsAndPressesWhatIsEnabled) {
     EXPECT_EQ(rowNames(), expected);
     EXPECT_TRUE(accessibleRow(0)->state().focused && accessibleRow(0)->state().selected);
 
-    const auto pressed = [this](const char* name) {
+    // Presses the control, and waits until it says of itself what a press makes of it.
+    const auto becomes = [this](const char* name, auto isSo) {
         auto* accessible = QAccessible::queryAccessibleInterface(item(name));
         accessible->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
-        settle();
-        return accessible->state();
+        return waitUntil([&] { return isSo(accessible->state()); });
     };
-    EXPECT_TRUE(pressed("modeMP4").checked);
+    using State = QAccessible::State;
+    EXPECT_TRUE(becomes("modeMP4", [](const State& state) { return state.checked; }));
     EXPECT_EQ(view().downloadMode(), DownloadMode::video);
-    EXPECT_TRUE(pressed("logDisclosure").expanded);
-    EXPECT_TRUE(pressed("clearQueue").disabled);
+    EXPECT_TRUE(becomes("logDisclosure", [](const State& state) { return state.expanded; }));
+    EXPECT_TRUE(becomes("clearQueue", [](const State& state) { return state.disabled; }));
     EXPECT_EQ(view().queue().size(), 0);
     EXPECT_THAT(rowNames(), ElementsAre());
 }
