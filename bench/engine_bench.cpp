@@ -7,6 +7,7 @@
 #include "download/run_log.h"
 #include "library/finished_files.h"
 #include "measure.h"
+#include "queue/links.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>

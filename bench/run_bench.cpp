@@ -119,10 +119,10 @@ QString songScript(Engine& engine, const DownloadItem& row, const QString& id) {
     const QString folder = engine.view().eventFolder();
     const QString file = QStringLiteral("%1/%2 [%3].mp3").arg(folder, row.title, id);
     const QString temporary = QStringLiteral("%1/.trim-%2.mp3").arg(folder, id);
-    const QString ffmpeg = engine.view().resolvedTool(QStringLiteral("ffmpeg"))->path;
+    const QString ffmpeg = engine.view().discovery().resolvedTool(QStringLiteral("ffmpeg"))->path;
     const DownloadTiming timing;
     return QStringList{
-        loginShell(engine.view().commandFor(row, folder, DownloadMode::audio)),
+        loginShell(downloadCommandFor(row, folder, DownloadMode::audio, engine.view().discovery())),
         QStringLiteral("sleep %1").arg(timing.examining.count()),
         loginShell(filterTrim(ffmpeg, file, temporary)),
         QStringLiteral("mv -f %1 %2").arg(shellQuoted(temporary), shellQuoted(file)),
@@ -141,8 +141,8 @@ void downloadBare(const QByteArray& scripts, const QString& folder) {
 }
 
 void readBare(Engine& engine) {
-    const ProbeTool tool{engine.view().resolvedTool(QStringLiteral("yt-dlp"))->path,
-                         engine.view().toolSearchPath()};
+    const ProbeTool tool{engine.view().discovery().resolvedTool(QStringLiteral("yt-dlp"))->path,
+                         engine.view().discovery().toolSearchPath()};
     for (const DownloadItem& row : engine.rows()) {
         const auto next = Clock::now() + ResolutionTiming().minimumPerLink;
         run(QStringLiteral("/bin/bash"), {QStringLiteral("-lc"), mediaInfoCommand(tool, row.url)});

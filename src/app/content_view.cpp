@@ -1,7 +1,9 @@
 #include "app/content_view.h"
 
 #include "base/text.h"
+#include "library/file_names.h"
 #include "queue/link_intake.h"
+#include "queue/links.h"
 
 #include <QDate>
 #include <QDir>
@@ -249,14 +251,6 @@ void ContentView::checkTools() {
     m_readiness.checkTools();
 }
 
-std::optional<ResolvedTool> ContentView::resolvedTool(const QString& command) const {
-    return m_discovery.resolvedTool(command);
-}
-
-QString ContentView::toolSearchPath() const {
-    return m_discovery.toolSearchPath();
-}
-
 QList<ToolState> ContentView::missingInstallableTools() const {
     return m_readiness.missingInstallableTools();
 }
@@ -356,11 +350,6 @@ void ContentView::startWaitingRows() {
     if (m_waitingRows.isEmpty() || m_downloads.freeSlots() < 1)
         return;
     m_downloads.startDownloadRun(std::exchange(m_waitingRows, {}), runTarget());
-}
-
-QString ContentView::commandFor(const DownloadItem& item, const QString& eventFolder,
-                                DownloadMode mode) const {
-    return downloadCommandFor(item, eventFolder, mode, m_discovery);
 }
 
 void ContentView::appendRunLog(const QString& text) {

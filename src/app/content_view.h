@@ -2,25 +2,17 @@
 
 #include "base/background_tasks.h"
 #include "base/main_queue.h"
-#include "download/download_command.h"
 #include "download/download_runs.h"
-#include "download/output_parsing.h"
-#include "download/progress_seed.h"
 #include "library/event_library.h"
-#include "library/file_names.h"
-#include "library/finished_files.h"
 #include "library/playlist_file.h"
-#include "queue/links.h"
 #include "queue/queue_editor.h"
 #include "queue/queue_store.h"
 #include "records/download_item.h"
 #include "records/download_mode.h"
 #include "records/media_records.h"
 #include "resolve/media_probe.h"
-#include "resolve/media_values.h"
 #include "resolve/resolution_driver.h"
 #include "resolve/spotify_expansion.h"
-#include "resolve/spotify_songs.h"
 #include "tools/process_supervisor.h"
 #include "tools/shell_runner.h"
 #include "tools/tool_discovery.h"
@@ -145,8 +137,7 @@ public:
     // Commands and tools. Background threads, except for the checks and their results.
 
     void checkTools();
-    std::optional<ResolvedTool> resolvedTool(const QString& command) const;
-    QString toolSearchPath() const;
+    const ToolDiscovery& discovery() const { return m_discovery; }
     QList<ToolState> missingInstallableTools() const;
     bool coreToolsReady() const;
     QString setupDetailText() const;
@@ -169,9 +160,6 @@ public:
     void startDownloads();
     /// Starts nothing while a tool is known to be missing; the summary says which.
     void startDownloadRun(const QList<QUuid>& itemIDs);
-    /// Background threads: it looks the tools up.
-    QString commandFor(const DownloadItem& item, const QString& eventFolder,
-                       DownloadMode mode) const;
     /// Any thread.
     void appendRunLog(const QString& text);
     void crawlQueueProgress(const QUuid& itemID, double target, double duration);

@@ -5,6 +5,7 @@
 #include "console/arguments.h"
 #include "console/check_text.h"
 #include "console/headless_run.h"
+#include "console/print.h"
 #include "console/termination_signals.h"
 #include "library/folder_check.h"
 #include "tools/shell_runner.h"
@@ -14,18 +15,12 @@
 #include <QFileInfo>
 #include <QJsonDocument>
 
-#include <cstdio>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace reelcrate {
 
 namespace {
-
-void print(std::FILE* stream, const QByteArray& bytes) {
-    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stream);
-    std::fflush(stream);
-}
 
 int terminalColumns() {
     constexpr int usual = 80;

@@ -1,6 +1,7 @@
 #include "console/headless_run.h"
 
 #include "app/content_view.h"
+#include "console/print.h"
 #include "console/progress_display.h"
 #include "console/row_text.h"
 #include "console/run_settings.h"
@@ -11,7 +12,6 @@
 #include <QJsonDocument>
 
 #include <algorithm>
-#include <cstdio>
 #include <utility>
 
 namespace reelcrate {
@@ -19,11 +19,6 @@ namespace reelcrate {
 namespace {
 
 const QString standardInput = QStringLiteral("-");
-
-void print(std::FILE* stream, const QByteArray& bytes) {
-    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stream);
-    std::fflush(stream);
-}
 
 void complain(const QString& text) {
     if (!text.isEmpty())

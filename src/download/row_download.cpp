@@ -116,7 +116,7 @@ RowDownload::End RowDownload::run(const std::stop_token& stop) {
         if (stop.stop_requested())
             return End::ended;
         if (const auto fault = m_parts.finisher.whyNotWhole(*path, m_plan.target.mode)) {
-            logLine(QStringLiteral("%1 is there, but: %2 The song is downloaded again.")
+            logLine(QStringLiteral("%1 is there, but no whole song (%2): it is downloaded again.")
                         .arg(*path, *fault));
             m_parts.library.distrust(*path);
             continue;

@@ -15,19 +15,17 @@ namespace {
 using Finding = CheckedFile::Finding;
 using Kind = EventFile::Kind;
 
-constexpr double shortestSong = 0.1;
-constexpr double headerTolerance = 0.5;
 constexpr double sameLengthSeconds = 1.0;
 
 std::optional<Finding> findingOf(const SongMeasure& measure) {
     if (!measure.decoded)
         return measure.decodedSeconds > 0 ? Finding::breaksOff : Finding::undecodable;
     const double header = measure.headerSeconds.value_or(measure.decodedSeconds);
-    if (header - measure.decodedSeconds > headerTolerance)
+    if (header - measure.decodedSeconds > headerToleranceSeconds)
         return Finding::cutOff;
-    if (measure.decodedSeconds - header > headerTolerance)
+    if (measure.decodedSeconds - header > headerToleranceSeconds)
         return Finding::longer;
-    if (measure.decodedSeconds < shortestSong)
+    if (measure.decodedSeconds < shortestSongSeconds)
         return Finding::tooShort;
     if (!measure.sound)
         return Finding::silent;

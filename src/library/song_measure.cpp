@@ -14,8 +14,6 @@ namespace reelcrate {
 
 namespace {
 
-constexpr double shortestSong = 0.1;
-constexpr double headerTolerance = 0.5;
 constexpr double leastLimitSeconds = 180;
 /// Of a file's bytes, decoded in a second: a hundredth of what this took when it was written.
 constexpr double slowestDecoder = 200'000;
@@ -48,11 +46,11 @@ std::optional<QString> whyNoWholeSong(const SongMeasure& measure) {
                                  ? QStringLiteral("decoding broke off after %1 s")
                                        .arg(measure.decodedSeconds, 0, 'f', 2)
                                  : QStringLiteral("does not decode"));
-    if (measure.decodedSeconds < shortestSong)
+    if (measure.decodedSeconds < shortestSongSeconds)
         return withComplaint(
             QStringLiteral("only %1 s of sound").arg(measure.decodedSeconds, 0, 'f', 2));
     if (measure.headerSeconds &&
-        std::abs(*measure.headerSeconds - measure.decodedSeconds) > headerTolerance)
+        std::abs(*measure.headerSeconds - measure.decodedSeconds) > headerToleranceSeconds)
         return withComplaint(QStringLiteral("%1 s decode of the %2 s that its header tells")
                                  .arg(measure.decodedSeconds, 0, 'f', 2)
                                  .arg(*measure.headerSeconds, 0, 'f', 2));

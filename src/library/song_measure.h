@@ -13,6 +13,11 @@ namespace reelcrate {
 class ShellRunner;
 class ToolDiscovery;
 
+/// A song is as long at least,
+constexpr double shortestSongSeconds = 0.1;
+/// and decodes to what its header tells, more or less.
+constexpr double headerToleranceSeconds = 0.5;
+
 struct SongMeasure {
     bool decoded = false;                 ///< to its end, as far as the decoder knows
     double decodedSeconds = 0;            ///< what came out of the decoder, in any case

@@ -34,19 +34,20 @@ FoundSong SongSearch::find(const DownloadItem& item, DownloadMode mode) const {
         result.status == 0 ? hitsFromOutput(result.output) : QList<SearchHit>();
     if (hits.isEmpty())
         return {.link = {},
-                .isCertain = false,
                 .remark = QStringLiteral("The search listed nothing: its first hit is taken.\n") +
                           result.errors};
     const auto best = bestHit({item.title, secondsOfDuration(item.duration)}, hits);
     if (!best)
         return {.link = {},
-                .isCertain = false,
                 .remark = QStringLiteral("No hit of the search is %1 long: the first is taken.")
                               .arg(item.duration)};
     const SearchHit& hit = hits.at(best->hit);
     return {.link = hit.link,
-            .isCertain = best->isCertain,
-            .remark = QStringLiteral("%1 of %2 hits: ").arg(best->hit + 1).arg(hits.size()) +
+            .remark = QStringLiteral("%1 of %2 hits%3: ")
+                          .arg(best->hit + 1)
+                          .arg(hits.size())
+                          .arg(best->isCertain ? QString()
+                                               : QStringLiteral(" (best match is uncertain)")) +
                       described(hit)};
 }
 

@@ -14,9 +14,8 @@ class ShellRunner;
 class ToolDiscovery;
 
 struct FoundSong {
-    QString link;  ///< empty: no hit is long enough, or none was listed
-    bool isCertain = false;
-    QString remark;  ///< for the log
+    QString link;    ///< empty: no hit is long enough, or none was listed
+    QString remark;  ///< for the log: what was chosen, and whether that is sure
 };
 
 class SongSearch {

@@ -16,6 +16,7 @@ class AccessibleRow : public QAccessibleInterface, public QAccessibleActionInter
 public:
     AccessibleRow(QueueOutline& outline, const QUuid& row) : m_outline(outline), m_row(row) {}
 
+    const QUuid& row() const { return m_row; }
     bool isValid() const override { return m_outline.indexOf(m_row) >= 0; }
     QObject* object() const override { return nullptr; }
     QWindow* window() const override { return m_outline.window(); }
@@ -107,11 +108,8 @@ public:
     int childCount() const override { return m_outline.rowCount(); }
     QAccessibleInterface* child(int index) const override { return m_outline.accessibleRow(index); }
     int indexOfChild(const QAccessibleInterface* child) const override {
-        for (int i = 0; i < m_outline.rowCount(); ++i) {
-            if (m_outline.accessibleRow(i) == child)
-                return i;
-        }
-        return -1;
+        const auto* row = dynamic_cast<const AccessibleRow*>(child);
+        return row ? m_outline.indexOf(row->row()) : -1;
     }
     QWindow* window() const override { return m_outline.window(); }
     QRect rect() const override { return screenRect(m_outline, m_outline.boundingRect()); }

@@ -355,7 +355,7 @@ TEST_F(EngineTest, WhatIsThereIsLookedForAgainBeforeADownload) {
     ASSERT_TRUE(waitUntil([this] { return view.activeDownloadRuns() == 0; }));
     EXPECT_EQ(row(0).detail, QStringLiteral("Already Downloaded"));
     EXPECT_EQ(row(0).outputPath, whole);
-    EXPECT_TRUE(view.runLog().contains(torn + QStringLiteral(" is there, but: ")));
+    EXPECT_TRUE(view.runLog().contains(torn + QStringLiteral(" is there, but no whole song (")));
     EXPECT_EQ(machine.calls().count(QStringLiteral("download A Longer Title")), 0);
 
     // But not what another song has just written.
