@@ -4,6 +4,7 @@
 #include "base/main_queue.h"
 #include "download/download_command.h"
 #include "download/failure_judgement.h"
+#include "download/marked_lines.h"
 #include "download/output_reader.h"
 #include "download/row_stages.h"
 #include "download/run_log.h"
@@ -56,15 +57,16 @@ QString downloadCommandFor(const DownloadItem& item, const QString& folder, Down
 class RowDownload::Output {
 public:
     Output(const RowDownload& download, const std::stop_token& stop)
-        : m_download(download), m_stop(stop) {}
+        : m_download(download), m_stop(stop), m_lines(download.m_number) {}
 
     void read(const QString& piece) {
         m_reader.read(piece);
         m_unshown->fetch_add(piece.size());
         m_download.post([&log = m_download.m_parts.log, &stages = m_download.m_parts.stages,
                          item = m_download.m_item, mode = m_download.m_plan.target.mode, piece,
-                         unshown = m_unshown] {
-            log.append(piece);
+                         lines = m_lines.add(piece), unshown = m_unshown] {
+            if (!lines.isEmpty())
+                log.append(lines);
             if (const QString trimmed = piece.trimmed(); !trimmed.isEmpty())
                 stages.applyDownloadOutput(item, mode, trimmed);
             unshown->fetch_sub(piece.size());
@@ -74,11 +76,18 @@ public:
         }
     }
 
+    /// The tool has ended, perhaps in the middle of a line.
+    void end() {
+        if (const QString rest = m_lines.takeRest(); !rest.isEmpty())
+            m_download.post([&log = m_download.m_parts.log, rest] { log.append(rest); });
+    }
+
     const OutputReader& reader() const { return m_reader; }
 
 private:
     const RowDownload& m_download;
     const std::stop_token& m_stop;
+    MarkedLines m_lines;
     const std::shared_ptr<std::atomic<qsizetype>> m_unshown =
         std::make_shared<std::atomic<qsizetype>>(0);
     OutputReader m_reader;
@@ -94,8 +103,8 @@ RowDownload::RowDownload(DownloadParts parts, RunPlan plan, DownloadItem item, q
     : m_parts(parts),
       m_plan(std::move(plan)),
       m_item(std::move(item)),
-      m_position(position),
-      m_songKey(songKey(m_item.url, m_item.playlistItem)) {}
+      m_songKey(songKey(m_item.url, m_item.playlistItem)),
+      m_number(QStringLiteral("%1/%2").arg(position + 1).arg(m_plan.rowCount)) {}
 
 RowDownload::End RowDownload::run(const std::stop_token& stop) {
     // What a song and what a film is made from can have one name: neither goes on with the other's.
@@ -187,10 +196,13 @@ RowDownload::ToolRun RowDownload::runTool(const WorkingFolder& folder, Conversio
     Output output(*this, stop);
     const QString command = downloadCommandFor(m_item, folder.path(), m_plan.target.mode,
                                                m_parts.discovery, conversion, m_found);
-    logLine(QStringLiteral("Running %1/%2: ").arg(m_position + 1).arg(m_plan.rowCount) +
-            withoutHome(command, m_parts.discovery.places().home));
+    post([&log = m_parts.log, line = QStringLiteral("Running %1: ").arg(m_number) +
+                                     withoutHome(command, m_parts.discovery.places().home)] {
+        log.append(line);
+    });
     const CommandResult result = m_parts.shell.runShellPassingOn(
         command, [&output](const QString& piece) { output.read(piece); }, folder.descriptor());
+    output.end();
     if (!result.output.isEmpty() && !stop.stop_requested())
         logLine(result.output);
     return {result.status == 0, output.reader()};
@@ -249,7 +261,7 @@ void RowDownload::fail(FailureCause cause) {
 }
 
 void RowDownload::logLine(const QString& line) const {
-    post([&log = m_parts.log, line] { log.append(line); });
+    post([&log = m_parts.log, text = markedText(m_number, line)] { log.append(text); });
 }
 
 void RowDownload::enterStage(const QString& detail, double target, double duration) const {

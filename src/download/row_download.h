@@ -98,8 +98,8 @@ private:
     const DownloadParts m_parts;
     const RunPlan m_plan;
     const DownloadItem m_item;
-    const qsizetype m_position;
     const QString m_songKey;
+    const QString m_number;  ///< the row's among those of the run, such as "3/24"
     std::optional<FailureCause> m_cause;
     QString m_found;  ///< the link of the best hit, where the row has to be searched for
 };
