@@ -3,11 +3,10 @@
 #include <QString>
 
 /// Cuts the silence off both ends of a finished MP3 file, by the positions that its measure tells,
-/// and puts the result in its place once that has been measured, too. No failure harms the song.
+/// and puts the result in its place once that is known for whole. No failure harms the song.
 namespace reelcrate {
 
 class ShellRunner;
-class SongMeasurer;
 class ToolDiscovery;
 struct SongMeasure;
 
@@ -29,6 +28,7 @@ struct TrimPlan {
     Kind kind = Kind::leave;
     double start = 0;
     double end = 0;
+    bool hasChapters = false;  ///< to be shifted with it
 
     static TrimPlan of(const SongMeasure& measure);
     double seconds() const { return end - start; }
@@ -39,10 +39,10 @@ QString edgeTrimCommand(const QString& ffmpeg, const QString& input, const TrimP
                         const QString& output);
 
 /// Background threads: it blocks while the converter runs, 180 seconds or half the song's length
-/// more at most, and while the result is measured.
+/// more at most.
 class EdgeTrimmer {
 public:
-    EdgeTrimmer(ShellRunner& shell, const ToolDiscovery& discovery, const SongMeasurer& measurer);
+    EdgeTrimmer(ShellRunner& shell, const ToolDiscovery& discovery);
 
     /// `measure` is of the file that lies there. While it works, a hidden file
     /// ".trim-IDENTIFIER.mp3" lies beside the song.
@@ -53,7 +53,6 @@ private:
 
     ShellRunner& m_shell;
     const ToolDiscovery& m_discovery;
-    const SongMeasurer& m_measurer;
 };
 
 }  // namespace reelcrate

@@ -45,7 +45,7 @@ SongFinisher::SongFinisher(ShellRunner& shell, const ToolDiscovery& discovery,
     : m_library(library),
       m_measurer(shell, discovery),
       m_videoMeasurer(shell, discovery),
-      m_trimmer(shell, discovery, m_measurer),
+      m_trimmer(shell, discovery),
       m_mp4Finisher(shell, discovery, m_videoMeasurer) {}
 
 std::optional<SongFinisher::Prepared> SongFinisher::prepare(const QString& file,

@@ -14,6 +14,7 @@ namespace {
 const QString inputStart = QStringLiteral("[info] Input #0, ");
 const QString outputStart = QStringLiteral("[info] Output #0, ");
 const QString durationStart = QStringLiteral("[info]   Duration: ");
+const QString chaptersStart = QStringLiteral("[info]   Chapters:");
 const QString streamStart = QStringLiteral("[info]   Stream #0:");
 
 constexpr std::array writeErrors{u"Error writing", u"Error closing", u"av_interleaved_write_frame",
@@ -61,6 +62,8 @@ void addInputLine(FfmpegWords& words, const QString& line) {
         words.format = line.mid(inputStart.size()).section(QStringLiteral(", from '"), 0, 0);
     else if (line.startsWith(durationStart))
         words.headerSeconds = secondsOf(line.mid(durationStart.size()));
+    else if (line == chaptersStart)
+        words.hasChapters = true;
     else if (line.startsWith(streamStart)) {
         if (const auto stream = streamOf(line))
             words.streams.append(*stream);

@@ -22,6 +22,7 @@ struct FfmpegWords {
     std::optional<double> headerSeconds;  ///< the length that the file itself tells
     QString format;                       ///< names of the container, separated by commas
     QList<MediaStream> streams;           ///< of the file that is read
+    bool hasChapters = false;             ///< so has it
     QString complaint;                    ///< the first error, otherwise empty
     bool cutOff = false;                  ///< the file ends before its content does
     bool writeFailed = false;             ///< whatever the exit status

@@ -73,6 +73,7 @@ SongMeasure SongMeasurer::measure(const QString& path) const {
                               [&stream](const QByteArray& bytes) { stream.add(bytes); });
     const FfmpegWords words = readFfmpegWords(result.errors);
     measure.headerSeconds = words.headerSeconds;
+    measure.hasChapters = words.hasChapters;
     measure.complaint = result.status == CommandResult::timedOut
                             ? QStringLiteral("the decoder took too long")
                             : words.complaint;

@@ -25,6 +25,7 @@ struct SongMeasure {
     std::optional<SoundEdges> sound;      ///< absent where there is none above -55 dB
     QString complaint;                    ///< what the decoder said first, of whatever weight
     quint64 soundPrint = 0;               ///< the same for the very same samples, whatever the tags
+    bool hasChapters = false;
 };
 
 /// Why the song is not a whole one, for the log; absent when it is. Quiet songs and songs with a

@@ -187,9 +187,12 @@ TEST_F(EngineTest, RunsSixSideBySideInQueueOrder) {
     for (int i = 1; i <= 9; ++i)
         links.append(link("hold", QStringLiteral("song%1").arg(i)));
     addReadRows(links);
+    view.checkTools();
+    ASSERT_TRUE(waitUntil([this] { return view.canDownload(); }));
     view.startDownloads();
     EXPECT_EQ(countWith(QueueStatus::running), 6);
     EXPECT_EQ(countWith(QueueStatus::queued), 3);
+    EXPECT_FALSE(view.canDownload() || view.canDownloadAll());
     EXPECT_EQ(row(6).detail, QStringLiteral("Waiting for open download slot"));
     EXPECT_EQ(view.activeSummary(), QStringLiteral("Downloading up to 6 songs at once"));
     view.startDownloads();
@@ -552,7 +555,11 @@ TEST_F(EngineTest, AnOldDownloaderIsNamedOnceBehindAFailure) {
 }
 
 TEST_F(EngineTest, ASpotifyRowIsDownloadedFromTheBestHit) {
-    machine.tell(QStringLiteral("spotdl.txt"), sample("spotdl_playlist.txt").toUtf8());
+    QString listed = sample("spotdl_playlist.txt");
+    listed.insert(listed.lastIndexOf(u']'),
+                  QStringLiteral(R"(, {"name": "Third", "artist": "Trio", "duration": 200,
+                  "url": "https://open.spotify.com/track/3"})"));
+    machine.tell(QStringLiteral("spotdl.txt"), listed.toUtf8());
     addAndRead(QStringLiteral("https://open.spotify.com/playlist/x"));
     const auto hit = [&](const char* name, const char* suffix, double seconds) {
         return QJsonObject{{QStringLiteral("url"), link("song", QString::fromLatin1(name))},
@@ -571,11 +578,19 @@ TEST_F(EngineTest, ASpotifyRowIsDownloadedFromTheBestHit) {
     EXPECT_THAT(calls(), ElementsAre(QStringLiteral("download right")));
     EXPECT_TRUE(view.runLog().contains(QStringLiteral("3 of 4 hits: ") + row(0).title));
 
+    const auto listOnly = [&](const QJsonObject& only) {
+        machine.tell(
+            QStringLiteral("playlist.json"),
+            QJsonDocument(QJsonObject{{QStringLiteral("entries"), QJsonArray{only}}}).toJson());
+    };
+    // What is as long may still be another song.
+    listOnly(hit("other", "", 200));
+    view.startDownloadRun({row(2).id});
+    ASSERT_TRUE(waitUntil([this] { return view.activeDownloadRuns() == 0; }));
+    EXPECT_TRUE(view.runLog().contains(QStringLiteral("1 of 1 hits (best match is uncertain): ")));
+
     // None is as long as this one.
-    machine.tell(
-        QStringLiteral("playlist.json"),
-        QJsonDocument(QJsonObject{{QStringLiteral("entries"), QJsonArray{hit("short", "", 1)}}})
-            .toJson());
+    listOnly(hit("short", "", 1));
     view.startDownloadRun({row(1).id});
     ASSERT_TRUE(waitUntil([this] { return view.activeDownloadRuns() == 0; }));
     EXPECT_EQ(row(1).status, QueueStatus::complete);

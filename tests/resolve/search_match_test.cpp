@@ -169,6 +169,11 @@ const Case cases[] = {
      "Africa documentary|Geo|50:00\nToto - Africa (Live)|Toto|5:30\n"
      "*Toto - Africa (Official HD Video)|TotoVEVO|4:32\nAfrica|Weezer - Topic|3:58"},
     {"Toto - Africa|", "Toto - Africa greatest hits mix|Toto|1:10:00\n*Africa|Toto - Topic|4:55"},
+    // Of hits that differ in nothing else, the official one; of those that hardly differ, the
+    // first.
+    {"Toto - Africa|4:55",
+     "Toto - Africa Video|Hits|4:55\n*Toto - Africa Official Video|Hits|4:55"},
+    {"Toto - Africa|4:55", "*Toto - Africa Today|Hits|4:55\nToto - Africa|Hits|4:55"},
     {"Bohemian Rhapsody|5:55",
      "Bohemian Rhapsody reaction|x|5:55\n*Queen – Bohemian Rhapsody|Queen Official|6:00"},
 };
