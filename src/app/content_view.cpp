@@ -66,6 +66,7 @@ ContentView::ContentView(ProcessSupervisor& supervisor, ContentViewSetup setup)
     connect(&m_resolution, &ResolutionDriver::logged, this, &ContentView::appendRunLog);
     connect(&m_resolution, &ResolutionDriver::noted, this, [this](const QString& note) {
         m_downloads.appendNote(note);
+        m_readingNotes.append(note);
         Q_EMIT readingNoted(note);
     });
     connect(&m_resolution, &ResolutionDriver::rowRead, this, &ContentView::startWhatWasRead);
@@ -76,8 +77,11 @@ ContentView::ContentView(ProcessSupervisor& supervisor, ContentViewSetup setup)
     connect(&m_update, &UpdateScan::finished, this, &ContentView::updateScanFinished);
     connect(&m_editor, &QueueEditor::summaryChanged, this, &ContentView::setActiveSummary);
     connect(&m_editor, &QueueEditor::selectionChanged, this, &ContentView::selectionChanged);
-    connect(&m_downloads, &DownloadRuns::activeDownloadRunsChanged, this,
-            &ContentView::activeDownloadRunsChanged);
+    connect(&m_downloads, &DownloadRuns::activeDownloadRunsChanged, this, [this] {
+        if (activeDownloadRuns() == 0)
+            m_downloads.appendRunLog(accountText(eventAccount()));
+        Q_EMIT activeDownloadRunsChanged();
+    });
     connect(&m_downloads, &DownloadRuns::runLogCleared, this, &ContentView::runLogCleared);
     connect(&m_downloads, &DownloadRuns::runLogAppended, this, &ContentView::runLogAppended);
 }
@@ -410,6 +414,10 @@ void ContentView::revealOutput(const DownloadItem& item) {
         openFolder(item.outputPath);
     else if (m_setup.showFile)
         m_setup.showFile(item.outputPath);
+}
+
+EventAccount ContentView::eventAccount() const {
+    return accountOf(m_eventName, m_queue.rows(), m_readingNotes);
 }
 
 PlaylistSaving ContentView::savePlaylist() {

@@ -3,6 +3,7 @@
 #include "base/background_tasks.h"
 #include "base/main_queue.h"
 #include "download/download_runs.h"
+#include "library/event_account.h"
 #include "library/event_library.h"
 #include "library/playlist_file.h"
 #include "queue/queue_editor.h"
@@ -173,6 +174,8 @@ public:
 
     /// Shows the row's file in the desktop's file manager, or the folder where it would be.
     void revealOutput(const DownloadItem& item);
+    /// Of all rows, as they are. It is appended to the run log when the last run has ended.
+    EventAccount eventAccount() const;
     /// Writes the complete rows into the event folder as a playlist; the summary tells.
     PlaylistSaving savePlaylist();
     /// Creates the folder, with its parents, where it can.
@@ -224,6 +227,7 @@ private:
     QString m_activeSummary = QStringLiteral("Ready");
     QSet<QUuid> m_startWhenRead;  ///< rows to be downloaded once they have been read
     QList<QUuid> m_waitingRows;   ///< rows that were, and wait for a slot
+    QStringList m_readingNotes;   ///< what was missing in what was read
 
     // In the order of their dependence: each part knows only parts above it.
     MainQueue m_mainQueue;

@@ -17,6 +17,7 @@ const QString headless = QStringLiteral("headless");
 const QString setup = QStringLiteral("setup");
 const QString checkUpdate = QStringLiteral("check-update");
 const QString playlist = QStringLiteral("playlist");
+const QString report = QStringLiteral("report");
 const QString check = QStringLiteral("check");
 const QString help = QStringLiteral("help");
 const QString version = QStringLiteral("version");
@@ -45,6 +46,10 @@ void describe(QCommandLineParser& parser) {
         {checkUpdate, QStringLiteral("Tell whether there is a newer version, and end.")},
         {playlist, QStringLiteral("With --headless: write the event's playlist, NAME.m3u8, into "
                                   "its folder at the end.")},
+        {report,
+         QStringLiteral("With --headless: write the event's account, as JSON, into a file at the "
+                        "end."),
+         QStringLiteral("FILE")},
         {check,
          QStringLiteral("Decode every song in an event's folder, tell what needs attention, and "
                         "end."),
@@ -93,6 +98,7 @@ Arguments parseArguments(const QStringList& commandLine) {
     arguments.headless = parser.isSet(headless);
     arguments.json = parser.isSet(json);
     arguments.savesPlaylist = parser.isSet(playlist);
+    arguments.reportPath = valueOf(parser, report);
     arguments.startsDownloads = parser.isSet(download);
     arguments.eventName = valueOf(parser, event);
     arguments.outputFolder = valueOf(parser, output);
@@ -112,6 +118,10 @@ Arguments parseArguments(const QStringList& commandLine) {
         arguments.usageError = QStringLiteral("No link given.");
     if (arguments.savesPlaylist && !(downloads && arguments.headless))
         arguments.usageError = QStringLiteral("--playlist goes with --headless.");
+    if (arguments.reportPath && !(downloads && arguments.headless))
+        arguments.usageError = QStringLiteral("--report goes with --headless.");
+    if (arguments.reportPath && arguments.reportPath->isEmpty())
+        arguments.usageError = QStringLiteral("The file for the account has no name.");
     if (arguments.needsWindow() &&
         (arguments.json || arguments.texts.contains(QStringLiteral("-"))))
         arguments.usageError = QStringLiteral("--json and - go with --headless.");

@@ -16,8 +16,9 @@ struct Arguments {
     Action action = Action::download;
     bool headless = false;
     bool json = false;
-    bool startsDownloads = false;  ///< in the window: once the links have been read
-    bool savesPlaylist = false;    ///< without a window: at the run's end
+    bool startsDownloads = false;       ///< in the window: once the links have been read
+    bool savesPlaylist = false;         ///< without a window: at the run's end
+    std::optional<QString> reportPath;  ///< without a window: where the account goes
     std::optional<QString> eventName;
     std::optional<QString> outputFolder;
     QString checkedFolder;  ///< for checkFolder

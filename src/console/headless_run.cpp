@@ -1,6 +1,7 @@
 #include "console/headless_run.h"
 
 #include "app/content_view.h"
+#include "console/account_report.h"
 #include "console/print.h"
 #include "console/progress_display.h"
 #include "console/row_text.h"
@@ -22,7 +23,7 @@ const QString standardInput = QStringLiteral("-");
 
 void complain(const QString& text) {
     if (!text.isEmpty())
-        print(stderr, text.trimmed().toUtf8() + '\n');
+        print(stderr, text.toUtf8() + '\n');
 }
 
 }  // namespace
@@ -31,6 +32,7 @@ HeadlessRun::HeadlessRun(ContentView& view, const Arguments& arguments)
     : m_view(view),
       m_json(arguments.json),
       m_savesPlaylist(arguments.savesPlaylist),
+      m_reportPath(arguments.reportPath),
       m_texts(arguments.texts) {
     applySettings(arguments, view);
 
@@ -40,8 +42,6 @@ HeadlessRun::HeadlessRun(ContentView& view, const Arguments& arguments)
     const auto advanceLater = [this] { m_advance.start(0); };
     connect(&view, &ContentView::toolsChanged, this, advanceLater);
     connect(&view, &ContentView::activeDownloadRunsChanged, this, advanceLater);
-    connect(&view, &ContentView::readingNoted, this,
-            [this](const QString& note) { m_notes.append(note); });
     connect(&view.queue(), &QueueStore::rowReplaced, this, advanceLater);
     connect(&view.queue(), &QueueStore::rowChanged, this,
             [advanceLater](qsizetype, QueueStore::Fields fields) {
@@ -71,6 +71,7 @@ void HeadlessRun::advance() {
     if (m_phase == Phase::reading && !isReading())
         startDownloads();
     if (m_phase == Phase::downloading && m_view.activeDownloadRuns() == 0 && !isReading()) {
+        addAccount();
         const bool isSaved = saveWhatIsAskedFor();
         end(isSaved && allRowsAreComplete() ? allComplete : someNeedAttention);
     }
@@ -111,8 +112,26 @@ bool HeadlessRun::allRowsAreComplete() const {
     return !rows.isEmpty() && std::all_of(rows.begin(), rows.end(), isDone);
 }
 
+void HeadlessRun::addAccount() {
+    if (m_view.queue().size() == 0)
+        return;
+    for (const QString& line : accountText(m_view.eventAccount()).trimmed().split(u'\n'))
+        m_notes.append(printable(line));
+}
+
 /// False when it could not be written.
 bool HeadlessRun::saveWhatIsAskedFor() {
+    bool isReported = true;
+    if (m_reportPath) {
+        const QString failure = saveReport(m_view.eventAccount(), *m_reportPath);
+        isReported = failure.isEmpty();
+        if (!isReported)
+            m_notes.append(QStringLiteral("Could not save the account: ") + failure);
+    }
+    return isPlaylistSaved() && isReported;
+}
+
+bool HeadlessRun::isPlaylistSaved() {
     if (!m_savesPlaylist)
         return true;
     const PlaylistSaving saving = m_view.savePlaylist();

@@ -7,6 +7,7 @@
 #include <QTimer>
 
 #include <memory>
+#include <optional>
 
 /// The front end without a window: adds the links, waits until they are read, downloads all, ends.
 /// Main thread.
@@ -42,12 +43,15 @@ private:
     bool isReading() const;
     void startDownloads();
     bool allRowsAreComplete() const;
+    void addAccount();
     bool saveWhatIsAskedFor();
+    bool isPlaylistSaved();
     void end(int exitStatus);
 
     ContentView& m_view;
     const bool m_json;
     const bool m_savesPlaylist;
+    const std::optional<QString> m_reportPath;
     QStringList m_texts;  ///< what the links are taken from
     QStringList m_notes;  ///< for the user, at the end
     std::unique_ptr<StandardInput> m_input;

@@ -85,6 +85,7 @@ QJsonArray queueAsJson(const QList<DownloadItem>& rows) {
             {QStringLiteral("progress"), row.progress},
             {QStringLiteral("hasRealProgress"), row.hasRealProgress},
             {QStringLiteral("cause"), row.cause ? word(*row.cause) : QString()},
+            {QStringLiteral("note"), row.note},
         });
     }
     return array;

@@ -113,7 +113,7 @@ void DownloadRun::leaveStoppedRow(qsizetype position, const RowDownload& downloa
     if (const auto& saved = download.saved()) {  // the stop came too late
         m_stopped.remove(position);
         ++m_ended;
-        m_parts.stages.completeUnlessTaken(m_rows.at(position).id, saved->path, saved->detail);
+        m_parts.stages.completeUnlessTaken(m_rows.at(position).id, *saved);
     }
     Q_EMIT rowEnded(m_songs.at(position));
     if (isDone())

@@ -31,8 +31,8 @@ QString position(double seconds) {
     return QString::number(seconds, 'f', 6);
 }
 
-TrimOutcome skipped(const QString& reason) {
-    return {TrimOutcome::Kind::skipped, reason};
+TrimOutcome skipped(const QString& reason, const SongMeasure& measure) {
+    return {TrimOutcome::Kind::skipped, reason, measure.decodedSeconds};
 }
 
 /// In one step, so that under the name there is always one whole file or the other.
@@ -99,19 +99,19 @@ EdgeTrimmer::EdgeTrimmer(ShellRunner& shell, const ToolDiscovery& discovery)
 
 TrimOutcome EdgeTrimmer::trim(const QString& path, const SongMeasure& measure) const {
     if (!hasExtension(path, QStringLiteral("mp3")))
-        return {TrimOutcome::Kind::noMp3, {}};
+        return {TrimOutcome::Kind::noMp3, {}, measure.decodedSeconds};
     const TrimPlan plan = TrimPlan::of(measure);
     if (plan.kind == TrimPlan::Kind::silent)
-        return skipped(QStringLiteral("nothing in it is louder than -55 dB"));
-    if (plan.kind == TrimPlan::Kind::cut) {
-        const QString temporary = QFileInfo(path).absolutePath() + QStringLiteral("/.trim-") +
-                                  idText(QUuid::createUuid()) + QStringLiteral(".mp3");
-        if (const QString reason = whyNotCut(path, plan, temporary); !reason.isEmpty()) {
-            QFile::remove(temporary);
-            return skipped(reason);
-        }
+        return skipped(QStringLiteral("nothing in it is louder than -55 dB"), measure);
+    if (plan.kind == TrimPlan::Kind::leave)
+        return {TrimOutcome::Kind::trimmed, {}, measure.decodedSeconds};
+    const QString temporary = QFileInfo(path).absolutePath() + QStringLiteral("/.trim-") +
+                              idText(QUuid::createUuid()) + QStringLiteral(".mp3");
+    if (const QString reason = whyNotCut(path, plan, temporary); !reason.isEmpty()) {
+        QFile::remove(temporary);
+        return skipped(reason, measure);
     }
-    return {TrimOutcome::Kind::trimmed, {}};
+    return {TrimOutcome::Kind::trimmed, {}, plan.seconds()};
 }
 
 /// Empty when the cut song has taken the place of the other.

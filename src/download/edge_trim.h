@@ -18,7 +18,8 @@ struct TrimOutcome {
     };
 
     Kind kind = Kind::skipped;
-    QString reason;  ///< why it was skipped, for the log
+    QString reason;      ///< why it was skipped, for the log
+    double seconds = 0;  ///< how long the song is now
 };
 
 /// The part of a song that is kept, in seconds. Pure.

@@ -109,7 +109,7 @@ Mp4Outcome Mp4Finisher::finish(const QString& path) const {
         return {{}, *reason};
     const Mp4Plan plan = Mp4Plan::of(path, source);
     if (plan.leave)
-        return {path, {}};
+        return {path, {}, source.packetSeconds};
 
     const QString folder = QFileInfo(path).absolutePath() + u'/';
     const QString temporary =
@@ -127,7 +127,7 @@ Mp4Outcome Mp4Finisher::finish(const QString& path) const {
     }
     if (finished != path)
         QFile::remove(path);
-    return {finished, {}};
+    return {finished, {}, source.packetSeconds};
 }
 
 std::optional<QString> Mp4Finisher::whyNotMade(const QString& path, const VideoMeasure& source,

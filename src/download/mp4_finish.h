@@ -16,8 +16,9 @@ class VideoMeasurer;
 struct VideoMeasure;
 
 struct Mp4Outcome {
-    QString path;    ///< of the finished file; empty on failure
-    QString reason;  ///< of the failure, for the log
+    QString path;        ///< of the finished file; empty on failure
+    QString reason;      ///< of the failure, for the log
+    double seconds = 0;  ///< how long the video is
 };
 
 struct Mp4Plan {

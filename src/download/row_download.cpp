@@ -8,6 +8,7 @@
 #include "download/output_reader.h"
 #include "download/row_stages.h"
 #include "download/run_log.h"
+#include "download/song_note.h"
 #include "download/working_folder.h"
 #include "library/song_key.h"
 #include "resolve/song_search.h"
@@ -124,18 +125,20 @@ RowDownload::End RowDownload::run(const std::stop_token& programEnds) {
     }
     // Now that nobody else can be about to put it there.
     while (const auto path = fileThatIsThere()) {
-        const auto fault = m_finisher.whyNotWhole(*path, m_plan.target.mode);
+        const SongFinisher::Look look = m_finisher.lookAt(*path, m_plan.target.mode);
         // A look that was broken off says nothing against the song.
         if (stop.stop_requested())
             return End::ended;
-        if (fault) {
+        if (look.fault) {
             logLine(QStringLiteral("%1 is there, but no whole song (%2): it is downloaded again.")
-                        .arg(*path, *fault));
+                        .arg(*path, *look.fault));
             m_parts.library.distrust(*path);
             continue;
         }
         folder.remove();
-        complete(*path, QStringLiteral("Already Downloaded"));
+        complete({.path = *path,
+                  .detail = QStringLiteral("Already Downloaded"),
+                  .playingSeconds = look.seconds});
         return End::ended;
     }
     if (m_item.source == SourceType::spotify)
@@ -149,6 +152,7 @@ void RowDownload::search() {
     const SongSearch songSearch(m_shell, m_parts.discovery);
     const FoundSong found = songSearch.find(m_item, m_plan.target.mode);
     m_found = found.link;
+    m_isUncertain = !found.isCertain;
     logLine(found.remark);
 }
 
@@ -239,27 +243,30 @@ void RowDownload::finish(WorkingFolder& folder, std::optional<double> sourceSeco
     // A link that was not read before may have stood for several. What enters is compared with what
     // is there, so a stop does not reach so far: half of them, or one under two names, helps
     // nobody.
-    std::optional<QString> last;
+    SavedSong saved;
     qsizetype entered = 0;
     for (const SongFinisher::Prepared& song : std::as_const(songs)) {
         if (auto path = m_parts.finisher.enter(song.path, m_songKey, m_plan.target, log)) {
-            last = std::move(path);
+            saved.path = *std::move(path);
+            saved.detail = song.detail;
+            saved.downloadedSeconds += song.downloadedSeconds;
+            saved.playingSeconds += song.playingSeconds;
             ++entered;
         }
     }
     if (entered > 0 && entered == files.size()) {
         folder.remove();
-        complete(*last, songs.last().detail);
+        if (entered == 1)
+            saved.note = songNote({m_isUncertain, saved.downloadedSeconds, m_item.duration});
+        complete(saved);
     } else {
         fail(causeWithoutWords(folder));
     }
 }
 
-void RowDownload::complete(const QString& path, const QString& detail) {
-    m_saved = {path, detail};
-    post([&stages = m_parts.stages, id = m_item.id, path, detail] {
-        stages.complete(id, path, detail);
-    });
+void RowDownload::complete(const SavedSong& saved) {
+    m_saved = saved;
+    post([&stages = m_parts.stages, id = m_item.id, saved] { stages.complete(id, saved); });
 }
 
 void RowDownload::fail(FailureCause cause) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "download/download_command.h"
+#include "download/row_stages.h"
 #include "download/song_finish.h"
 #include "library/event_library.h"
 #include "records/download_item.h"
@@ -19,7 +20,6 @@ namespace reelcrate {
 class EventLibrary;
 class MainQueue;
 class OutputReader;
-class RowStages;
 class RunLog;
 class ToolDiscovery;
 class WorkingFolder;
@@ -66,12 +66,6 @@ public:
         elsewhere,  ///< not begun: another program is at the same song
     };
 
-    /// A song that is in the event folder, and the complete row's text.
-    struct Saved {
-        QString path;
-        QString detail;
-    };
-
     /// `position` counts from 0 among the run's rows.
     RowDownload(DownloadParts parts, RunPlan plan, DownloadItem item, qsizetype position);
 
@@ -90,7 +84,7 @@ public:
     std::optional<FailureCause> cause() const { return m_cause; }
 
     /// The song, after run(), also when the stop came too late for it.
-    const std::optional<Saved>& saved() const { return m_saved; }
+    const std::optional<SavedSong>& saved() const { return m_saved; }
 
 private:
     class Output;
@@ -103,7 +97,7 @@ private:
     void finish(WorkingFolder& folder, std::optional<double> sourceSeconds,
                 const std::stop_token& stop);
     std::optional<QString> fileThatIsThere() const;
-    void complete(const QString& path, const QString& detail);
+    void complete(const SavedSong& saved);
     void fail(FailureCause cause);
     FailureCause causeOf(const OutputReader& output, const WorkingFolder& folder) const;
     void logLine(const QString& line) const;
@@ -119,8 +113,9 @@ private:
     ShellRunner m_shell;            ///< what it runs ends with the download
     const SongFinisher m_finisher;  ///< likewise
     std::optional<FailureCause> m_cause;
-    std::optional<Saved> m_saved;
-    QString m_found;  ///< the link of the best hit, where the row has to be searched for
+    std::optional<SavedSong> m_saved;
+    QString m_found;             ///< the link of the best hit, where the row has to be searched for
+    bool m_isUncertain = false;  ///< the row had to be searched for, and nothing fitted well
 };
 
 }  // namespace reelcrate

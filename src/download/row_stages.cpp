@@ -100,21 +100,24 @@ void RowStages::applyDownloadOutput(const DownloadItem& item, DownloadMode mode,
                outputEffect(*row, mode, piece));
 }
 
-void RowStages::complete(const QUuid& id, const QString& path, const QString& detail) {
+void RowStages::complete(const QUuid& id, const SavedSong& song) {
     m_crawls.cancel(id);
     m_queue.update(id, [&](DownloadItem& row) {
         row.status = QueueStatus::complete;
         row.progress = 1.0;
         row.hasRealProgress = false;
-        row.detail = detail;
-        row.outputPath = path;
+        row.detail = song.detail;
+        row.outputPath = song.path;
+        row.note = song.note;
+        row.downloadedSeconds = song.downloadedSeconds;
+        row.playingSeconds = song.playingSeconds;
     });
 }
 
-void RowStages::completeUnlessTaken(const QUuid& id, const QString& path, const QString& detail) {
+void RowStages::completeUnlessTaken(const QUuid& id, const SavedSong& song) {
     const DownloadItem* row = m_queue.find(id);
     if (row != nullptr && row->status == QueueStatus::waiting)
-        complete(id, path, detail);
+        complete(id, song);
 }
 
 void RowStages::fail(const QUuid& id, FailureCause cause) {

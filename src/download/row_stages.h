@@ -13,6 +13,15 @@ namespace reelcrate {
 class ProgressCrawls;
 class QueueStore;
 
+/// A song that is in the event folder, and what its row tells of it.
+struct SavedSong {
+    QString path;
+    QString detail;
+    QString note = {};             ///< empty where nothing is remarkable
+    double downloadedSeconds = 0;  ///< before its silent edges were cut; 0: not known
+    double playingSeconds = 0;     ///< of the file; 0: not known
+};
+
 class RowStages {
 public:
     RowStages(QueueStore& queue, ProgressCrawls& crawls);
@@ -32,11 +41,10 @@ public:
     /// One trimmed piece of the downloader's output.
     void applyDownloadOutput(const DownloadItem& item, DownloadMode mode, const QString& piece);
 
-    /// The song is in the event folder, at this path.
-    void complete(const QUuid& id, const QString& path, const QString& detail);
+    void complete(const QUuid& id, const SavedSong& song);
 
     /// The same, of a row that was given back, unless another run has taken it meanwhile.
-    void completeUnlessTaken(const QUuid& id, const QString& path, const QString& detail);
+    void completeUnlessTaken(const QUuid& id, const SavedSong& song);
 
     void fail(const QUuid& id, FailureCause cause);
 

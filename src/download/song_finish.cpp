@@ -76,7 +76,7 @@ std::optional<SongFinisher::Prepared> SongFinisher::prepareSong(const QString& f
     const TrimOutcome trim = m_trimmer.trim(file, measure);
     if (!trim.reason.isEmpty())
         log(about(file, trim.reason));
-    return Prepared{file, savedText(trim, target)};
+    return Prepared{file, savedText(trim, target), measure.decodedSeconds, trim.seconds};
 }
 
 std::optional<SongFinisher::Prepared> SongFinisher::prepareVideo(const QString& file,
@@ -87,7 +87,7 @@ std::optional<SongFinisher::Prepared> SongFinisher::prepareVideo(const QString& 
         log(about(file, video.reason));
     if (video.path.isEmpty())
         return std::nullopt;
-    return Prepared{video.path, savedText(target)};
+    return Prepared{video.path, savedText(target), video.seconds, video.seconds};
 }
 
 std::optional<QString> SongFinisher::enter(const QString& file, const QString& songKey,
@@ -122,19 +122,13 @@ std::optional<double> SongFinisher::damagedLength(const QString& source, const L
     return measure.headerSeconds.value_or(measure.decodedSeconds);
 }
 
-std::optional<QString> SongFinisher::whyNotWhole(const QString& file, DownloadMode mode) const {
-    return mode == DownloadMode::video ? whyNoWholeVideo(m_videoMeasurer.measure(file))
-                                       : whyNoWholeSong(m_measurer.measure(file));
-}
-
-/// In seconds; absent when the file is not whole.
-std::optional<double> SongFinisher::length(const QString& file) const {
-    if (hasFinishedExtension(file, DownloadMode::video)) {
+SongFinisher::Look SongFinisher::lookAt(const QString& file, DownloadMode mode) const {
+    if (mode == DownloadMode::video) {
         const VideoMeasure video = m_videoMeasurer.measure(file);
-        return whyNoWholeVideo(video) ? std::nullopt : std::optional(video.packetSeconds);
+        return {whyNoWholeVideo(video), video.packetSeconds};
     }
     const SongMeasure song = m_measurer.measure(file);
-    return whyNoWholeSong(song) ? std::nullopt : std::optional(song.decodedSeconds);
+    return {whyNoWholeSong(song), song.decodedSeconds};
 }
 
 /// Of what came in this run, different links are known for different songs: as long is not enough.
@@ -143,9 +137,13 @@ bool SongFinisher::isSameSong(const QString& file, const QString& there, bool is
         const QString own = m_measurer.soundHash(file);
         return !own.isEmpty() && own == m_measurer.soundHash(there);
     }
-    const auto own = length(file);
-    const auto other = length(there);
-    return own && other && std::abs(*own - *other) <= sameLengthSeconds;
+    const auto look = [this](const QString& path) {
+        return lookAt(path, hasFinishedExtension(path, DownloadMode::video) ? DownloadMode::video
+                                                                            : DownloadMode::audio);
+    };
+    const Look own = look(file);
+    const Look other = look(there);
+    return !own.fault && !other.fault && std::abs(own.seconds - other.seconds) <= sameLengthSeconds;
 }
 
 }  // namespace reelcrate

@@ -26,7 +26,15 @@ public:
     /// A file that may enter.
     struct Prepared {
         QString path;
-        QString detail;  ///< the complete row's text
+        QString detail;                ///< the complete row's text
+        double downloadedSeconds = 0;  ///< before its silent edges were cut
+        double playingSeconds = 0;     ///< as it is now
+    };
+
+    /// What a look at a file of the event folder tells.
+    struct Look {
+        std::optional<QString> fault;  ///< why it is no whole song or video; absent when it is one
+        double seconds = 0;            ///< how long it is, if it is whole
     };
 
     SongFinisher(ShellRunner& shell, const ToolDiscovery& discovery, EventLibrary& library);
@@ -41,8 +49,7 @@ public:
     std::optional<QString> enter(const QString& file, const QString& songKey,
                                  const EventTarget& target, const Log& log) const;
 
-    /// Why a file of the event folder is no whole song or video; absent when it is one.
-    std::optional<QString> whyNotWhole(const QString& file, DownloadMode mode) const;
+    Look lookAt(const QString& file, DownloadMode mode) const;
 
     /// The length in seconds of what can be heard of a source that was not converted, if something
     /// in it is damaged, and the log says so. Absent when it is sound, or when there is nothing.
@@ -54,8 +61,6 @@ private:
     std::optional<Prepared> prepareVideo(const QString& file, const EventTarget& target,
                                          const Log& log) const;
     bool isSameSong(const QString& file, const QString& there, bool isOfThisRun) const;
-
-    std::optional<double> length(const QString& file) const;
 
     EventLibrary& m_library;
     const SongMeasurer m_measurer;

@@ -28,6 +28,9 @@ QueueStore::Fields changedFields(const DownloadItem& before, const DownloadItem&
     compare(QueueStore::PlaylistItem, &DownloadItem::playlistItem);
     compare(QueueStore::Reading, &DownloadItem::reading);
     compare(QueueStore::Cause, &DownloadItem::cause);
+    compare(QueueStore::Note, &DownloadItem::note);
+    compare(QueueStore::Lengths, &DownloadItem::downloadedSeconds);
+    compare(QueueStore::Lengths, &DownloadItem::playingSeconds);
     return fields;
 }
 
@@ -132,6 +135,11 @@ bool QueueStore::update(const QUuid& id, const Change& change) {
     change(row);
     if (row.status != QueueStatus::failed)
         row.cause.reset();
+    if (row.status != QueueStatus::complete) {
+        row.note.clear();
+        row.downloadedSeconds = 0;
+        row.playingSeconds = 0;
+    }
     const Fields fields = changedFields(m_rows.at(index), row);
     if (!fields)
         return true;

@@ -34,6 +34,8 @@ public:
         PlaylistItem = 1 << 11,
         Reading = 1 << 12,
         Cause = 1 << 13,
+        Note = 1 << 14,
+        Lengths = 1 << 15,
     };
     Q_DECLARE_FLAGS(Fields, Field)
 

@@ -41,6 +41,9 @@ struct DownloadItem {
     bool hasRealProgress = false;  ///< the shown progress is the tool's own percentage
     int playlistItem = 0;  ///< which of several media on one page, from 1; 0: all that is there
     LinkReading reading = LinkReading::open;
+    QString note;                  ///< of a complete row: what to know beside its detail
+    double downloadedSeconds = 0;  ///< of a complete row, before its edges were cut; 0: not known
+    double playingSeconds = 0;     ///< of a complete row's file; 0: not known
     std::optional<FailureCause> cause;  ///< of a download that failed; absent in all other states
 
     friend bool operator==(const DownloadItem&, const DownloadItem&) = default;

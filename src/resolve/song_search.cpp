@@ -2,7 +2,6 @@
 
 #include "base/duration_text.h"
 #include "resolve/media_probe_output.h"
-#include "resolve/media_values.h"
 #include "resolve/search_match.h"
 #include "resolve/spotify_songs.h"
 #include "tools/shell_runner.h"
@@ -48,7 +47,8 @@ FoundSong SongSearch::find(const DownloadItem& item, DownloadMode mode) const {
                           .arg(hits.size())
                           .arg(best->isCertain ? QString()
                                                : QStringLiteral(" (best match is uncertain)")) +
-                      described(hit)};
+                      described(hit),
+            .isCertain = best->isCertain};
 }
 
 }  // namespace reelcrate

@@ -14,8 +14,9 @@ class ShellRunner;
 class ToolDiscovery;
 
 struct FoundSong {
-    QString link;    ///< empty: no hit is long enough, or none was listed
-    QString remark;  ///< for the log: what was chosen, and whether that is sure
+    QString link;            ///< empty: no hit is long enough, or none was listed
+    QString remark;          ///< for the log: what was chosen, and whether that is sure
+    bool isCertain = false;  ///< false: it may well be another song
 };
 
 class SongSearch {

@@ -13,6 +13,8 @@ Surface {
     required property string subtitle
     /// What the subtitle may be the beginning of.
     property string wholeSubtitle
+    /// There is more to it than the beginning.
+    readonly property bool tells: wholeSubtitle !== "" && wholeSubtitle !== subtitle
 
     width: 280
     // The same for one line and two: a card that changes its height moves all below it.
@@ -96,7 +98,7 @@ Surface {
         id: pointer
     }
     HelpTip {
-        text: subtitle.truncated ? root.wholeSubtitle || root.subtitle : root.headline
-        visible: pointer.hovered && (headline.truncated || subtitle.truncated)
+        text: root.tells || subtitle.truncated ? root.wholeSubtitle || root.subtitle : root.headline
+        visible: pointer.hovered && (root.tells || headline.truncated || subtitle.truncated)
     }
 }

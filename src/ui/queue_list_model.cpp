@@ -31,7 +31,7 @@ const QList<int> stateRoles =
     actionRoles;
 
 /// What of a row's look follows from a field of its record.
-const std::array<std::pair<QueueStore::Field, QList<int>>, 9> rolesOfFields{{
+const std::array<std::pair<QueueStore::Field, QList<int>>, 10> rolesOfFields{{
     {QueueStore::Url, {Model::Title, Model::WholeTitle, Model::Subtitle, Model::AccessibleName}},
     {QueueStore::Source,
      {Model::SourceLabel, Model::SourceSymbol, Model::SourceTint, Model::Subtitle,
@@ -40,6 +40,8 @@ const std::array<std::pair<QueueStore::Field, QList<int>>, 9> rolesOfFields{{
     {QueueStore::Detail, QList<int>{Model::Headline, Model::Subtitle, Model::WholeSubtitle,
                                     Model::AccessibleName, Model::AccessibleDescription} +
                              actionRoles},
+    {QueueStore::Note,
+     {Model::Subtitle, Model::WholeSubtitle, Model::AccessibleName, Model::AccessibleDescription}},
     {QueueStore::Title, QList<int>{Model::Title, Model::WholeTitle, Model::AccessibleName,
                                    Model::AccessibleDescription} +
                             actionRoles},
@@ -125,7 +127,7 @@ QVariant QueueListModel::data(const QModelIndex& index, int role) const {
         case WholeTitle:
             return queueRowWholeTitle(item);
         case WholeSubtitle:
-            return shortened(queueRowError(item), longestReadText);
+            return shortened(queueRowError(item) + queueRowNoteHelp(item), longestReadText);
         default:
             break;
     }

@@ -1,5 +1,6 @@
 #include "ui/reelcrate_app.h"
 
+#include "base/duration_text.h"
 #include "theme/tech_theme.h"
 #include "ui/accessible_button.h"
 #include "ui/queue_outline.h"
@@ -187,6 +188,8 @@ void ReelcrateApp::announceEnd(int complete, int needAttention) {
     if (needAttention > 0)
         text += needAttention == 1 ? QStringLiteral(" 1 needs attention.")
                                    : QStringLiteral(" %1 need attention.").arg(needAttention);
+    if (const QString time = formatDuration(m_view->eventAccount().playingSeconds); !time.isEmpty())
+        text += QStringLiteral(" Playing time of the event: %1.").arg(time);
     m_notifications.show(QStringLiteral("Download run finished"), text);
 }
 

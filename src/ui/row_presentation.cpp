@@ -1,5 +1,6 @@
 #include "ui/row_presentation.h"
 
+#include "base/duration_text.h"
 #include "queue/links.h"
 #include "theme/tech_theme.h"
 
@@ -47,6 +48,8 @@ struct TextRule {
     QLatin1String detail;
     QLatin1String text;
 };
+
+const QString noteSign = QStringLiteral("\u26A0 ");
 
 // By a part of the lower-cased detail; the first that applies decides.
 constexpr std::array completeHeadlines{
@@ -193,7 +196,7 @@ std::optional<QString> queueStatusSubtitle(const DownloadItem& item) {
     if (item.status == QueueStatus::failed)
         return detail.isEmpty() ? std::nullopt : std::optional(detail);
     if (item.status == QueueStatus::complete)
-        return completeSubtitle(detail);
+        return item.note.isEmpty() ? completeSubtitle(detail) : noteSign + item.note;
     if (item.isResolvingInfo)
         return readingSubtitle(item, detail);
     if (item.status == QueueStatus::running)
@@ -202,6 +205,16 @@ std::optional<QString> queueStatusSubtitle(const DownloadItem& item) {
         return std::nullopt;
     return item.status == QueueStatus::waiting ? QStringLiteral("Click gold arrow to download")
                                                : QStringLiteral("Starts when a slot opens");
+}
+
+QString queueRowNoteHelp(const DownloadItem& item) {
+    if (item.note.isEmpty())
+        return {};
+    QString help = item.note + u'.';
+    if (!item.duration.isEmpty() && item.downloadedSeconds > 0)
+        help += QStringLiteral(" Listed: %1. Downloaded: %2.")
+                    .arg(item.duration, formatDuration(item.downloadedSeconds));
+    return help;
 }
 
 QString queueStatusIcon(const DownloadItem& item) {
@@ -304,6 +317,8 @@ QString rowAccessibleDescription(const DownloadItem& item) {
         parts.append(queueRowWholeTitle(item));
     if (const QString error = queueRowError(item); !error.isEmpty())
         parts.append(shortened(error, longestReadText));
+    if (!item.note.isEmpty())
+        parts.append(queueRowNoteHelp(item));
     return parts.join(u'\n');
 }
 

@@ -32,8 +32,11 @@ QString queueRowError(const DownloadItem& item);
 QString queueStatusHeadline(const DownloadItem& item);
 QColor queueDetailColor(const DownloadItem& item);
 
-/// The status window's second line, if any.
+/// The status window's second line, if any: a complete row's note, where it has one.
 std::optional<QString> queueStatusSubtitle(const DownloadItem& item);
+
+/// What the note is about, to be read at leisure; empty for a row without one.
+QString queueRowNoteHelp(const DownloadItem& item);
 
 QString queueStatusIcon(const DownloadItem& item);
 

@@ -588,6 +588,11 @@ TEST_F(EngineTest, ASpotifyRowIsDownloadedFromTheBestHit) {
     view.startDownloadRun({row(2).id});
     ASSERT_TRUE(waitUntil([this] { return view.activeDownloadRuns() == 0; }));
     EXPECT_TRUE(view.runLog().contains(QStringLiteral("1 of 1 hits (best match is uncertain): ")));
+    EXPECT_TRUE(row(2).note.startsWith(QStringLiteral("Best match is uncertain; ")));
+    EXPECT_TRUE(waitUntil([this] {
+        return view.runLog().contains(row(2).title + QStringLiteral(" - ") + row(2).note);
+    }));
+    EXPECT_GT(row(2).playingSeconds, 0);
 
     // None is as long as this one.
     listOnly(hit("short", "", 1));

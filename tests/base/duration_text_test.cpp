@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 namespace reelcrate {
 namespace {
 
@@ -14,6 +16,16 @@ TEST(SecondsOfDuration, ReadsWhatIsShown) {
     };
     for (const auto& [text, seconds] : cases)
         EXPECT_EQ(secondsOfDuration(QString::fromUtf8(text)), seconds) << text;
+}
+
+TEST(FormatDuration, RoundsAndGroups) {
+    const std::pair<double, const char*> cases[] = {
+        {0.4, "0:00"},       {59.4, "0:59"},      {59.5, "1:00"}, {3599, "59:59"},
+        {3599.5, "1:00:00"}, {36061, "10:01:01"}, {0, ""},        {-1, ""},
+        {INFINITY, ""},      {NAN, ""},           {9.3e18, ""},
+    };
+    for (const auto& [seconds, text] : cases)
+        EXPECT_EQ(formatDuration(seconds), QString::fromLatin1(text)) << seconds;
 }
 
 }  // namespace

@@ -65,6 +65,21 @@ void expectRowColors(Function function, std::initializer_list<RowCase<QColor>> c
     }
 }
 
+DownloadItem noted(DownloadItem row, const char* note) {
+    row.note = text(note);
+    row.duration = QStringLiteral("3:45");
+    row.downloadedSeconds = 232;
+    return row;
+}
+
+TEST(RowPresentation, ANoteIsToldWhole) {
+    expectRowTexts(queueRowNoteHelp, {{"none", rowIn(complete), ""},
+                                      {"note", noted(rowIn(complete), "7 s longer"),
+                                       "7 s longer. Listed: 3:45. Downloaded: 3:52."}});
+    EXPECT_TRUE(rowAccessibleDescription(noted(rowIn(complete), "7 s longer"))
+                    .contains(QStringLiteral("Downloaded: 3:52")));
+}
+
 TEST(RowPresentation, TitleIsOneLine) {
     expectRowTexts(
         queueRowTitle,
@@ -88,6 +103,8 @@ TEST(RowPresentation, SubtitleFollowsStatusAndDetail) {
           "Silent start/end removed"},
          {"trimmed, other case", rowIn(complete, "TRIMMED"), "Silent start/end removed"},
          {"not trimmed", rowIn(complete, "Saved; silence trim skipped"), "Ready in folder"},
+         {"with a note", noted(rowIn(complete, "Saved; trimmed silent start/end"), "7 s longer"),
+          "\u26A0 7 s longer"},
          {"complete, read again", resolving(rowIn(complete, "Trying again")), "Ready in folder"},
          {"waiting", rowIn(waiting, "Trying again"), "Click gold arrow to download"},
          {"queued", rowIn(queued), "Starts when a slot opens"},
