@@ -20,7 +20,8 @@ namespace {
 
 bool needsReading(const DownloadItem& row) {
     const bool isFree = row.status == QueueStatus::waiting || row.status == QueueStatus::failed;
-    return isFree && row.source == SourceType::spotify && row.reading == LinkReading::open;
+    const bool isUnlisted = row.source == SourceType::spotify && row.reading == LinkReading::open;
+    return isFree && (isUnlisted || row.reading == LinkReading::givenUp);
 }
 
 }  // namespace
@@ -44,15 +45,14 @@ ContentView::ContentView(ProcessSupervisor& supervisor, ContentViewSetup setup)
       m_readiness(m_shell, m_discovery, m_background, m_mainQueue),
       m_installer(m_shell, m_discovery, m_readiness, m_background, m_mainQueue,
                   m_setup.installerSources),
-      m_probe(m_shell, m_discovery),
-      m_spotify(m_shell, m_discovery),
       m_resolution(
-          m_queue, m_probe, m_spotify, m_library, [this] { return runTarget().event; },
+          m_queue, m_shell, m_discovery, m_library, [this] { return runTarget().event; },
           m_background, m_mainQueue, m_setup.resolutionTiming),
       m_downloads(m_queue, m_shell, m_discovery, m_library, m_background, m_mainQueue,
                   m_setup.downloadTiming, [this] { return m_readiness.foundYtDlp(); }),
       m_editor(
-          m_queue, [this] { return activeDownloadRuns() > 0; }, m_setup.textEditing),
+          m_queue, [this] { return activeDownloadRuns() > 0; }, m_setup.textEditing,
+          [this](const QSet<QUuid>& ids) { return stopQueueItems(ids); }),
       m_update(appVersion, appBuild, m_setup.updateScan) {
     connect(&m_readiness, &ToolReadiness::toolsChanged, this, &ContentView::toolsChanged);
     connect(&m_installer, &ToolInstaller::isInstallingToolsChanged, this,
@@ -144,6 +144,23 @@ bool ContentView::canDownload() const {
 bool ContentView::canDownloadAll() const {
     const QList<DownloadItem>& rows = m_queue.rows();
     return canDownload() && std::any_of(rows.begin(), rows.end(), isDownloadable);
+}
+
+bool ContentView::isStoppable(const DownloadItem& row) const {
+    return isUnderWay(row) || row.isResolvingInfo || m_waitingRows.contains(row.id);
+}
+
+bool ContentView::canStop(const QSet<QUuid>& ids) const {
+    return std::any_of(ids.begin(), ids.end(), [this](const QUuid& id) {
+        const DownloadItem* row = m_queue.find(id);
+        return row != nullptr && isStoppable(*row);
+    });
+}
+
+bool ContentView::canStopAll() const {
+    const QList<DownloadItem>& rows = m_queue.rows();
+    return std::any_of(rows.begin(), rows.end(),
+                       [this](const DownloadItem& row) { return isStoppable(row); });
 }
 
 QString ContentView::defaultEventName() {
@@ -312,18 +329,21 @@ void ContentView::startDownloadRun(const QList<QUuid>& itemIDs) {
         setActiveSummary(setupDetailText());
         return;
     }
-    const bool readsFirst = readWhatNeedsReading(itemIDs);
-    const bool hasStartable = std::any_of(itemIDs.begin(), itemIDs.end(), [this](const QUuid& id) {
+    readWhatNeedsReading(itemIDs);
+    QList<QUuid> known = itemIDs;
+    known.removeIf([this](const QUuid& id) { return m_startWhenRead.contains(id); });
+    const bool hasStartable = std::any_of(known.begin(), known.end(), [this](const QUuid& id) {
         const DownloadItem* row = m_queue.find(id);
         return row != nullptr && isStartable(*row);
     });
-    if (hasStartable || !readsFirst)
-        m_downloads.startDownloadRun(itemIDs, runTarget());
+    if (hasStartable || known.size() == itemIDs.size())
+        m_downloads.startDownloadRun(known, runTarget());
 }
 
-/// Of a Spotify link that was not listed nothing can be searched for: it is read again, and what it
-/// turns out to be is downloaded then. False when none of the rows is such a one.
-bool ContentView::readWhatNeedsReading(const QList<QUuid>& itemIDs) {
+/// Of a Spotify link that was not listed nothing can be searched for, and what a link stands for
+/// whose reading was stopped is not known: it is read again, and what it turns out to be is
+/// downloaded then.
+void ContentView::readWhatNeedsReading(const QList<QUuid>& itemIDs) {
     QList<DownloadItem> unread;
     for (const QUuid& id : itemIDs) {
         const DownloadItem* row = m_queue.find(id);
@@ -335,7 +355,6 @@ bool ContentView::readWhatNeedsReading(const QList<QUuid>& itemIDs) {
         if (!row.isResolvingInfo)
             m_resolution.retryResolveInfo(row);
     }
-    return !unread.isEmpty();
 }
 
 void ContentView::startWhatWasRead(const QUuid& id, const QList<QUuid>& newRows) {
@@ -350,6 +369,31 @@ void ContentView::startWaitingRows() {
     if (m_waitingRows.isEmpty() || m_downloads.freeSlots() < 1)
         return;
     m_downloads.startDownloadRun(std::exchange(m_waitingRows, {}), runTarget());
+}
+
+bool ContentView::stopQueueItems(const QSet<QUuid>& ids) {
+    QSet<QUuid> stopped;
+    for (const QUuid& id : ids) {
+        const DownloadItem* row = m_queue.find(id);
+        if (row != nullptr && isStoppable(*row))
+            stopped.insert(id);
+    }
+    if (stopped.isEmpty())
+        return false;
+    m_startWhenRead.subtract(stopped);
+    m_waitingRows.removeIf([&](const QUuid& id) { return stopped.contains(id); });
+    m_resolution.stop(stopped);
+    m_downloads.stop(stopped);
+    setActiveSummary(QStringLiteral("Stopped %1 song").arg(stopped.size()) +
+                     pluralSuffix(stopped.size()));
+    return true;
+}
+
+void ContentView::stopAll() {
+    QSet<QUuid> ids;
+    for (const DownloadItem& row : m_queue.rows())
+        ids.insert(row.id);
+    stopQueueItems(ids);
 }
 
 void ContentView::appendRunLog(const QString& text) {

@@ -10,9 +10,7 @@
 #include "records/download_item.h"
 #include "records/download_mode.h"
 #include "records/media_records.h"
-#include "resolve/media_probe.h"
 #include "resolve/resolution_driver.h"
-#include "resolve/spotify_expansion.h"
 #include "tools/process_supervisor.h"
 #include "tools/shell_runner.h"
 #include "tools/tool_discovery.h"
@@ -106,6 +104,9 @@ public:
     /// Whether the next row that is asked for would start.
     bool canDownload() const;
     bool canDownloadAll() const;
+    /// Whether one of these rows, or any row, runs, waits or is being read.
+    bool canStop(const QSet<QUuid>& ids) const;
+    bool canStopAll() const;
 
     // Defaults
 
@@ -160,6 +161,10 @@ public:
     void startDownloads();
     /// Starts nothing while a tool is known to be missing; the summary says which.
     void startDownloadRun(const QList<QUuid>& itemIDs);
+    /// Stops what runs, waits or is being read among these rows: they are ready again. False when
+    /// nothing does.
+    bool stopQueueItems(const QSet<QUuid>& ids);
+    void stopAll();
     /// Any thread.
     void appendRunLog(const QString& text);
     void crawlQueueProgress(const QUuid& itemID, double target, double duration);
@@ -206,9 +211,10 @@ private:
     void setActiveSummary(const QString& text);
     void addSongsBehind(const QStringList& links);
     RunTarget runTarget() const;
-    bool readWhatNeedsReading(const QList<QUuid>& itemIDs);
+    void readWhatNeedsReading(const QList<QUuid>& itemIDs);
     void startWhatWasRead(const QUuid& id, const QList<QUuid>& newRows);
     void startWaitingRows();
+    bool isStoppable(const DownloadItem& row) const;
 
     const ContentViewSetup m_setup;
     QString m_eventName = defaultEventName();
@@ -227,8 +233,6 @@ private:
     BackgroundTasks m_background;
     ToolReadiness m_readiness;
     ToolInstaller m_installer;
-    MediaProbe m_probe;
-    SpotifyExpansion m_spotify;
     EventLibrary m_library;
     ResolutionDriver m_resolution;
     DownloadRuns m_downloads;

@@ -66,9 +66,7 @@ void DownloadRun::startRows(qsizetype freeSlots) {
 std::optional<qsizetype> DownloadRun::takeNextRow() {
     if (m_running == m_slotCount)
         return std::nullopt;
-    auto position = m_order.takeNext(m_runningSongs);
-    while (position && m_givenBack.contains(*position))
-        position = m_order.takeNext(m_runningSongs);
+    const auto position = m_order.takeNext(m_runningSongs);
     if (position) {
         ++m_running;
         m_started.insert(*position);
@@ -92,18 +90,69 @@ void DownloadRun::startRow(qsizetype position) {
     // At once, so that the rows that are shown as running are always those that take up a slot.
     m_parts.stages.prepareAgain(row.id, m_plan.target.mode);
     auto download = std::make_shared<RowDownload>(m_parts, m_plan, row, position);
-    m_background.run([this, position, download](const std::stop_token& stop) {
-        const RowDownload::End end = download->run(stop);
-        // A stopped download did not end: the program does.
-        if (stop.stop_requested())
-            return;
-        m_parts.mainQueue.post([this, position, end, download] {
-            if (end == RowDownload::End::elsewhere)
-                putBackRow(position);
-            else
-                countRow(position, download->cause());
-        });
+    m_downloads.insert(position, download);
+    m_background.run([this, position, download](const std::stop_token& programEnds) {
+        const RowDownload::End end = download->run(programEnds);
+        if (!programEnds.stop_requested())
+            m_parts.mainQueue.post([this, position, end] { leaveRow(position, end); });
     });
+}
+
+void DownloadRun::leaveRow(qsizetype position, RowDownload::End end) {
+    const std::shared_ptr<RowDownload> download = m_downloads.take(position);
+    if (m_stopped.contains(position))
+        leaveStoppedRow(position, *download);
+    else if (end == RowDownload::End::elsewhere)
+        putBackRow(position);
+    else
+        countRow(position, download->cause());
+}
+
+/// Its child has ended, and its song may be downloaded again.
+void DownloadRun::leaveStoppedRow(qsizetype position, const RowDownload& download) {
+    if (const auto& saved = download.saved()) {  // the stop came too late
+        m_stopped.remove(position);
+        ++m_ended;
+        m_parts.stages.completeUnlessTaken(m_rows.at(position).id, saved->path, saved->detail);
+    }
+    Q_EMIT rowEnded(m_songs.at(position));
+    if (isDone())
+        Q_EMIT finished();
+}
+
+bool DownloadRun::isUnderWay(qsizetype position) const {
+    if (m_stopped.contains(position) || m_givenBack.contains(position))
+        return false;
+    return !m_started.contains(position) || m_downloads.contains(position);
+}
+
+/// How many rows are under way.
+qsizetype DownloadRun::leftCount() const {
+    return m_rows.size() - m_ended - m_givenBack.size() - m_stopped.size();
+}
+
+void DownloadRun::stop(const QSet<QUuid>& itemIDs) {
+    bool anyIsStopped = false;
+    for (qsizetype position = 0; position < m_rows.size(); ++position) {
+        if (!itemIDs.contains(m_rows.at(position).id) || !isUnderWay(position))
+            continue;
+        stopRow(position);
+        anyIsStopped = true;
+    }
+    if (anyIsStopped && isDone())
+        Q_EMIT finished();
+}
+
+void DownloadRun::stopRow(qsizetype position) {
+    m_stopped.insert(position);
+    if (const auto download = m_downloads.value(position)) {
+        download->stop();
+        --m_running;
+        m_parts.log.append(download->number() + QStringLiteral(" Stopped."));
+    } else {
+        m_order.drop(position);
+    }
+    m_parts.stages.giveBack(m_rows.at(position).id);
 }
 
 void DownloadRun::countRow(qsizetype position, std::optional<FailureCause> cause) {
@@ -112,10 +161,9 @@ void DownloadRun::countRow(qsizetype position, std::optional<FailureCause> cause
     logAge(cause);
     m_limits.rowEnded(m_sites.at(position), cause);
     heedLimit(m_sites.at(position));
-    const bool isLast = isDone();
-    Q_EMIT summaryChanged(isLast ? QStringLiteral("Finalizing downloads") : summary());
+    Q_EMIT summaryChanged(leftCount() == 0 ? QStringLiteral("Finalizing downloads") : summary());
     Q_EMIT rowEnded(m_songs.at(position));
-    if (isLast)
+    if (isDone())
         Q_EMIT finished();
 }
 
@@ -131,10 +179,10 @@ void DownloadRun::heedLimit(const QString& site) {
     if (!m_limits.asksToWait(site))
         return;
     for (qsizetype position = 0; position < m_rows.size(); ++position) {
-        if (m_sites.at(position) != site || m_started.contains(position) ||
-            m_givenBack.contains(position))
+        if (m_sites.at(position) != site || m_started.contains(position) || !isUnderWay(position))
             continue;
         m_givenBack.insert(position);
+        m_order.drop(position);
         m_parts.stages.giveBack(m_rows.at(position).id);
     }
     if (m_sitesToWaitFor.contains(site))
@@ -146,7 +194,7 @@ void DownloadRun::heedLimit(const QString& site) {
 QString DownloadRun::summary() const {
     const QString text = QStringLiteral("Finished %1 of %2; downloading up to %3 %4 at once")
                              .arg(m_ended)
-                             .arg(m_rows.size())
+                             .arg(m_rows.size() - m_stopped.size())
                              .arg(m_slotCount)
                              .arg(noun(m_plan.target.mode, false));
     return m_sitesToWaitFor.isEmpty() ? text : text + QStringLiteral("; ") + lastWord();

@@ -36,7 +36,12 @@ bool isStartable(const DownloadItem& row) {
     const bool isFree = row.status == QueueStatus::waiting || row.status == QueueStatus::failed;
     // Of a Spotify link that was not listed nothing is known that could be searched for.
     const bool isKnown = row.source != SourceType::spotify || row.reading == LinkReading::song;
-    return isFree && isKnown && row.reading != LinkReading::repeated;
+    return isFree && isKnown && row.reading != LinkReading::repeated &&
+           row.reading != LinkReading::givenUp;
+}
+
+bool isUnderWay(const DownloadItem& row) {
+    return row.status == QueueStatus::queued || row.status == QueueStatus::running;
 }
 
 DownloadRuns::DownloadRuns(QueueStore& queue, ShellRunner& shell, const ToolDiscovery& discovery,
@@ -154,6 +159,20 @@ void DownloadRuns::startRows() {
         run->startRows(freeSlots());
 }
 
+void DownloadRuns::stop(const QSet<QUuid>& itemIDs) {
+    // A download whose row says how it ended has only still to be counted.
+    QSet<QUuid> stopped;
+    for (const QUuid& id : itemIDs) {
+        const DownloadItem* row = m_queue.find(id);
+        if (row != nullptr && isUnderWay(*row))
+            stopped.insert(id);
+    }
+    for (const auto& run : m_runs)
+        run->stop(stopped);
+    startRows();
+    Q_EMIT slotFreed();
+}
+
 /// Nobody tells when another program has done with a song.
 void DownloadRuns::lookAgain() {
     for (const auto& run : m_runs)
@@ -181,6 +200,7 @@ bool DownloadRuns::createEventFolder(const RunTarget& target) {
 void DownloadRuns::finishRun(const DownloadRun* run) {
     const DownloadMode mode = run->mode();
     const QString lastWord = run->lastWord();
+    const bool wasStopped = run->wasStopped();
     m_background.run(
         [folder = run->folder()](const std::stop_token&) { removeWorkFolderIfEmpty(folder); });
     std::erase_if(m_runs, [run](const auto& owned) { return owned.get() == run; });
@@ -191,7 +211,8 @@ void DownloadRuns::finishRun(const DownloadRun* run) {
         return;
     }
     if (m_activeDownloadRuns == 0) {
-        Q_EMIT summaryChanged(QStringLiteral("Download run finished"));
+        Q_EMIT summaryChanged(wasStopped ? QStringLiteral("Download run stopped")
+                                         : QStringLiteral("Download run finished"));
         return;
     }
     const qsizetype running = m_queue.countWithStatus(QueueStatus::running);

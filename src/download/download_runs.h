@@ -40,6 +40,9 @@ struct RunTarget {
 /// that no other row is for.
 bool isStartable(const DownloadItem& row);
 
+/// Whether a run has the row: it is being downloaded or waits for that.
+bool isUnderWay(const DownloadItem& row);
+
 class DownloadRuns : public QObject {
     Q_OBJECT
 
@@ -64,6 +67,10 @@ public:
 
     /// Downloads those of these rows that are startable, in the queue's order.
     void startDownloadRun(const QList<QUuid>& itemIDs, const RunTarget& target);
+
+    /// Stops those of these rows that are being downloaded or wait for that: they are ready again,
+    /// and what was there of them is gone on with when they are started again.
+    void stop(const QSet<QUuid>& itemIDs);
 
     void clearRunLog() { m_log.clear(); }
 

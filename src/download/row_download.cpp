@@ -4,14 +4,13 @@
 #include "base/main_queue.h"
 #include "download/download_command.h"
 #include "download/failure_judgement.h"
+#include "download/marked_lines.h"
 #include "download/output_reader.h"
 #include "download/row_stages.h"
 #include "download/run_log.h"
-#include "download/song_finish.h"
 #include "download/working_folder.h"
 #include "library/song_key.h"
 #include "resolve/song_search.h"
-#include "tools/shell_runner.h"
 #include "tools/tool_discovery.h"
 
 #include <atomic>
@@ -56,15 +55,16 @@ QString downloadCommandFor(const DownloadItem& item, const QString& folder, Down
 class RowDownload::Output {
 public:
     Output(const RowDownload& download, const std::stop_token& stop)
-        : m_download(download), m_stop(stop) {}
+        : m_download(download), m_stop(stop), m_lines(download.m_number) {}
 
     void read(const QString& piece) {
         m_reader.read(piece);
         m_unshown->fetch_add(piece.size());
         m_download.post([&log = m_download.m_parts.log, &stages = m_download.m_parts.stages,
                          item = m_download.m_item, mode = m_download.m_plan.target.mode, piece,
-                         unshown = m_unshown] {
-            log.append(piece);
+                         lines = m_lines.add(piece), unshown = m_unshown] {
+            if (!lines.isEmpty())
+                log.append(lines);
             if (const QString trimmed = piece.trimmed(); !trimmed.isEmpty())
                 stages.applyDownloadOutput(item, mode, trimmed);
             unshown->fetch_sub(piece.size());
@@ -74,11 +74,18 @@ public:
         }
     }
 
+    /// The tool has ended, perhaps in the middle of a line.
+    void end() {
+        if (const QString rest = m_lines.takeRest(); !rest.isEmpty())
+            m_download.post([&log = m_download.m_parts.log, rest] { log.append(rest); });
+    }
+
     const OutputReader& reader() const { return m_reader; }
 
 private:
     const RowDownload& m_download;
     const std::stop_token& m_stop;
+    MarkedLines m_lines;
     const std::shared_ptr<std::atomic<qsizetype>> m_unshown =
         std::make_shared<std::atomic<qsizetype>>(0);
     OutputReader m_reader;
@@ -94,10 +101,14 @@ RowDownload::RowDownload(DownloadParts parts, RunPlan plan, DownloadItem item, q
     : m_parts(parts),
       m_plan(std::move(plan)),
       m_item(std::move(item)),
-      m_position(position),
-      m_songKey(songKey(m_item.url, m_item.playlistItem)) {}
+      m_songKey(songKey(m_item.url, m_item.playlistItem)),
+      m_number(QStringLiteral("%1/%2").arg(position + 1).arg(m_plan.rowCount)),
+      m_shell(parts.shell, m_stop.get_token()),
+      m_finisher(m_shell, parts.discovery, parts.library) {}
 
-RowDownload::End RowDownload::run(const std::stop_token& stop) {
+RowDownload::End RowDownload::run(const std::stop_token& programEnds) {
+    const std::stop_callback stopToo(programEnds, [this] { m_stop.request_stop(); });
+    const std::stop_token stop = m_stop.get_token();
     // What a song and what a film is made from can have one name: neither goes on with the other's.
     WorkingFolder folder(m_plan.target.folder,
                          m_songKey + u'.' + rawValue(m_plan.target.mode).toLower());
@@ -113,9 +124,11 @@ RowDownload::End RowDownload::run(const std::stop_token& stop) {
     }
     // Now that nobody else can be about to put it there.
     while (const auto path = fileThatIsThere()) {
+        const auto fault = m_finisher.whyNotWhole(*path, m_plan.target.mode);
+        // A look that was broken off says nothing against the song.
         if (stop.stop_requested())
             return End::ended;
-        if (const auto fault = m_parts.finisher.whyNotWhole(*path, m_plan.target.mode)) {
+        if (fault) {
             logLine(QStringLiteral("%1 is there, but no whole song (%2): it is downloaded again.")
                         .arg(*path, *fault));
             m_parts.library.distrust(*path);
@@ -133,7 +146,7 @@ RowDownload::End RowDownload::run(const std::stop_token& stop) {
 }
 
 void RowDownload::search() {
-    const SongSearch songSearch(m_parts.shell, m_parts.discovery);
+    const SongSearch songSearch(m_shell, m_parts.discovery);
     const FoundSong found = songSearch.find(m_item, m_plan.target.mode);
     m_found = found.link;
     logLine(found.remark);
@@ -161,7 +174,7 @@ void RowDownload::download(WorkingFolder& folder, const std::stop_token& stop) {
     }
     std::optional<double> sourceSeconds;
     if (tool.output.conversionFailed() && !stop.stop_requested())
-        sourceSeconds = m_parts.finisher.damagedLength(folder.unconvertedSource(), log);
+        sourceSeconds = m_finisher.damagedLength(folder.unconvertedSource(), log);
     if (sourceSeconds && !stop.stop_requested()) {
         folder.keepResumable(m_plan.target.mode);
         tool = runTool(folder, Conversion::lenient, stop);
@@ -183,14 +196,17 @@ FailureCause RowDownload::causeOf(const OutputReader& output, const WorkingFolde
 }
 
 RowDownload::ToolRun RowDownload::runTool(const WorkingFolder& folder, Conversion conversion,
-                                          const std::stop_token& stop) const {
+                                          const std::stop_token& stop) {
     Output output(*this, stop);
     const QString command = downloadCommandFor(m_item, folder.path(), m_plan.target.mode,
                                                m_parts.discovery, conversion, m_found);
-    logLine(QStringLiteral("Running %1/%2: ").arg(m_position + 1).arg(m_plan.rowCount) +
-            withoutHome(command, m_parts.discovery.places().home));
-    const CommandResult result = m_parts.shell.runShellPassingOn(
+    post([&log = m_parts.log, line = QStringLiteral("Running %1: ").arg(m_number) +
+                                     withoutHome(command, m_parts.discovery.places().home)] {
+        log.append(line);
+    });
+    const CommandResult result = m_shell.runShellPassingOn(
         command, [&output](const QString& piece) { output.read(piece); }, folder.descriptor());
+    output.end();
     if (!result.output.isEmpty() && !stop.stop_requested())
         logLine(result.output);
     return {result.status == 0, output.reader()};
@@ -211,7 +227,7 @@ void RowDownload::finish(WorkingFolder& folder, std::optional<double> sourceSeco
         log(QStringLiteral("The downloader reported success, but there is no file."));
     QList<SongFinisher::Prepared> songs;
     for (const QString& file : files) {
-        auto song = m_parts.finisher.prepare(file, m_plan.target, sourceSeconds, log);
+        auto song = m_finisher.prepare(file, m_plan.target, sourceSeconds, log);
         if (stop.stop_requested())
             return;
         if (song)
@@ -220,7 +236,9 @@ void RowDownload::finish(WorkingFolder& folder, std::optional<double> sourceSeco
     enterStage(isSong ? QStringLiteral("Saving MP3") : QStringLiteral("Saving MP4"), 0.99, 1);
     if (!pauseFor(stop, isSong ? m_plan.timing.savingAudio : m_plan.timing.savingVideo))
         return;
-    // A link that was not read before may have stood for several.
+    // A link that was not read before may have stood for several. What enters is compared with what
+    // is there, so a stop does not reach so far: half of them, or one under two names, helps
+    // nobody.
     std::optional<QString> last;
     qsizetype entered = 0;
     for (const SongFinisher::Prepared& song : std::as_const(songs)) {
@@ -237,7 +255,8 @@ void RowDownload::finish(WorkingFolder& folder, std::optional<double> sourceSeco
     }
 }
 
-void RowDownload::complete(const QString& path, const QString& detail) const {
+void RowDownload::complete(const QString& path, const QString& detail) {
+    m_saved = {path, detail};
     post([&stages = m_parts.stages, id = m_item.id, path, detail] {
         stages.complete(id, path, detail);
     });
@@ -249,7 +268,7 @@ void RowDownload::fail(FailureCause cause) {
 }
 
 void RowDownload::logLine(const QString& line) const {
-    post([&log = m_parts.log, line] { log.append(line); });
+    post([&log = m_parts.log, text = markedText(m_number, line)] { log.append(text); });
 }
 
 void RowDownload::enterStage(const QString& detail, double target, double duration) const {
@@ -259,7 +278,11 @@ void RowDownload::enterStage(const QString& detail, double target, double durati
 }
 
 void RowDownload::post(std::function<void()> block) const {
-    m_parts.mainQueue.post(std::move(block));
+    // The stop is requested on the main thread, so nothing of before comes after it.
+    m_parts.mainQueue.post([stop = m_stop.get_token(), block = std::move(block)] {
+        if (!stop.stop_requested())
+            block();
+    });
 }
 
 }  // namespace reelcrate

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "download/download_command.h"
+#include "download/song_finish.h"
 #include "library/event_library.h"
 #include "records/download_item.h"
+#include "tools/shell_runner.h"
 
 #include <QString>
 
@@ -19,8 +21,6 @@ class MainQueue;
 class OutputReader;
 class RowStages;
 class RunLog;
-class ShellRunner;
-class SongFinisher;
 class ToolDiscovery;
 class WorkingFolder;
 
@@ -29,7 +29,7 @@ struct DownloadParts {
     ShellRunner& shell;
     const ToolDiscovery& discovery;
     EventLibrary& library;
-    const SongFinisher& finisher;
+    const SongFinisher& finisher;  ///< lets songs enter, which nothing stops
     MainQueue& mainQueue;
     RowStages& stages;
     RunLog& log;
@@ -66,16 +66,31 @@ public:
         elsewhere,  ///< not begun: another program is at the same song
     };
 
+    /// A song that is in the event folder, and the complete row's text.
+    struct Saved {
+        QString path;
+        QString detail;
+    };
+
     /// `position` counts from 0 among the run's rows.
     RowDownload(DownloadParts parts, RunPlan plan, DownloadItem item, qsizetype position);
 
     /// Background threads, with a row that is marked as running. Blocks until the row is complete
-    /// or failed; how it went arrives in the row. After a stop request it returns early and reports
-    /// nothing more.
-    End run(const std::stop_token& stop);
+    /// or failed; how it went arrives in the row. It is also stopped when the program ends.
+    End run(const std::stop_token& programEnds);
+
+    /// Main thread. From now on nothing more of the download arrives in the row, and run() returns
+    /// as soon as the child that it waits for has ended.
+    void stop() { m_stop.request_stop(); }
+
+    /// The row's among those of the run, such as "3/24".
+    const QString& number() const { return m_number; }
 
     /// Why it failed, after run(); absent when it did not.
     std::optional<FailureCause> cause() const { return m_cause; }
+
+    /// The song, after run(), also when the stop came too late for it.
+    const std::optional<Saved>& saved() const { return m_saved; }
 
 private:
     class Output;
@@ -84,11 +99,11 @@ private:
     void search();
     void download(WorkingFolder& folder, const std::stop_token& stop);
     ToolRun runTool(const WorkingFolder& folder, Conversion conversion,
-                    const std::stop_token& stop) const;
+                    const std::stop_token& stop);
     void finish(WorkingFolder& folder, std::optional<double> sourceSeconds,
                 const std::stop_token& stop);
     std::optional<QString> fileThatIsThere() const;
-    void complete(const QString& path, const QString& detail) const;
+    void complete(const QString& path, const QString& detail);
     void fail(FailureCause cause);
     FailureCause causeOf(const OutputReader& output, const WorkingFolder& folder) const;
     void logLine(const QString& line) const;
@@ -98,9 +113,13 @@ private:
     const DownloadParts m_parts;
     const RunPlan m_plan;
     const DownloadItem m_item;
-    const qsizetype m_position;
     const QString m_songKey;
+    const QString m_number;
+    std::stop_source m_stop;
+    ShellRunner m_shell;            ///< what it runs ends with the download
+    const SongFinisher m_finisher;  ///< likewise
     std::optional<FailureCause> m_cause;
+    std::optional<Saved> m_saved;
     QString m_found;  ///< the link of the best hit, where the row has to be searched for
 };
 

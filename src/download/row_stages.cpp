@@ -111,6 +111,12 @@ void RowStages::complete(const QUuid& id, const QString& path, const QString& de
     });
 }
 
+void RowStages::completeUnlessTaken(const QUuid& id, const QString& path, const QString& detail) {
+    const DownloadItem* row = m_queue.find(id);
+    if (row != nullptr && row->status == QueueStatus::waiting)
+        complete(id, path, detail);
+}
+
 void RowStages::fail(const QUuid& id, FailureCause cause) {
     m_crawls.cancel(id);
     m_queue.update(id, [&](DownloadItem& row) {

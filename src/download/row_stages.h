@@ -35,6 +35,9 @@ public:
     /// The song is in the event folder, at this path.
     void complete(const QUuid& id, const QString& path, const QString& detail);
 
+    /// The same, of a row that was given back, unless another run has taken it meanwhile.
+    void completeUnlessTaken(const QUuid& id, const QString& path, const QString& detail);
+
     void fail(const QUuid& id, FailureCause cause);
 
     /// The run does not get to the row: it is as it was before.

@@ -11,6 +11,8 @@ std::optional<qsizetype> StartOrder::takeNext(const QSet<QString>& runningSongs)
         return position;
     while (m_lookedAt < m_songs.size()) {
         const qsizetype position = m_lookedAt++;
+        if (m_dropped.contains(position))
+            continue;
         const QString& song = m_songs.at(position);
         if (!runningSongs.contains(song))
             return position;
@@ -36,7 +38,10 @@ void StartOrder::songFreed(const QString& song) {
     const auto held = m_held.find(song);
     if (held == m_held.end())
         return;
-    m_freed.insert(held->dequeue());
+    while (!held->isEmpty() && m_dropped.contains(held->head()))
+        held->dequeue();
+    if (!held->isEmpty())
+        m_freed.insert(held->dequeue());
     if (held->isEmpty())
         m_held.erase(held);
 }
@@ -44,6 +49,13 @@ void StartOrder::songFreed(const QString& song) {
 void StartOrder::releasePutBack() {
     m_freed.insert(m_elsewhere.cbegin(), m_elsewhere.cend());
     m_elsewhere.clear();
+}
+
+void StartOrder::drop(qsizetype position) {
+    m_dropped.insert(position);
+    m_elsewhere.removeAll(position);
+    if (m_freed.erase(position) > 0)
+        songFreed(m_songs.at(position));
 }
 
 }  // namespace reelcrate

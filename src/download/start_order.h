@@ -33,6 +33,9 @@ public:
     /// Rows that were put back may start again.
     void releasePutBack();
 
+    /// The row, which is not taken, does not start any more; who is held behind it may in its turn.
+    void drop(qsizetype position);
+
 private:
     std::optional<qsizetype> takeFreed(const QSet<QString>& runningSongs);
 
@@ -41,6 +44,7 @@ private:
     QHash<QString, QQueue<qsizetype>> m_held;  ///< the positions of rows by their song
     std::set<qsizetype> m_freed;               ///< of rows that may start before any other
     QList<qsizetype> m_elsewhere;
+    QSet<qsizetype> m_dropped;
 };
 
 }  // namespace reelcrate

@@ -8,8 +8,11 @@
 namespace reelcrate {
 
 QueueEditor::QueueEditor(QueueStore& queue, std::function<bool()> isDownloading,
-                         TextEditing* textEditing)
-    : m_queue(queue), m_isDownloading(std::move(isDownloading)), m_textEditing(textEditing) {}
+                         TextEditing* textEditing, std::function<bool(const QSet<QUuid>&)> stopRows)
+    : m_queue(queue),
+      m_isDownloading(std::move(isDownloading)),
+      m_textEditing(textEditing),
+      m_stopRows(std::move(stopRows)) {}
 
 bool QueueEditor::isEditingText() const {
     return m_textEditing != nullptr && m_textEditing->isEditing();
@@ -108,6 +111,9 @@ bool QueueEditor::handleKeyDown(const KeyEvent& event) {
         case KeyEvent::a:
             return event.modifiers.testFlag(KeyModifier::command) &&
                    selectAllQueueItemsFromUserAction();
+        case KeyEvent::period:
+            return event.modifiers.testFlag(KeyModifier::command) && m_stopRows &&
+                   m_stopRows(m_selection.ids);
         case KeyEvent::escape:
             return clearQueueSelectionFromUserAction();
         case KeyEvent::downArrow:

@@ -32,6 +32,7 @@ struct KeyEvent {
     enum Code : quint16 {
         a = 0,
         backspace = 51,
+        period = 47,
         escape = 53,
         forwardDelete = 117,
         downArrow = 125,
@@ -47,8 +48,10 @@ class QueueEditor : public QObject {
 
 public:
     /// `isDownloading` tells whether a run is in progress, during which nothing is deleted.
-    /// `textEditing` may be absent; it outlives the editor.
-    QueueEditor(QueueStore& queue, std::function<bool()> isDownloading, TextEditing* textEditing);
+    /// `textEditing` may be absent; it outlives the editor. `stopRows` stops what goes on with
+    /// rows, and says whether anything did.
+    QueueEditor(QueueStore& queue, std::function<bool()> isDownloading, TextEditing* textEditing,
+                std::function<bool(const QSet<QUuid>&)> stopRows = {});
 
     const QueueSelection& selection() const { return m_selection; }
 
@@ -80,6 +83,7 @@ private:
     QueueStore& m_queue;
     std::function<bool()> m_isDownloading;
     TextEditing* m_textEditing;
+    std::function<bool(const QSet<QUuid>&)> m_stopRows;
     QueueSelection m_selection;
 };
 

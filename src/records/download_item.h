@@ -22,6 +22,7 @@ QString idText(const QUuid& id);
 enum class LinkReading {
     open,      ///< nothing: the title, if there is one, is a stand-in
     song,      ///< the row is one song, under its own title
+    givenUp,   ///< nothing, since it was stopped: the link is read when the row is started
     repeated,  ///< every song behind the link has a row of its own already
 };
 

@@ -8,6 +8,7 @@
 #include "resolve/link_reading.h"
 #include "resolve/media_probe.h"
 #include "resolve/spotify_expansion.h"
+#include "tools/shell_runner.h"
 
 #include <algorithm>
 #include <iterator>
@@ -97,14 +98,14 @@ qsizetype countWith(const QList<DownloadItem>& rows, QueueStatus status) {
 
 }  // namespace
 
-ResolutionDriver::ResolutionDriver(QueueStore& queue, const MediaProbe& probe,
-                                   const SpotifyExpansion& spotify, const EventLibrary& library,
+ResolutionDriver::ResolutionDriver(QueueStore& queue, ShellRunner& shell,
+                                   const ToolDiscovery& discovery, const EventLibrary& library,
                                    std::function<EventTarget()> eventTarget,
                                    BackgroundTasks& background, MainQueue& mainQueue,
                                    ResolutionTiming timing)
     : m_queue(queue),
-      m_probe(probe),
-      m_spotify(spotify),
+      m_shell(shell),
+      m_discovery(discovery),
       m_library(library),
       m_eventTarget(std::move(eventTarget)),
       m_background(background),
@@ -114,31 +115,74 @@ ResolutionDriver::ResolutionDriver(QueueStore& queue, const MediaProbe& probe,
 void ResolutionDriver::resolveInfo(const QList<DownloadItem>& items) {
     if (items.isEmpty())
         return;
-    m_background.run([this, items](const std::stop_token& stop) { resolveBatch(items, stop); });
+    QList<Reading> readings;
+    readings.reserve(items.size());
+    for (const DownloadItem& item : items) {
+        readings.append({item, {}});
+        m_readings.insert(item.id, readings.last().stop);
+    }
+    m_background.run([this, readings](const std::stop_token& programEnds) {
+        resolveBatch(readings, programEnds);
+    });
 }
 
-void ResolutionDriver::resolveBatch(const QList<DownloadItem>& items, const std::stop_token& stop) {
-    for (const DownloadItem& item : items) {
+void ResolutionDriver::resolveBatch(const QList<Reading>& readings,
+                                    const std::stop_token& programEnds) {
+    for (const Reading& reading : readings) {
+        const std::stop_token stop = reading.stop.get_token();
+        if (stop.stop_requested())
+            continue;
+        const std::stop_callback stopToo(
+            programEnds, [source = reading.stop]() mutable { source.request_stop(); });
         const auto start = Clock::now();
-        m_mainQueue.post([this, item] { showReading(item); });
-        const QueueResolution resolution = resolveQueueEntryWithRetries(item, stop);
-        if (!pauseFor(stop, m_timing.minimumPerLink - (Clock::now() - start)))
+        post(stop, [this, item = reading.item] { showReading(item); });
+        const QueueResolution resolution = resolveQueueEntryWithRetries(reading.item, stop);
+        // One that was stopped is no reason to ask the next sooner.
+        if (!pauseFor(programEnds, m_timing.minimumPerLink - (Clock::now() - start)))
             return;
-        m_mainQueue.post([this, item, resolution] { lookWhatIsThere(resolution, item); });
+        post(stop, [this, reading, resolution] { lookWhatIsThere(resolution, reading); });
     }
 }
 
+/// For a reading that may be stopped meanwhile, on the main thread.
+void ResolutionDriver::post(const std::stop_token& stop, std::function<void()> block) const {
+    m_mainQueue.post([stop, block = std::move(block)] {
+        if (!stop.stop_requested())
+            block();
+    });
+}
+
 /// Where the event's folder is, the main thread knows; but it does not walk through it.
-void ResolutionDriver::lookWhatIsThere(const QueueResolution& resolution,
-                                       const DownloadItem& item) {
-    m_background.run([this, resolution, item, target = m_eventTarget()](const std::stop_token&) {
+void ResolutionDriver::lookWhatIsThere(const QueueResolution& resolution, const Reading& reading) {
+    m_background.run([this, resolution, reading, target = m_eventTarget()](const std::stop_token&) {
         const FilesThatAreThere files =
             m_library.existingDownloadedFiles(resolution.entries, target);
-        m_mainQueue.post([this, resolution, item, files] {
+        post(reading.stop.get_token(), [this, resolution, item = reading.item, files] {
+            m_readings.remove(item.id);
             if (const qsizetype index = m_queue.indexOf(item.id); index >= 0)
                 applyResolution(resolution, files, item, index);
         });
     });
+}
+
+void ResolutionDriver::stop(const QSet<QUuid>& itemIDs) {
+    for (const QUuid& id : itemIDs) {
+        const auto reading = m_readings.find(id);
+        if (reading == m_readings.end())
+            continue;
+        reading->request_stop();
+        m_readings.erase(reading);
+        m_queue.update(id, [](DownloadItem& row) {
+            row.isResolvingInfo = false;
+            row.title = titleOfUnreadRow(row);
+            // What a run has begun under the link as it is, it goes on with under that.
+            if (isTaken(row))
+                return;
+            row.status = QueueStatus::waiting;
+            row.reading = LinkReading::givenUp;
+            row.detail = QStringLiteral("Ready to download");
+        });
+    }
 }
 
 void ResolutionDriver::showReading(const DownloadItem& item) {
@@ -155,27 +199,30 @@ void ResolutionDriver::showReading(const DownloadItem& item) {
 QueueResolution ResolutionDriver::resolveQueueEntryWithRetries(const DownloadItem& item,
                                                                const std::stop_token& stop) const {
     for (int attempt = 1;; ++attempt) {
-        QueueResolution resolution = resolveOnce(item);
+        QueueResolution resolution = resolveOnce(item, stop);
         if (!resolution.entries.isEmpty() || !resolution.failure)
             return resolution;
         if (isPermanentFailure(*resolution.failure))
             return resolution;
         if (attempt == maxMetadataResolveAttempts || stop.stop_requested())
             return resolution;
-        m_mainQueue.post([this, id = item.id, attempt] { showRetry(id, attempt); });
+        post(stop, [this, id = item.id, attempt] { showRetry(id, attempt); });
         if (!pauseFor(stop, m_timing.retryPause + m_timing.retryPausePerAttempt * attempt))
             return resolution;
     }
 }
 
-QueueResolution ResolutionDriver::resolveOnce(const DownloadItem& item) const {
+QueueResolution ResolutionDriver::resolveOnce(const DownloadItem& item,
+                                              const std::stop_token& stop) const {
+    ShellRunner shell(m_shell, stop);
     if (item.source == SourceType::spotify)
-        return m_spotify.resolveSpotifyEntries(item.url);
+        return SpotifyExpansion(shell, m_discovery).resolveSpotifyEntries(item.url);
 
+    const MediaProbe mediaProbe(shell, m_discovery);
     const bool isOneOfSeveral = item.playlistItem > 0;
     QString remarks;
     const auto listed = [&] {
-        const ListingProbe probe = m_probe.fetchPlaylistEntries(item.url, item.source);
+        const ListingProbe probe = mediaProbe.fetchPlaylistEntries(item.url, item.source);
         remarks += probe.errors;
         QueueResolution resolution = resolutionOfListing(probe.found);
         resolution.remarks = remarks;
@@ -187,7 +234,7 @@ QueueResolution ResolutionDriver::resolveOnce(const DownloadItem& item) const {
         if (QueueResolution resolution = listed(); !resolution.entries.isEmpty())
             return resolution;
     }
-    const LinkProbe probe = m_probe.fetchMediaInfo(item.url, item.playlistItem);
+    const LinkProbe probe = mediaProbe.fetchMediaInfo(item.url, item.playlistItem);
     remarks += probe.errors;
     // Each of many songs takes its time to be looked at; a listing does not look at them.
     if (probe.tookTooLong && !isOneOfSeveral) {

@@ -4,9 +4,12 @@
 #include "records/download_item.h"
 #include "records/media_records.h"
 
+#include <QHash>
 #include <QList>
 #include <QObject>
+#include <QSet>
 #include <QString>
+#include <QUuid>
 
 #include <chrono>
 #include <functional>
@@ -23,9 +26,9 @@ namespace reelcrate {
 
 class BackgroundTasks;
 class MainQueue;
-class MediaProbe;
 class QueueStore;
-class SpotifyExpansion;
+class ShellRunner;
+class ToolDiscovery;
 
 struct ResolutionTiming {
     using Seconds = std::chrono::duration<double>;
@@ -45,13 +48,17 @@ public:
     static constexpr int maxMetadataResolveAttempts = 3;
 
     /// `eventTarget` tells, on the main thread, where songs may be there already.
-    ResolutionDriver(QueueStore& queue, const MediaProbe& probe, const SpotifyExpansion& spotify,
+    ResolutionDriver(QueueStore& queue, ShellRunner& shell, const ToolDiscovery& discovery,
                      const EventLibrary& library, std::function<EventTarget()> eventTarget,
                      BackgroundTasks& background, MainQueue& mainQueue,
                      ResolutionTiming timing = {});
 
     /// Reads the links of these rows, one after another, in the background.
     void resolveInfo(const QList<DownloadItem>& items);
+
+    /// Gives up reading those of these rows whose links are being read or wait for that. They are
+    /// ready, and are to be read when they are started.
+    void stop(const QSet<QUuid>& itemIDs);
 
     /// Background threads. Up to three attempts with pauses in between; after a stop request the
     /// last attempt's resolution is returned early.
@@ -82,10 +89,16 @@ Q_SIGNALS:
     void rowRead(const QUuid& id, const QList<QUuid>& newRows) const;
 
 private:
-    void resolveBatch(const QList<DownloadItem>& items, const std::stop_token& stop);
-    QueueResolution resolveOnce(const DownloadItem& item) const;
+    struct Reading {
+        DownloadItem item;
+        std::stop_source stop;
+    };
+
+    void resolveBatch(const QList<Reading>& readings, const std::stop_token& programEnds);
+    QueueResolution resolveOnce(const DownloadItem& item, const std::stop_token& stop) const;
+    void post(const std::stop_token& stop, std::function<void()> block) const;
     void showReading(const DownloadItem& item);
-    void lookWhatIsThere(const QueueResolution& resolution, const DownloadItem& item);
+    void lookWhatIsThere(const QueueResolution& resolution, const Reading& reading);
     void showRetry(const QUuid& id, int failedAttempt) const;
     void keepRow(const QueueResolution& resolution, const DownloadItem& item, qsizetype index);
     void replaceRow(const QList<DownloadItem>& rows, const QueueResolution& resolution,
@@ -93,13 +106,14 @@ private:
     bool isNew(const PlaylistEntry& entry, const DownloadItem& row) const;
 
     QueueStore& m_queue;
-    const MediaProbe& m_probe;
-    const SpotifyExpansion& m_spotify;
+    ShellRunner& m_shell;
+    const ToolDiscovery& m_discovery;
     const EventLibrary& m_library;
     std::function<EventTarget()> m_eventTarget;
     BackgroundTasks& m_background;
     MainQueue& m_mainQueue;
     const ResolutionTiming m_timing;
+    QHash<QUuid, std::stop_source> m_readings;  ///< of the rows that are being read or wait for it
 };
 
 }  // namespace reelcrate

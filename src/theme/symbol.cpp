@@ -41,6 +41,7 @@ QString iconName(const QString& symbol) {
         {QStringLiteral("play.rectangle.fill"), QStringLiteral("play-btn-fill")},
         {QStringLiteral("plus.circle.fill"), QStringLiteral("plus-circle-fill")},
         {QStringLiteral("square.and.arrow.down"), QStringLiteral("save")},
+        {QStringLiteral("stop.fill"), QStringLiteral("stop-fill")},
         {QStringLiteral("trash"), QStringLiteral("trash")},
         {QStringLiteral("tray.and.arrow.down.fill"), QStringLiteral("inbox-fill")},
         {QStringLiteral("wrench.and.screwdriver"), QStringLiteral("tools")},

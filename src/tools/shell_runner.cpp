@@ -11,7 +11,11 @@
 #include <chrono>
 #include <csignal>
 #include <fcntl.h>
+#include <mutex>
+#include <set>
+#include <sys/types.h>
 #include <unistd.h>
+#include <utility>
 #ifdef __linux__
 #include <sys/prctl.h>
 #endif
@@ -53,30 +57,35 @@ void detachChild(int keptDescriptor) {
         ::fcntl(keptDescriptor, F_SETFD, 0);
 }
 
-/// Watches one child's time: asks its group to terminate at the deadline and kills it after a
-/// grace.
+/// Watches one child's time: asks its group to terminate at the deadline, or when it is to be
+/// stopped, and kills it after a grace.
 class TimeLimit {
 public:
-    TimeLimit(std::optional<double> seconds, pid_t group)
-        : m_deadline(seconds ? QDeadlineTimer(std::chrono::duration_cast<std::chrono::nanoseconds>(
+    TimeLimit(std::optional<double> seconds, std::stop_token stop, pid_t group)
+        : m_stop(std::move(stop)),
+          m_deadline(seconds ? QDeadlineTimer(std::chrono::duration_cast<std::chrono::nanoseconds>(
                                    std::chrono::duration<double>(*seconds)))
                              : QDeadlineTimer(QDeadlineTimer::Forever)),
           m_group(group) {}
 
     void check() {
-        if (!m_deadline.hasExpired())
+        const bool isStop = !m_status && m_stop.stop_requested();
+        if (!isStop && !m_deadline.hasExpired())
             return;
-        ::kill(-m_group, m_passed ? SIGKILL : SIGTERM);
-        m_passed = true;
+        ::kill(-m_group, m_status ? SIGKILL : SIGTERM);
+        if (!m_status)
+            m_status = isStop ? CommandResult::stopped : CommandResult::timedOut;
         m_deadline = QDeadlineTimer(grace);
     }
 
-    bool hasPassed() const { return m_passed; }
+    /// What the child's end means; absent where that is the child's own.
+    std::optional<qint32> status() const { return m_status; }
 
 private:
+    std::stop_token m_stop;
     QDeadlineTimer m_deadline;
     pid_t m_group;
-    bool m_passed = false;
+    std::optional<qint32> m_status;
 };
 
 }  // namespace
@@ -88,8 +97,28 @@ struct ShellRunner::Streams {
     int keptDescriptor = -1;
 };
 
+/// What all pieces of work share.
+struct ShellRunner::Common {
+    Common(ProcessSupervisor& endsChildren, double seconds)
+        : supervisor(endsChildren), loginLimitSeconds(seconds) {}
+
+    ProcessSupervisor& supervisor;
+    const double loginLimitSeconds;
+    std::once_flag environmentRead;
+    LoginEnvironment environment;
+    QString loginNotice;
+    std::mutex mutex;
+    bool ended = false;
+    std::set<pid_t> groups;  ///< of the children that run
+};
+
 ShellRunner::ShellRunner(ProcessSupervisor& supervisor, double loginLimitSeconds)
-    : m_supervisor(supervisor), m_loginLimitSeconds(loginLimitSeconds) {}
+    : m_common(std::make_shared<Common>(supervisor, loginLimitSeconds)) {}
+
+ShellRunner::ShellRunner(const ShellRunner& whole, std::stop_token stop)
+    : m_common(whole.m_common), m_stop(std::move(stop)) {}
+
+ShellRunner::~ShellRunner() = default;
 
 CommandResult ShellRunner::runShellSync(const QString& command, std::optional<double> timeout) {
     CommandResult result = runKeepingOutput(command, timeout, {});
@@ -134,24 +163,24 @@ CommandResult ShellRunner::runShellBytes(const QString& command, std::optional<d
 
 void ShellRunner::endEverything() {
     {
-        const std::lock_guard lock(m_mutex);
-        m_ended = true;
+        const std::lock_guard lock(m_common->mutex);
+        m_common->ended = true;
     }
-    m_supervisor.endEverything();
+    m_common->supervisor.endEverything();
     // All are dead by now, unless the supervisor itself was killed.
-    const std::lock_guard lock(m_mutex);
-    for (const pid_t group : m_groups)
+    const std::lock_guard lock(m_common->mutex);
+    for (const pid_t group : m_common->groups)
         ::kill(-group, SIGKILL);
 }
 
 QString ShellRunner::loginNotice() {
     environment();
-    return m_loginNotice;
+    return m_common->loginNotice;
 }
 
 const LoginEnvironment& ShellRunner::environment() {
-    std::call_once(m_environmentRead, [this] { readLoginEnvironment(); });
-    return m_environment;
+    std::call_once(m_common->environmentRead, [this] { readLoginEnvironment(); });
+    return m_common->environment;
 }
 
 void ShellRunner::readLoginEnvironment() {
@@ -160,38 +189,39 @@ void ShellRunner::readLoginEnvironment() {
     QProcess process;
     process.setArguments({QStringLiteral("-lc"), loginEnvironmentCommand(mark)});
     const CommandResult result = runChild(
-        process, m_loginLimitSeconds,
+        process, m_common->loginLimitSeconds, {},  // it is for everybody
         {[&output](const QByteArray& bytes) { output += bytes; }, [](const QByteArray&) {}, -1});
     if (const auto environment = loginEnvironmentFrom(output, mark)) {
-        m_environment = *environment;
+        m_common->environment = *environment;
         return;
     }
-    m_environment.variables = QProcessEnvironment::systemEnvironment();
-    m_loginNotice = result.status == CommandResult::timedOut
-                        ? QStringLiteral(
-                              "The login profile took longer than %1 seconds and was left out: the "
-                              "tools run with the program's own variables.")
-                              .arg(m_loginLimitSeconds)
-                        : QStringLiteral(
-                              "The login profile runs no commands and was left out: the tools run "
-                              "with the program's own variables.");
+    m_common->environment.variables = QProcessEnvironment::systemEnvironment();
+    m_common->loginNotice =
+        result.status == CommandResult::timedOut
+            ? QStringLiteral(
+                  "The login profile took longer than %1 seconds and was left out: the "
+                  "tools run with the program's own variables.")
+                  .arg(m_common->loginLimitSeconds)
+            : QStringLiteral(
+                  "The login profile runs no commands and was left out: the tools run "
+                  "with the program's own variables.");
 }
 
 /// Absent on success, otherwise why the child could not be started.
 std::optional<QString> ShellRunner::start(QProcess& process, int keptDescriptor) {
     process.setProgram(QStringLiteral("/bin/bash"));
     process.setStandardInputFile(QProcess::nullDevice());
-    process.setChildProcessModifier([supervisor = &m_supervisor, keptDescriptor] {
+    process.setChildProcessModifier([supervisor = &m_common->supervisor, keptDescriptor] {
         detachChild(keptDescriptor);
         supervisor->watchOwnGroup();
     });
-    const std::lock_guard lock(m_mutex);
-    if (m_ended)
+    const std::lock_guard lock(m_common->mutex);
+    if (m_common->ended)
         return QStringLiteral("The program is ending.");
     process.start(QIODevice::ReadOnly);
     if (!process.waitForStarted(-1))
         return process.errorString();
-    m_groups.insert(static_cast<pid_t>(process.processId()));
+    m_common->groups.insert(static_cast<pid_t>(process.processId()));
     return std::nullopt;
 }
 
@@ -222,18 +252,20 @@ CommandResult ShellRunner::run(const QString& command, std::optional<double> tim
     process.setProcessEnvironment(login.variables);
     // "-p": the shell reads no file of the user's on its way to the command.
     process.setArguments({QStringLiteral("-pc"), login.exports + command});
-    return runChild(process, timeout, streams);
+    if (m_stop.stop_requested())
+        return {CommandResult::couldNotStart, QStringLiteral("Stopped."), {}};
+    return runChild(process, timeout, m_stop, streams);
 }
 
 CommandResult ShellRunner::runChild(QProcess& process, std::optional<double> timeout,
-                                    const Streams& streams) {
+                                    const std::stop_token& stop, const Streams& streams) {
     process.setProcessChannelMode(streams.onErrors ? QProcess::SeparateChannels
                                                    : QProcess::MergedChannels);
     if (const auto error = start(process, streams.keptDescriptor))
         return {CommandResult::couldNotStart, *error, {}};
 
     const auto group = static_cast<pid_t>(process.processId());
-    TimeLimit limit(timeout, group);
+    TimeLimit limit(timeout, stop, group);
     const auto read = [&] {
         if (const QByteArray bytes = process.readAllStandardOutput(); !bytes.isEmpty())
             streams.onOutput(bytes);
@@ -252,11 +284,11 @@ CommandResult ShellRunner::runChild(QProcess& process, std::optional<double> tim
     }
     read();
     {
-        const std::lock_guard lock(m_mutex);
-        m_groups.erase(group);
+        const std::lock_guard lock(m_common->mutex);
+        m_common->groups.erase(group);
     }
-    m_supervisor.leaderEnded(group);
-    return {limit.hasPassed() ? CommandResult::timedOut : exitStatus(process), {}, {}};
+    m_common->supervisor.leaderEnded(group);
+    return {limit.status().value_or(exitStatus(process)), {}, {}};
 }
 
 }  // namespace reelcrate

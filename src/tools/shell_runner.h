@@ -7,17 +7,17 @@
 #include <QtGlobal>
 
 #include <functional>
-#include <mutex>
+#include <memory>
 #include <optional>
-#include <set>
-#include <sys/types.h>
+#include <stop_token>
 
 class QProcess;
 
 /// Runs command lines through a shell, each in a session of its own with nothing to read on
 /// standard input, and with the variables that the user's login shell would give it. Standard
 /// output and standard error come merged in the order of writing, unless a function says otherwise.
-/// All runners block: never call them on the main thread. Any number may run at the same time.
+/// All runners block: never call them on the main thread. Any number may run at the same time. A
+/// runner can be narrowed to one piece of work, with which what it runs is stopped.
 namespace reelcrate {
 
 class ProcessSupervisor;
@@ -26,8 +26,9 @@ struct CommandResult {
     static constexpr qint32 couldNotStart = 1;
     static constexpr qint32 timedOut = 124;
     static constexpr qint32 diedBySignal = 128;
+    static constexpr qint32 stopped = 143;
 
-    qint32 status = 0;  ///< the exit status, or one of the three above
+    qint32 status = 0;  ///< the exit status, or one of the four above
     QString output;     ///< all that was printed; for a failed start, the system's description
     QString errors;     ///< what came on standard error, where that is kept apart
 };
@@ -41,6 +42,11 @@ public:
 
     /// A login profile that takes longer than so many seconds is not waited for.
     explicit ShellRunner(ProcessSupervisor& supervisor, double loginLimitSeconds = 10);
+    /// `whole`, for one piece of work: once a stop of that is requested, nothing more starts, and a
+    /// child that runs is ended as at a time limit: status `stopped`.
+    ShellRunner(const ShellRunner& whole, std::stop_token stop);
+    ~ShellRunner();
+    Q_DISABLE_COPY_MOVE(ShellRunner)
 
     /// Background threads: reads the login environment now, unless that was done before. What went
     /// wrong with it, for the user; empty when all is well.
@@ -73,6 +79,7 @@ public:
     void endEverything();
 
 private:
+    struct Common;
     struct Streams;
 
     CommandResult runKeepingOutput(const QString& command, std::optional<double> timeout,
@@ -80,19 +87,13 @@ private:
     CommandResult run(const QString& command, std::optional<double> timeout,
                       const Streams& streams);
     CommandResult runChild(QProcess& process, std::optional<double> timeout,
-                           const Streams& streams);
+                           const std::stop_token& stop, const Streams& streams);
     std::optional<QString> start(QProcess& process, int keptDescriptor);
     const LoginEnvironment& environment();
     void readLoginEnvironment();
 
-    ProcessSupervisor& m_supervisor;
-    const double m_loginLimitSeconds;
-    std::once_flag m_environmentRead;
-    LoginEnvironment m_environment;
-    QString m_loginNotice;
-    std::mutex m_mutex;
-    bool m_ended = false;
-    std::set<pid_t> m_groups;  ///< of the children that run
+    const std::shared_ptr<Common> m_common;
+    const std::stop_token m_stop;
 };
 
 }  // namespace reelcrate

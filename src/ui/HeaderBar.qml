@@ -74,7 +74,23 @@ Item {
         anchors.rightMargin: 24
         spacing: 16
 
+        // Comes and goes where no other button has to make way.
         SecondaryButtonStyle {
+            objectName: "stopAll"
+            anchors.verticalCenter: parent.verticalCenter
+            visible: root.state.controls.canStopAll
+            text: "Stop All"
+            symbol: "stop.fill"
+            onClicked: {
+                // It goes with its work: the keyboard must not be left nowhere.
+                if (activeFocus)
+                    openOutput.forceActiveFocus(Qt.TabFocusReason);
+                root.state.stopAll();
+            }
+        }
+        SecondaryButtonStyle {
+            id: openOutput
+
             objectName: "openOutput"
             anchors.verticalCenter: parent.verticalCenter
             text: "Open Output"

@@ -13,6 +13,7 @@ Menu {
     property string error
     property bool hasOthersInNeed: false
     property bool canSavePlaylist: false
+    property bool canStop: false
 
     function show(row, item, x, y) {
         itemID = row;
@@ -20,12 +21,13 @@ Menu {
         error = state.errorOf(row);
         hasOthersInNeed = state.linksInNeed() !== "";
         canSavePlaylist = state.canSavePlaylist();
+        canStop = state.canStop(row, takesSelection);
         popup(item, x, y);
     }
     /// With the first entry that can be chosen highlighted.
     function showByKeyboard(row, item) {
         show(row, item, 40, 40);
-        currentIndex = remove.enabled ? 0 : error !== "" ? 1 : 2;
+        currentIndex = canStop ? 0 : remove.enabled ? 1 : error !== "" ? 2 : 3;
     }
 
     implicitWidth: 260
@@ -40,6 +42,13 @@ Menu {
         shadowDown: 6
     }
 
+    RowMenuItem {
+        objectName: "stopFromRow"
+        text: root.takesSelection ? "Stop Selected Songs" : "Stop Song"
+        symbol: "stop.fill"
+        enabled: root.canStop
+        onTriggered: root.state.stopFromRow(root.itemID, root.takesSelection)
+    }
     RowMenuItem {
         id: remove
 

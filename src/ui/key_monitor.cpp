@@ -18,6 +18,8 @@ std::optional<quint16> codeOf(int key) {
     switch (key) {
         case Qt::Key_A:
             return KeyEvent::a;
+        case Qt::Key_Period:
+            return KeyEvent::period;
         case Qt::Key_Backspace:
             return KeyEvent::backspace;
         case Qt::Key_Delete:
@@ -83,6 +85,8 @@ std::optional<Qt::Key> latinShortcutKey(const QKeyEvent& event) {
             return Qt::Key_C;
         case 55:
             return Qt::Key_V;
+        case 60:
+            return Qt::Key_Period;
         default:
             return std::nullopt;
     }

@@ -31,8 +31,8 @@ private:
 /// The key as the queue knows it; on this platform Control stands for command.
 KeyEvent queueKey(const QKeyEvent& event);
 
-/// The letter of a shortcut on a keyboard that has no Latin letters, by the key's place; absent for
-/// other keys, and for those that have one.
+/// The letter or mark of a shortcut on a keyboard that has no Latin letters, by the key's place;
+/// absent for other keys, and for those that have one.
 std::optional<Qt::Key> latinShortcutKey(const QKeyEvent& event);
 
 /// Listens from its making to its end.

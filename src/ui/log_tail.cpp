@@ -72,8 +72,9 @@ void LogTail::setEmpty(bool empty) {
 
 QString LogTail::shownEnd(const QString& text) {
     // What only tells the program how far a download is would crowd out the rest.
-    static const QRegularExpression progress(QStringLiteral("^[ \\t]*RCR_PROGRESS:.*(?:\\n|$)"),
-                                             QRegularExpression::MultilineOption);
+    static const QRegularExpression progress(
+        QStringLiteral("^(?:\\d+/\\d+ )?[ \\t]*RCR_PROGRESS:.*(?:\\n|$)"),
+        QRegularExpression::MultilineOption);
     QString end = text.right(mostCharacters);
     end.remove(progress);
     end.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));

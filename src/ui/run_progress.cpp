@@ -23,10 +23,6 @@ double shareOf(const DownloadItem& row) {
     return 0;
 }
 
-bool isUnderWay(const DownloadItem& row) {
-    return row.status == QueueStatus::queued || row.status == QueueStatus::running;
-}
-
 }  // namespace
 
 RunProgress::RunProgress(ContentView& view, QObject* parent) : QObject(parent), m_view(view) {
@@ -47,6 +43,12 @@ void RunProgress::followRow(qsizetype index, QueueStore::Fields fields) {
     const auto known = m_shares.find(row.id);
     if (known == m_shares.end() && !isUnderWay(row))
         return;
+    if (row.status == QueueStatus::waiting) {  // the run has given it back
+        m_sum -= m_shares.take(row.id);
+        m_furthest = m_shares.isEmpty() ? 0 : m_furthest;
+        Q_EMIT changed();
+        return;
+    }
     const double share = shareOf(row);
     m_sum += share - (known == m_shares.end() ? 0 : *known);
     m_shares.insert(row.id, share);

@@ -38,6 +38,7 @@ WindowControls WindowControls::of(const ContentView& view) {
     controls.addTitle = downloading ? QStringLiteral("Downloading") : QStringLiteral("Add Songs");
     controls.canClearQueue = view.canDelete() && !empty;
     controls.canDownloadAll = view.canDownloadAll();
+    controls.canStopAll = view.canStopAll();
     controls.canDelete = view.canDelete();
     controls.isQueueEmpty = empty;
     controls.songCount = QString::number(view.queue().size());

@@ -19,6 +19,7 @@ class WindowControls {
     Q_PROPERTY(QString addTitle MEMBER addTitle CONSTANT)
     Q_PROPERTY(bool canClearQueue MEMBER canClearQueue CONSTANT)
     Q_PROPERTY(bool canDownloadAll MEMBER canDownloadAll CONSTANT)
+    Q_PROPERTY(bool canStopAll MEMBER canStopAll CONSTANT)
     Q_PROPERTY(bool canDelete MEMBER canDelete CONSTANT)
     Q_PROPERTY(bool isQueueEmpty MEMBER isQueueEmpty CONSTANT)
     Q_PROPERTY(QString songCount MEMBER songCount CONSTANT)
@@ -38,6 +39,7 @@ public:
     QString addTitle;
     bool canClearQueue = false;
     bool canDownloadAll = false;
+    bool canStopAll = false;
     bool canDelete = false;
     bool isQueueEmpty = true;
     QString songCount;

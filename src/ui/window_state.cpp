@@ -76,7 +76,7 @@ void WindowState::followQueue() {
     connect(&queue, &QueueStore::rowReplaced, &m_refresh, refreshSoon);
     connect(&queue, &QueueStore::rowsRemoved, &m_refresh, refreshSoon);
     connect(&queue, &QueueStore::rowChanged, this, [this](qsizetype, QueueStore::Fields fields) {
-        if (fields & QueueStore::Status)
+        if (fields & (QueueStore::Status | QueueStore::IsResolvingInfo))
             m_refresh.start();
     });
 }
@@ -189,6 +189,10 @@ void WindowState::downloadAll() {
     m_view.startDownloads();
 }
 
+void WindowState::stopAll() {
+    m_view.stopAll();
+}
+
 void WindowState::setUp() {
     if (m_view.isCheckingTools() || m_view.isInstallingTools())
         return;
@@ -268,11 +272,20 @@ bool WindowState::takesSelection(const QString& itemID) const {
            m_view.selectedVisibleQueueItemCount() > 1;
 }
 
+QSet<QUuid> WindowState::rowsMeant(const QString& itemID, bool allSelected) const {
+    return allSelected ? m_view.selectedQueueItemIDs() : QSet{QUuid(itemID)};
+}
+
 void WindowState::deleteFromRow(const QString& itemID, bool allSelected) {
-    if (allSelected)
-        m_view.deleteQueueItems(m_view.selectedQueueItemIDs());
-    else
-        m_view.deleteQueueItems({QUuid(itemID)});
+    m_view.deleteQueueItems(rowsMeant(itemID, allSelected));
+}
+
+bool WindowState::canStop(const QString& itemID, bool allSelected) const {
+    return m_view.canStop(rowsMeant(itemID, allSelected));
+}
+
+void WindowState::stopFromRow(const QString& itemID, bool allSelected) {
+    m_view.stopQueueItems(rowsMeant(itemID, allSelected));
 }
 
 bool WindowState::canSavePlaylist() const {
@@ -356,7 +369,7 @@ QString WindowState::linksWhere(const std::function<bool(const DownloadItem&)>& 
 }
 
 QString WindowState::linksOf(const QString& itemID, bool allSelected) const {
-    const QSet<QUuid> ids = allSelected ? m_view.selectedQueueItemIDs() : QSet{QUuid(itemID)};
+    const QSet<QUuid> ids = rowsMeant(itemID, allSelected);
     return linksWhere([&ids](const DownloadItem& row) { return ids.contains(row.id); });
 }
 

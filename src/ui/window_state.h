@@ -6,10 +6,12 @@
 #include "ui/window_controls.h"
 
 #include <QObject>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <QTimer>
 #include <QUrl>
+#include <QUuid>
 #include <QtQml/qqmlregistration.h>
 
 #include <functional>
@@ -74,6 +76,7 @@ public:
     Q_INVOKABLE void openOutput();
     Q_INVOKABLE void clearQueue();
     Q_INVOKABLE void downloadAll();
+    Q_INVOKABLE void stopAll();
     Q_INVOKABLE void setUp();
     Q_INVOKABLE void scanForUpdate();
     Q_INVOKABLE void chooseFolder(const QUrl& folder);
@@ -91,6 +94,8 @@ public:
     /// Whether the row's menu is about all selected rows and not this one.
     Q_INVOKABLE bool takesSelection(const QString& itemID) const;
     Q_INVOKABLE void deleteFromRow(const QString& itemID, bool allSelected);
+    Q_INVOKABLE bool canStop(const QString& itemID, bool allSelected) const;
+    Q_INVOKABLE void stopFromRow(const QString& itemID, bool allSelected);
     /// Whether there is a complete song to name in a playlist.
     Q_INVOKABLE bool canSavePlaylist() const;
     Q_INVOKABLE void savePlaylist();
@@ -130,6 +135,7 @@ Q_SIGNALS:
     void quitRequested();
 
 private:
+    QSet<QUuid> rowsMeant(const QString& itemID, bool allSelected) const;
     QString linksWhere(const std::function<bool(const DownloadItem&)>& isMeant) const;
     void followQueue();
     void refreshControls();

@@ -13,6 +13,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSignalSpy>
+#include <QStandardPaths>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -121,6 +122,22 @@ protected:
         for (const DownloadItem& row : view.queue().rows())
             all.append(row.detail);
         return all;
+    }
+
+    /// Measures "measure-me" and trims "trim-me" for ever, the first time; "in-measure" and
+    /// "in-trim" tell.
+    void installHaltingConverter() {
+        const QString converter = machine.toolFolder() + QStringLiteral("/ffmpeg");
+        ASSERT_TRUE(QFile::remove(converter));
+        machine.installScript(
+            QStringLiteral("ffmpeg"),
+            "#!/bin/bash\nhere=$(dirname \"$0\")\nstep=measure\n"
+            "[[ \"$*\" == *.trim-* ]] && step=trim\n"
+            "if [[ \"$*\" == */$step-me* ]] && mkdir \"$here/in-$step\" 2> /dev/null\n"
+            "then [ $step = measure ] || echo half > \"${!#}\"; sleep 600; fi\n"
+            "exec " +
+                QFile::encodeName(QStandardPaths::findExecutable(QStringLiteral("ffmpeg"))) +
+                " \"$@\"\n");
     }
 
     Machine machine;
@@ -744,6 +761,205 @@ TEST_F(EngineTest, NothingStartsWithoutTheTools) {
         EXPECT_EQ(own.activeDownloadRuns(), isReady ? 1 : 0);
         EXPECT_EQ(own.activeSummary() == own.setupDetailText(), !isReady);
     }
+}
+
+TEST_F(EngineTest, StoppedRowsAreReadyAndTheirSlotsGoToTheNext) {
+    QStringList links;
+    for (int i = 1; i <= 9; ++i)
+        links.append(link("gate", QString::number(i)));
+    addReadRows(links);
+    const QSet<QUuid> firstAndLast{row(0).id, row(8).id};
+    EXPECT_FALSE(view.stopQueueItems(firstAndLast));
+    view.startDownloads();
+    ASSERT_TRUE(waitUntil([this] { return machine.calls().size() == 6; }));
+    EXPECT_TRUE(view.canStop(firstAndLast));
+    EXPECT_TRUE(view.stopQueueItems(firstAndLast));
+    EXPECT_EQ(view.activeSummary(), QStringLiteral("Stopped 2 songs"));
+    EXPECT_FALSE(view.canStop(firstAndLast));
+    EXPECT_FALSE(view.stopQueueItems(firstAndLast)) << "twice";
+    EXPECT_EQ(linksWith(QueueStatus::waiting), QStringList({links.first(), links.last()}));
+    EXPECT_EQ(linksWith(QueueStatus::running), links.mid(1, 6));
+    EXPECT_EQ(row(0).detail, QStringLiteral("Ready to download"));
+    EXPECT_EQ(row(0).progress, 0.0);
+    EXPECT_TRUE(view.runLog().endsWith(QStringLiteral("1/9 Stopped.\n")));
+
+    for (const QChar name : QStringLiteral("2345678"))
+        machine.tell(QStringLiteral("go-") + name);
+    ASSERT_TRUE(waitUntil([this] { return view.activeDownloadRuns() == 0; }));
+    EXPECT_EQ(linksWith(QueueStatus::complete), links.mid(1, 7));
+    EXPECT_EQ(linksWith(QueueStatus::waiting), QStringList({links.first(), links.last()}));
+    EXPECT_FALSE(machine.calls().contains(QStringLiteral("download 9")));
+    EXPECT_TRUE(
+        summaries.contains(QStringLiteral("Finished 2 of 7; downloading up to 6 songs at once")));
+    EXPECT_EQ(summaries.last(), QStringLiteral("Download run finished"));
+    EXPECT_TRUE(view.progressCrawlTokens().isEmpty());
+}
+
+TEST_F(EngineTest, AStoppedDownloadLeavesNoStumpAndCanBeStartedAgainAtOnce) {
+    installHaltingConverter();
+    const struct {
+        const char* kind;
+        const char* name;
+        const char* sign;
+    } cases[] = {{"part", "half", "parted"},
+                 {"converting", "half-converted", "converts"},
+                 {"song", "measure-me", "in-measure"},
+                 {"song", "trim-me", "in-trim"}};
+    for (const auto& [kind, name, sign] : cases) {
+        SCOPED_TRACE(name);
+        addReadRows({link(kind, QString::fromLatin1(name))});
+        const QUuid id = view.queue().rows().last().id;
+        const auto status = [&] { return view.queue().find(id)->status; };
+        const QString isThere = machine.toolFolder() + u'/' + QString::fromLatin1(sign);
+        const QStringList before = left();
+        view.startDownloadRun({id});
+        ASSERT_TRUE(waitUntil([&] { return QFile::exists(isThere); }));
+        EXPECT_TRUE(view.stopQueueItems({id}));
+        EXPECT_EQ(status(), QueueStatus::waiting);
+        view.startDownloadRun({id});
+        EXPECT_EQ(status(), QueueStatus::queued) << "until what was stopped has ended";
+        ASSERT_TRUE(waitUntil([this] { return view.activeDownloadRuns() == 0; }));
+        EXPECT_EQ(status(), QueueStatus::complete);
+        EXPECT_EQ(view.queue().find(id)->detail, QStringLiteral("Saved; trimmed silent start/end"));
+        const QString file = QString::fromLatin1(name) + QStringLiteral(" [%1].mp3");
+        QStringList expected = before + QStringList(file.arg(QString::fromLatin1(name)));
+        expected.sort();
+        EXPECT_TRUE(waitUntil([&] { return left() == expected; }))
+            << left().join(u' ').toStdString();
+    }
+    EXPECT_TRUE(machine.calls().contains(QStringLiteral("resume half")));
+}
+
+TEST_F(EngineTest, NothingOfAStoppedDownloadArrivesLater) {
+    addReadRows({link("converting", QStringLiteral("a"))});
+    view.startDownloads();
+    const QString isThere = machine.toolFolder() + QStringLiteral("/converts");
+    ASSERT_TRUE(pollUntil([&] { return QFile::exists(isThere); }));  // so much is on its way
+    view.stopAll();
+    ASSERT_TRUE(waitUntil([this] { return view.activeDownloadRuns() == 0; }));
+    EXPECT_EQ(row(0).detail, QStringLiteral("Ready to download"));
+    EXPECT_EQ(view.runLog(), QStringLiteral("1/1 Stopped.\n"));
+}
+
+TEST_F(EngineTest, ASongThatIsThereIsNotDoubtedForAStop) {
+    installHaltingConverter();
+    addReadRows({link("song", QStringLiteral("measure-me"))});
+    QDir().mkpath(view.eventFolder());
+    const QString song = eventFile(QStringLiteral("measure-me [measure-me].mp3"));
+    ASSERT_TRUE(QFile::copy(machine.toolFolder() + QStringLiteral("/song.mp3"), song));
+    view.startDownloads();
+    ASSERT_TRUE(waitUntil(
+        [this] { return QFile::exists(machine.toolFolder() + QStringLiteral("/in-measure")); }));
+    view.stopAll();
+    downloadAll();
+    EXPECT_EQ(row(0).detail, QStringLiteral("Already Downloaded"));
+    EXPECT_EQ(row(0).outputPath, song);
+    EXPECT_TRUE(machine.calls().isEmpty());
+}
+
+TEST_F(EngineTest, StoppingAllEndsEveryRun) {
+    const QString elsewhereToo = link("hold", QStringLiteral("elsewhere"));
+    QDir().mkpath(view.eventFolder());
+    WorkingFolder elsewhere(view.eventFolder(), songKey(elsewhereToo, 0) + QStringLiteral(".mp3"));
+    ASSERT_EQ(elsewhere.lock(), WorkingFolder::Lock::held);
+    QStringList links{elsewhereToo};
+    for (const char* name : {"a", "a#x", "b", "c", "d", "e", "f", "g"})
+        links.append(link("hold", QString::fromLatin1(name)));
+    addReadRows(links);
+    QList<QUuid> ids;
+    for (const DownloadItem& each : view.queue().rows())
+        ids.append(each.id);
+    view.startDownloadRun(ids.first(4));
+    view.startDownloadRun(ids);
+    ASSERT_TRUE(waitUntil([this] { return machine.calls().size() == 5; }));
+    ASSERT_TRUE(waitUntil([this] { return row(0).status == QueueStatus::queued; }));
+    EXPECT_EQ(view.activeDownloadRuns(), 2);
+    EXPECT_TRUE(view.canStopAll());
+    view.stopAll();
+    EXPECT_FALSE(view.canStopAll());
+    EXPECT_EQ(countWith(QueueStatus::waiting), 9);
+    EXPECT_EQ(view.activeSummary(), QStringLiteral("Stopped 9 songs"));
+    view.stopAll();
+    ASSERT_TRUE(waitUntil([this] { return view.activeDownloadRuns() == 0; }));
+    EXPECT_EQ(summaries.last(), QStringLiteral("Download run stopped"));
+    EXPECT_EQ(machine.calls().size(), 5) << "nothing has started in the slots";
+    EXPECT_EQ(left(), QStringList(QStringLiteral(".reelcrate")));
+}
+
+TEST_F(EngineTest, ARowThatIsHeldMayBeStoppedAlone) {
+    addReadRows({link("hold", QStringLiteral("a")), link("hold", QStringLiteral("a#x")),
+                 link("hold", QStringLiteral("a#y"))});
+    view.startDownloads();
+    EXPECT_TRUE(view.stopQueueItems({row(1).id}));
+    machine.tell(QStringLiteral("go"));
+    ASSERT_TRUE(waitUntil([this] { return view.activeDownloadRuns() == 0; }));
+    EXPECT_EQ(row(0).status, QueueStatus::complete);
+    EXPECT_EQ(row(1).status, QueueStatus::waiting);
+    EXPECT_EQ(row(2).detail, QStringLiteral("Already Downloaded"));
+}
+
+TEST_F(EngineTest, AStopThatComesTooLateForASongShowsIt) {
+    addReadRows({link("song", QStringLiteral("late"))});
+    view.startDownloads();
+    ASSERT_TRUE(waitUntil([this] { return row(0).detail == QStringLiteral("Trimming Song"); }));
+    const QString song = eventFile(QStringLiteral("late [late].mp3"));
+    ASSERT_TRUE(pollUntil([&] { return QFile::exists(song); }));  // and nobody has told the row
+    EXPECT_TRUE(view.stopQueueItems({row(0).id}));
+    EXPECT_EQ(row(0).status, QueueStatus::waiting);
+    ASSERT_TRUE(waitUntil([this] { return view.activeDownloadRuns() == 0; }));
+    EXPECT_EQ(row(0).status, QueueStatus::complete);
+    EXPECT_EQ(row(0).outputPath, song);
+    EXPECT_EQ(summaries.last(), QStringLiteral("Download run finished"));
+}
+
+TEST_F(EngineTest, AReadingThatIsStoppedIsMadeUpForAtTheStart) {
+    view.setPastedLinks(link("slowread", QStringLiteral("a")) + u' ' +
+                        link("song", QStringLiteral("b")) + u' ' +
+                        link("song", QStringLiteral("c")));
+    view.addSongsFromFieldOrClipboard();
+    const auto hasRead = [this](const char* name) {
+        return machine.calls().count(QStringLiteral("read ") + QString::fromLatin1(name));
+    };
+    ASSERT_TRUE(waitUntil([&] { return hasRead("a") == 1; }));
+    EXPECT_TRUE(view.stopQueueItems({row(0).id, row(2).id}));
+    EXPECT_EQ(view.activeSummary(), QStringLiteral("Stopped 2 songs"));
+    for (const int index : {0, 2}) {
+        EXPECT_EQ(row(index).status, QueueStatus::waiting);
+        EXPECT_EQ(row(index).detail, QStringLiteral("Ready to download"));
+        EXPECT_EQ(row(index).title, row(index).url);
+        EXPECT_TRUE(ContentView::isDownloadable(row(index)));
+    }
+    ASSERT_TRUE(waitUntil([this] { return !isReading(); }));
+    EXPECT_EQ(row(1).title, QStringLiteral("b"));
+
+    // To start it is to read it first; that can be stopped again, and nothing starts then.
+    view.startDownloadRun({row(0).id});
+    ASSERT_TRUE(waitUntil([&] { return hasRead("a") == 2; }));
+    EXPECT_TRUE(view.canStopAll());
+    view.stopAll();
+    machine.tell(QStringLiteral("go-read"));
+    addAndRead(link("song", QStringLiteral("d")));
+    EXPECT_EQ(row(0).title, row(0).url);
+    EXPECT_EQ(view.activeDownloadRuns(), 0);
+    EXPECT_EQ(hasRead("c"), 0);
+
+    view.startDownloads();
+    ASSERT_TRUE(waitUntil([this] { return countWith(QueueStatus::complete) == 4; }));
+    EXPECT_EQ(titles(), QStringList({QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c"),
+                                     QStringLiteral("d")}));
+}
+
+TEST_F(EngineTest, ADownloadThatBeganBeforeItsReadingGoesOnWithoutIt) {
+    view.addSongs(link("slowread", QStringLiteral("a")));
+    ASSERT_TRUE(waitUntil([this] { return machine.calls().size() == 1; }));
+    view.startDownloads();
+    EXPECT_EQ(row(0).status, QueueStatus::running);
+    EXPECT_TRUE(view.stopQueueItems({row(0).id}));
+    EXPECT_FALSE(row(0).isResolvingInfo);
+    EXPECT_EQ(row(0).status, QueueStatus::waiting);
+    downloadAll();
+    EXPECT_EQ(row(0).status, QueueStatus::complete);
+    EXPECT_EQ(machine.calls().count(QStringLiteral("read a")), 1);
 }
 
 TEST_F(EngineTest, ShuttingDownLeavesNoStumpAndChangesNoRow) {

@@ -57,6 +57,28 @@ TEST(StartOrder, ARowGoesOnWaitingWhenAnotherRunIsQuicker) {
     EXPECT_EQ(order.takeNext(running), 0);
 }
 
+TEST(StartOrder, ARowThatIsDroppedLetsThoseBehindItTakeItsTurn) {
+    const QStringList songs{a, a, a, a, b, c};
+    StartOrder order(songs);
+    QSet<QString> running{c};
+    EXPECT_EQ(order.takeNext(running), 0);
+    running.insert(a);
+    order.drop(4);  // not looked at yet
+    EXPECT_EQ(order.takeNext(running), std::nullopt);
+    order.drop(1);  // held
+    running.remove(a);
+    order.songFreed(a);
+    order.drop(2);  // freed
+    EXPECT_THAT(takeAll(order, songs, running), ElementsAre(3));
+    running.remove(c);
+    order.songFreed(c);
+    EXPECT_EQ(order.takeNext(running), 5);
+    order.putBack(5);
+    order.drop(5);
+    order.releasePutBack();
+    EXPECT_EQ(order.takeNext(running), std::nullopt);
+}
+
 TEST(StartOrder, ARowThatWasPutBackWaitsUntilItIsReleased) {
     const QStringList songs{a, b, a, c};
     StartOrder order(songs);

@@ -29,19 +29,22 @@ class OnDesktop(unittest.TestCase):
             self.skipTest(f"missing: {', '.join(lacking)}")
         self.stage = Stage()
         self.addCleanup(self.stage.close)
-        desktop.install_stand_ins(self.stage)
         self.desktop = desktop.Desktop(self.stage.scratch)
         self.addCleanup(self.desktop.close)
+        self.begin()
+
+    def begin(self):
+        desktop.install_stand_ins(self.stage)
         self.start()
 
-    def start(self, *links):
+    def start(self, *arguments):
         environment = self.stage.environment | self.desktop.environment
         environment |= {
             "HOME": str(self.stage.home),
             "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
         }
         self.program = subprocess.Popen(
-            [PROGRAM, "--event", "Party", "--output", str(self.stage.output), *links],
+            [PROGRAM, "--event", "Party", "--output", str(self.stage.output), *arguments],
             env=environment,
             cwd=self.stage.working,
             stderr=subprocess.PIPE,

@@ -65,7 +65,12 @@ protected:
     QueueStore store;
     Field field;
     bool isDownloading = false;
-    QueueEditor editor{store, [this] { return isDownloading; }, &field};
+    QSet<QUuid> stopped;
+    QueueEditor editor{store, [this] { return isDownloading; }, &field,
+                       [this](const QSet<QUuid>& rows) {
+                           stopped = rows;
+                           return true;
+                       }};
     QList<QUuid> ids;
     QString summary;
 };
@@ -142,8 +147,14 @@ TEST_F(QueueEditorTest, KeysActOnTheQueueOnlyWhenTheyAreItsOwn) {
     expectSelection({1, 2, 3, 4, 5, 6, 7, 8, 9, 10}, 1, 10);
     EXPECT_FALSE(press(40));
 
+    EXPECT_FALSE(press(KeyEvent::period));
+    EXPECT_TRUE(stopped.isEmpty());
+    EXPECT_TRUE(press(KeyEvent::period, command));
+    EXPECT_EQ(stopped, editor.selection().ids);
+
     field.edits = true;
-    for (quint16 key : {KeyEvent::a, KeyEvent::backspace, KeyEvent::escape, KeyEvent::upArrow})
+    for (quint16 key :
+         {KeyEvent::a, KeyEvent::backspace, KeyEvent::escape, KeyEvent::upArrow, KeyEvent::period})
         EXPECT_FALSE(press(key, command));
     EXPECT_FALSE(editor.deleteSelectedQueueItemsFromUserAction());
     click(1);

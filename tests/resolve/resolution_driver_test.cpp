@@ -3,12 +3,11 @@
 #include "base/background_tasks.h"
 #include "base/main_queue.h"
 #include "queue/queue_store.h"
-#include "resolve/media_probe.h"
-#include "resolve/spotify_expansion.h"
 #include "support/machine.h"
 #include "support/rows.h"
 #include "support/texts.h"
 #include "tools/shell_runner.h"
+#include "tools/tool_discovery.h"
 
 #include <QDir>
 
@@ -45,7 +44,7 @@ protected:
     /// A driver that notes what it says. Its readings may outlive the test's interest.
     ResolutionDriver* makeDriver(const ResolutionTiming& timing) {
         drivers.push_back(std::make_unique<ResolutionDriver>(
-            queue, probe, spotify, library, [this] { return target; }, background, mainQueue,
+            queue, shell, discovery, library, [this] { return target; }, background, mainQueue,
             timing));
         ResolutionDriver* driver = drivers.back().get();
         QObject::connect(driver, &ResolutionDriver::summaryChanged,
@@ -89,8 +88,6 @@ protected:
     ShellRunner shell{machine.supervisor};
     ToolDiscovery discovery{shell, machine.places()};
     QueueStore queue;
-    MediaProbe probe{shell, discovery};
-    SpotifyExpansion spotify{shell, discovery};
     EventLibrary library;
     BackgroundTasks background;
     MainQueue mainQueue;
@@ -105,6 +102,9 @@ TEST_F(ResolutionDriverTest, TakesItsTimeForEachLink) {
     ASSERT_TRUE(waitUntil([&] { return machine.calls().contains(text("read a")); }));
     readAnother();
     EXPECT_TRUE(row(0).isResolvingInfo);
+    driver->stop({row(0).id});
+    readAnother();
+    EXPECT_FALSE(row(0).isResolvingInfo);
     EXPECT_FALSE(machine.calls().contains(text("read b")));
 }
 

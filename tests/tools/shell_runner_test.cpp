@@ -229,6 +229,30 @@ TEST_F(ShellRunnerTest, EndingStopsWhatRunsAndStartsNothingMore) {
     EXPECT_FALSE(QFile::exists(trace));
 }
 
+TEST_F(ShellRunnerTest, APieceOfWorkIsStoppedAlone) {
+    const QString ids = machine.path(QStringLiteral("ids"));
+    std::stop_source work;
+    ShellRunner part(shell, work.get_token());
+    BackgroundTasks background;
+    CommandResult stopped;
+    // One child takes the request for success, its own child takes no notice of it.
+    background.run([&](const std::stop_token&) {
+        stopped = part.runShellSync(
+            QStringLiteral("trap 'exit 0' TERM; (trap '' TERM; exec sleep 600) & "
+                           "echo $! >> %1; echo $$ >> %1; while :; do sleep 0.1; done")
+                .arg(ids),
+            {});
+    });
+    const QList<pid_t> processes = processesIn(ids, 2);
+    work.request_stop();
+    background.join();
+    EXPECT_EQ(stopped.status, CommandResult::stopped);
+    for (pid_t process : processes)
+        EXPECT_TRUE(pollUntil([&] { return !isAlive(process); }));
+    EXPECT_EQ(part.runShellSync(QStringLiteral("true"), {}).status, CommandResult::couldNotStart);
+    EXPECT_EQ(shell.runShellSync(QStringLiteral("true"), {}).status, 0);
+}
+
 TEST_F(ShellRunnerTest, QuotedTextIsOneUnchangedWord) {
     for (const QString& text :
          {QString(), QStringLiteral("it's"), QStringLiteral("a  b"),

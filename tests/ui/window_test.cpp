@@ -9,6 +9,7 @@
 #include <QGuiApplication>
 #include <QQmlEngine>
 #include <QRegularExpression>
+#include <QSignalSpy>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTextDocument>
@@ -245,6 +246,10 @@ TEST_F(WindowTest, ShortcutsWorkWithoutLatinLetters) {
     open();
     addReadRows(links("song", 3));
     clickRow(0);
+    constexpr quint32 placeOfPeriod = 60;
+    constexpr int cyrillicYu = 0x42e;
+    QKeyEvent period(QEvent::KeyPress, cyrillicYu, Qt::ControlModifier, placeOfPeriod, 0, 0);
+    EXPECT_EQ(latinShortcutKey(period), Qt::Key_Period);
     constexpr quint32 placeOfA = 38;
     constexpr int cyrillicEf = 0x424;
     QKeyEvent key(QEvent::KeyPress, cyrillicEf, Qt::ControlModifier, placeOfA, 0, 0);
@@ -362,6 +367,43 @@ TEST_F(WindowTest, ARunDisablesWhatMustNotHappenMeanwhile) {
     EXPECT_EQ(text("summary"), QStringLiteral("Download run finished"));
     click(inRow(0, "action"));
     EXPECT_THAT(opened, ElementsAre(QStringLiteral("file ") + record(0).outputPath));
+}
+
+TEST_F(WindowTest, WhatGoesOnIsStoppedByMenuKeyAndButton) {
+    open();
+    addReadRows(links("hold", 9));
+    EXPECT_FALSE(isShown("stopAll"));
+    click(inRow(0, "title"), Qt::RightButton);
+    EXPECT_FALSE(isEnabled("stopFromRow"));
+    press(Qt::Key_Escape);
+    QSignalSpy ends(&app->state().runProgress(), &RunProgress::finished);
+    click("downloadAll");
+    EXPECT_TRUE(isShown("stopAll"));
+
+    click(inRow(0, "title"), Qt::RightButton);
+    EXPECT_EQ(text("stopFromRow"), QStringLiteral("Stop Song"));
+    click("stopFromRow");
+    EXPECT_EQ(record(0).status, QueueStatus::waiting);
+    EXPECT_EQ(record(6).status, QueueStatus::running);
+    clickRow(1);
+    clickRow(2, Qt::ShiftModifier);
+    press(Qt::Key_Period);
+    EXPECT_EQ(record(1).status, QueueStatus::running);
+    press(Qt::Key_Period, Qt::ControlModifier);
+    EXPECT_EQ(record(1).status, QueueStatus::waiting);
+    EXPECT_EQ(record(2).status, QueueStatus::waiting);
+    EXPECT_THAT(selectedRows(), ElementsAre(1, 2));
+    EXPECT_EQ(text("summary"), QStringLiteral("Stopped 2 songs"));
+
+    item("stopAll")->forceActiveFocus(Qt::TabFocusReason);
+    press(Qt::Key_Return);
+    EXPECT_EQ(view().queue().countWithStatus(QueueStatus::waiting), 9);
+    EXPECT_TRUE(waitForEnd());
+    EXPECT_FALSE(isShown("stopAll"));
+    EXPECT_TRUE(item("openOutput")->hasActiveFocus());
+    EXPECT_EQ(text("summary"), QStringLiteral("Download run stopped"));
+    EXPECT_TRUE(ends.isEmpty()) << "to announce";
+    EXPECT_EQ(app->window()->title(), QStringLiteral("Reelcrate"));
 }
 
 TEST_F(WindowTest, AFailedRowIsReadOrDownloadedAgain) {
@@ -495,7 +537,7 @@ TEST_F(WindowTest, LogsShowTheirEndAndGiveAllOfIt) {
     LogTail* log = app->state().runLog();
     QTextDocument* shown = log->document()->textDocument();
     QString readable = view().runLog();
-    readable.remove(QRegularExpression(QStringLiteral("(?<=\n)RCR_PROGRESS:[^\n]*\n")));
+    readable.remove(QRegularExpression(QStringLiteral("(?<=\n)1/1 RCR_PROGRESS:[^\n]*\n")));
     EXPECT_EQ(shown->toPlainText(), readable);
     EXPECT_NE(readable, view().runLog()) << "the whole has the progress, too";
     const QString line = QString(150, u'x') + u'\n';
