@@ -835,6 +835,17 @@ TEST_F(EngineTest, AStoppedDownloadLeavesNoStumpAndCanBeStartedAgainAtOnce) {
     EXPECT_TRUE(machine.calls().contains(QStringLiteral("resume half")));
 }
 
+TEST_F(EngineTest, NothingOfAStoppedDownloadArrivesLater) {
+    addReadRows({link("converting", QStringLiteral("a"))});
+    view.startDownloads();
+    const QString isThere = machine.toolFolder() + QStringLiteral("/converts");
+    ASSERT_TRUE(pollUntil([&] { return QFile::exists(isThere); }));  // so much is on its way
+    view.stopAll();
+    ASSERT_TRUE(waitUntil([this] { return view.activeDownloadRuns() == 0; }));
+    EXPECT_EQ(row(0).detail, QStringLiteral("Ready to download"));
+    EXPECT_EQ(view.runLog(), QStringLiteral("1/1 Stopped.\n"));
+}
+
 TEST_F(EngineTest, ASongThatIsThereIsNotDoubtedForAStop) {
     installHaltingConverter();
     addReadRows({link("song", QStringLiteral("measure-me"))});

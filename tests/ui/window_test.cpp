@@ -9,6 +9,7 @@
 #include <QGuiApplication>
 #include <QQmlEngine>
 #include <QRegularExpression>
+#include <QSignalSpy>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTextDocument>
@@ -375,6 +376,7 @@ TEST_F(WindowTest, WhatGoesOnIsStoppedByMenuKeyAndButton) {
     click(inRow(0, "title"), Qt::RightButton);
     EXPECT_FALSE(isEnabled("stopFromRow"));
     press(Qt::Key_Escape);
+    QSignalSpy ends(&app->state().runProgress(), &RunProgress::finished);
     click("downloadAll");
     EXPECT_TRUE(isShown("stopAll"));
 
@@ -400,6 +402,7 @@ TEST_F(WindowTest, WhatGoesOnIsStoppedByMenuKeyAndButton) {
     EXPECT_FALSE(isShown("stopAll"));
     EXPECT_TRUE(item("openOutput")->hasActiveFocus());
     EXPECT_EQ(text("summary"), QStringLiteral("Download run stopped"));
+    EXPECT_TRUE(ends.isEmpty()) << "to announce";
     EXPECT_EQ(app->window()->title(), QStringLiteral("Reelcrate"));
 }
 
