@@ -11,4 +11,8 @@ namespace reelcrate {
 /// absent for any other text, and for nothing at all (0:00).
 std::optional<double> secondsOfDuration(const QString& text);
 
+/// 3:45 or 1:02:03, rounded to the nearest second; empty unless the number is finite, above zero
+/// and fits 64 bits.
+QString formatDuration(double seconds);
+
 }  // namespace reelcrate

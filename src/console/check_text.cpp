@@ -1,8 +1,8 @@
 #include "console/check_text.h"
 
+#include "base/duration_text.h"
 #include "base/text.h"
 #include "console/row_text.h"
-#include "resolve/media_values.h"
 
 #include <QJsonArray>
 

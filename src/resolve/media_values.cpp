@@ -1,9 +1,10 @@
 #include "resolve/media_values.h"
 
+#include "base/duration_text.h"
+
 #include <QJsonArray>
 
 #include <algorithm>
-#include <cmath>
 
 namespace reelcrate {
 
@@ -14,10 +15,6 @@ QString decimal(const QJsonValue& number) {
     if (static_cast<double>(whole) == number.toDouble())
         return QString::number(whole);
     return QString::number(number.toDouble(), 'g', QLocale::FloatingPointShortest);
-}
-
-QString twoDigits(qint64 number) {
-    return QStringLiteral("%1").arg(number, 2, 10, QChar(u'0'));
 }
 
 }  // namespace
@@ -52,19 +49,6 @@ QString thumbnailURL(const QJsonObject& media) {
     if (!allAreObjects)
         return stringValue(media.value(u"thumbnail"));
     return thumbnails.isEmpty() ? QString() : stringValue(thumbnails.last()[u"url"]);
-}
-
-QString formatDuration(double seconds) {
-    constexpr double firstTooLarge = 0x1p63;
-    if (!std::isfinite(seconds) || seconds <= 0 || seconds >= firstTooLarge)
-        return {};
-    const auto whole = static_cast<qint64>(std::round(seconds));
-    const qint64 hours = whole / 3600;
-    const qint64 minutes = whole % 3600 / 60;
-    const QString secondsText = twoDigits(whole % 60);
-    if (hours == 0)
-        return QString::number(minutes) + u':' + secondsText;
-    return QString::number(hours) + u':' + twoDigits(minutes) + u':' + secondsText;
 }
 
 }  // namespace reelcrate

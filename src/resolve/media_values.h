@@ -18,8 +18,4 @@ QString durationText(const QJsonObject& media);
 /// The address of the last of the "thumbnails", or else of the "thumbnail".
 QString thumbnailURL(const QJsonObject& media);
 
-/// 3:45 or 1:02:03, rounded to the nearest second; empty unless the number is finite, above zero
-/// and fits 64 bits.
-QString formatDuration(double seconds);
-
 }  // namespace reelcrate

@@ -2,7 +2,6 @@
 
 #include "base/duration_text.h"
 #include "resolve/media_probe_output.h"
-#include "resolve/media_values.h"
 #include "resolve/search_match.h"
 #include "resolve/spotify_songs.h"
 #include "tools/shell_runner.h"

@@ -55,20 +55,5 @@ TEST(ThumbnailURL, IsTheLastOfTheList) {
                  {"{}", ""}});
 }
 
-TEST(FormatDuration, RoundsAndGroups) {
-    expectTexts([](const QString& seconds) { return formatDuration(seconds.toDouble()); },
-                {{"0.4", "0:00"},
-                 {"59.4", "0:59"},
-                 {"59.5", "1:00"},
-                 {"3599", "59:59"},
-                 {"3599.5", "1:00:00"},
-                 {"36061", "10:01:01"},
-                 {"0", ""},
-                 {"-1", ""},
-                 {"inf", ""},
-                 {"nan", ""},
-                 {"9.3e18", ""}});
-}
-
 }  // namespace
 }  // namespace reelcrate
