@@ -4,6 +4,7 @@
 #include "library/file_names.h"
 #include "queue/link_intake.h"
 #include "queue/links.h"
+#include "queue/song_intake.h"
 
 #include <QDate>
 #include <QDir>
@@ -64,10 +65,7 @@ ContentView::ContentView(ProcessSupervisor& supervisor, ContentViewSetup setup)
     connect(&m_readiness, &ToolReadiness::summaryChanged, this, &ContentView::setActiveSummary);
     connect(&m_resolution, &ResolutionDriver::summaryChanged, this, &ContentView::setActiveSummary);
     connect(&m_resolution, &ResolutionDriver::logged, this, &ContentView::appendRunLog);
-    connect(&m_resolution, &ResolutionDriver::noted, this, [this](const QString& note) {
-        m_downloads.appendNote(note);
-        Q_EMIT readingNoted(note);
-    });
+    connect(&m_resolution, &ResolutionDriver::noted, this, &ContentView::note);
     connect(&m_resolution, &ResolutionDriver::rowRead, this, &ContentView::startWhatWasRead);
     connect(&m_downloads, &DownloadRuns::slotFreed, this, &ContentView::startWaitingRows);
     connect(&m_downloads, &DownloadRuns::summaryChanged, this, &ContentView::setActiveSummary);
@@ -181,6 +179,35 @@ void ContentView::addSongs(const QString& text) {
 
 void ContentView::addSongsFromClipboard() {
     addSongs(clipboardText());
+}
+
+void ContentView::note(const QString& text) {
+    m_downloads.appendNote(text);
+    Q_EMIT readingNoted(text);
+}
+
+bool ContentView::addSongList(const ListText& list, const QString& name) {
+    if (!list.failure.isEmpty()) {
+        const QString word = name + u' ' + list.failure;
+        note(word);
+        setActiveSummary(word);
+        return false;
+    }
+    const SongIntake intake = newRowsForSongs(readSongList(list.text), name, list.remark, m_queue);
+    m_queue.append(intake.rows);
+    note(intake.account);
+    setActiveSummary(intake.summary);
+    if (!intake.rows.isEmpty())
+        m_resolution.lookForSongs(intake.rows, intake.remark);
+    return !intake.isRefused;
+}
+
+bool ContentView::addSongListFile(const QString& path) {
+    return addSongList(textOfListFile(path), QFileInfo(path).fileName());
+}
+
+void ContentView::addSongListFromClipboard() {
+    addSongList(textOfList(clipboardText()), QStringLiteral("The clipboard"));
 }
 
 void ContentView::addSongsBehind(const QStringList& links) {

@@ -5,6 +5,7 @@
 #include "download/download_runs.h"
 #include "library/event_library.h"
 #include "library/playlist_file.h"
+#include "queue/list_text.h"
 #include "queue/queue_editor.h"
 #include "queue/queue_store.h"
 #include "records/download_item.h"
@@ -119,6 +120,11 @@ public:
     /// Adds the links in a text that came by another way; the link field stays as it is.
     void addSongs(const QString& text);
     void addSongsFromClipboard();
+    /// Adds a row for each song that the text names. The list's `name` begins what the summary and
+    /// the log say of it. False where that was no such text at all.
+    bool addSongList(const ListText& list, const QString& name);
+    bool addSongListFile(const QString& path);
+    void addSongListFromClipboard();
     QString clipboardText() const;
     QList<DownloadItem> addLinksToQueue(const QStringList& links);
 
@@ -204,6 +210,7 @@ Q_SIGNALS:
 
 private:
     void setActiveSummary(const QString& text);
+    void note(const QString& text);
     void addSongsBehind(const QStringList& links);
     RunTarget runTarget() const;
     bool readWhatNeedsReading(const QList<QUuid>& itemIDs);

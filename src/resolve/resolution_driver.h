@@ -63,6 +63,10 @@ public:
     void applyResolution(const QueueResolution& resolution, const FilesThatAreThere& files,
                          const DownloadItem& item, qsizetype index);
 
+    /// Looks which of these songs, whose rows have no link to read, are in the event's folder
+    /// already. Where some are, the summary says so, and then `remark`.
+    void lookForSongs(const QList<DownloadItem>& rows, const QString& remark);
+
     /// Whether reading fails in the same way however often it is tried, by the text for the user.
     static bool isPermanentFailure(const QString& failure);
 
@@ -85,6 +89,8 @@ private:
     void resolveBatch(const QList<DownloadItem>& items, const std::stop_token& stop);
     QueueResolution resolveOnce(const DownloadItem& item) const;
     void showReading(const DownloadItem& item);
+    void showSongsThatAreThere(const QList<DownloadItem>& rows, const FilesThatAreThere& files,
+                               const QString& remark);
     void lookWhatIsThere(const QueueResolution& resolution, const DownloadItem& item);
     void showRetry(const QUuid& id, int failedAttempt) const;
     void keepRow(const QueueResolution& resolution, const DownloadItem& item, qsizetype index);
