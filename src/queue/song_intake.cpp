@@ -114,7 +114,7 @@ QString remarkOf(const SongList& list, const Sorted& sorted) {
         remark += QStringLiteral("; %1 named before").arg(sorted.known.size());
     if (!list.unread.isEmpty())
         remark +=
-            QStringLiteral("; %1 not read as %2 (see the log)")
+            QStringLiteral("; %1 not read as %2")
                 .arg(counted(list.unread.size(), "line"),
                      list.unread.size() == 1 ? QStringLiteral("a song") : QStringLiteral("songs"));
     return remark;
@@ -138,9 +138,10 @@ SongIntake newRowsForSongs(const SongList& list, const QString& name, const QStr
         return intake;
     }
     Sorted songs = sorted(list, queue);
-    intake.remark = remarkOf(list, songs);
+    const QString left = remarkOf(list, songs);
+    intake.remark = left + (list.unread.isEmpty() ? QString() : QStringLiteral(" (see the log)"));
     intake.summary = addedText(songs, name) + intake.remark;
-    QStringList account{name + QStringLiteral(": ") + intake.summary};
+    QStringList account{name + QStringLiteral(": ") + addedText(songs, name) + left};
     if (!remark.isEmpty())
         account.append(remark);
     account += lines(QStringLiteral("No song, "), list.unread);
