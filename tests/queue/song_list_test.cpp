@@ -40,6 +40,8 @@ TEST(SongList, ReadsLinesAsPeopleWriteThem) {
          {"~ Daft Punk feat. Pharrell Williams - Get Lucky",
           "Daft Punk feat. Pharrell Williams | Get Lucky"},
          {"Adele ~ Hello", "Adele | Hello"},
+         {"🎶 7. Cher - Believe", "Cher | Believe"},
+         {"ABBA - SOS 99:59:59", "ABBA | SOS 99:59:59"},
          {"🎵 Bruno Mars - Marry You 3:50", "Bruno Mars | Marry You | 3:50"},
          {"❤️ Elvis Presley – Can't Help Falling in Love ❤️",
           "Elvis Presley | Can't Help Falling in Love"},
@@ -181,6 +183,7 @@ TEST(SongList, ReadsTheTablesThatPeopleExport) {
     };
     for (const auto& [table, songs] : cases)
         EXPECT_EQ(shownSongs(table), songs) << table;
+    EXPECT_TRUE(readSongList(text("sep=;\nTitle;Artist\nSOS;ABBA")).unread.isEmpty());
 }
 
 TEST(SongList, ATablesRowsSayWhatTheyLack) {
