@@ -133,7 +133,7 @@ std::optional<SongColumns> songColumns(const QStringList& names) {
             columns.title = at;
         if (kind == ColumnKind::artist)
             take(columns.artist, at);
-        if (kind == ColumnKind::length && !columns.inMilliseconds)
+        if (kind == ColumnKind::length)
             take(columns.length, at);
         if (kind == ColumnKind::milliseconds && !columns.inMilliseconds) {
             columns.length = at;
