@@ -106,7 +106,7 @@ std::unique_ptr<QCoreApplication> makeWindowApplication(int& argc, char** argv) 
 
 int runWithWindow(ProcessSupervisor& supervisor, const Arguments& arguments) {
     ReelcrateApp app(supervisor, ContentViewSetup::ofThisMachine(),
-                     {arguments.texts, arguments.startsDownloads});
+                     {arguments.texts, arguments.lists, arguments.startsDownloads});
     applySettings(arguments, app.view());
     TerminationSignals signals;
     QObject::connect(&signals, &TerminationSignals::received, &app, [&app](int signalNumber) {

@@ -4,6 +4,7 @@
 #include "library/file_names.h"
 #include "queue/link_intake.h"
 #include "queue/links.h"
+#include "queue/song_intake.h"
 
 #include <QDate>
 #include <QDir>
@@ -67,7 +68,6 @@ ContentView::ContentView(ProcessSupervisor& supervisor, ContentViewSetup setup)
     connect(&m_resolution, &ResolutionDriver::noted, this, [this](const QString& note) {
         m_downloads.appendNote(note);
         m_readingNotes.append(note);
-        Q_EMIT readingNoted(note);
     });
     connect(&m_resolution, &ResolutionDriver::rowRead, this, &ContentView::startWhatWasRead);
     connect(&m_downloads, &DownloadRuns::slotFreed, this, &ContentView::startWaitingRows);
@@ -202,6 +202,35 @@ void ContentView::addSongs(const QString& text) {
 
 void ContentView::addSongsFromClipboard() {
     addSongs(clipboardText());
+}
+
+void ContentView::noteList(const QString& text) {
+    m_downloads.appendNote(text);
+    Q_EMIT songListNoted(text);
+}
+
+bool ContentView::addSongList(const ListText& list, const QString& name) {
+    if (!list.failure.isEmpty()) {
+        const QString word = name + u' ' + list.failure;
+        noteList(word);
+        setActiveSummary(word);
+        return false;
+    }
+    const SongIntake intake = newRowsForSongs(readSongList(list.text), name, list.remark, m_queue);
+    m_queue.append(intake.rows);
+    noteList(intake.account);
+    setActiveSummary(intake.summary);
+    if (!intake.rows.isEmpty())
+        m_resolution.lookForSongs(intake.rows, intake.remark);
+    return !intake.isRefused;
+}
+
+bool ContentView::addSongListFile(const QString& path) {
+    return addSongList(textOfListFile(path), QFileInfo(path).fileName());
+}
+
+void ContentView::addSongListFromClipboard() {
+    addSongList(textOfList(clipboardText()), QStringLiteral("The clipboard"));
 }
 
 void ContentView::addSongsBehind(const QStringList& links) {

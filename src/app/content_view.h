@@ -6,6 +6,7 @@
 #include "library/event_account.h"
 #include "library/event_library.h"
 #include "library/playlist_file.h"
+#include "queue/list_text.h"
 #include "queue/queue_editor.h"
 #include "queue/queue_store.h"
 #include "records/download_item.h"
@@ -121,6 +122,11 @@ public:
     /// Adds the links in a text that came by another way; the link field stays as it is.
     void addSongs(const QString& text);
     void addSongsFromClipboard();
+    /// Adds a row for each song that the text names. The list's `name` begins what the summary and
+    /// the log say of it. False where that was no such text at all.
+    bool addSongList(const ListText& list, const QString& name);
+    bool addSongListFile(const QString& path);
+    void addSongListFromClipboard();
     QString clipboardText() const;
     QList<DownloadItem> addLinksToQueue(const QStringList& links);
 
@@ -205,13 +211,14 @@ Q_SIGNALS:
     /// Of the message, or of whether a scan is under way.
     void updateChanged();
     void updateScanFinished(const reelcrate::UpdateOutcome& outcome);
-    /// Songs are missing from what was read.
-    void readingNoted(const QString& note);
+    /// What became of a song list, and which of its lines are no songs.
+    void songListNoted(const QString& note);
     void runLogCleared();
     void runLogAppended(const QString& text);
 
 private:
     void setActiveSummary(const QString& text);
+    void noteList(const QString& text);
     void addSongsBehind(const QStringList& links);
     RunTarget runTarget() const;
     void readWhatNeedsReading(const QList<QUuid>& itemIDs);

@@ -16,6 +16,7 @@ const QString download = QStringLiteral("download");
 const QString headless = QStringLiteral("headless");
 const QString setup = QStringLiteral("setup");
 const QString checkUpdate = QStringLiteral("check-update");
+const QString list = QStringLiteral("list");
 const QString playlist = QStringLiteral("playlist");
 const QString report = QStringLiteral("report");
 const QString check = QStringLiteral("check");
@@ -39,6 +40,10 @@ void describe(QCommandLineParser& parser) {
          QStringLiteral("DIR")},
         {mode, QStringLiteral("MP3 for songs or MP4 for videos (default: MP3)."),
          QStringLiteral("MP3|MP4")},
+        {list,
+         QStringLiteral("Add the songs that a text names, one a line (\"Artist - Title\"), or a "
+                        "table (CSV); - reads standard input."),
+         QStringLiteral("FILE")},
         {json, QStringLiteral("Print the queue as JSON at the end, and nothing else, on standard "
                               "output.")},
         {download, QStringLiteral("In the window: download the links once they have been read.")},
@@ -104,6 +109,7 @@ Arguments parseArguments(const QStringList& commandLine) {
     arguments.outputFolder = valueOf(parser, output);
     arguments.checkedFolder = parser.value(check);
     arguments.texts = parser.positionalArguments();
+    arguments.lists = parser.values(list);
 
     const QString modeName = valueOf(parser, mode).value_or(rawValue(DownloadMode::audio));
     const auto chosenMode = downloadModeFromRawValue(modeName.toUpper());
@@ -114,16 +120,23 @@ Arguments parseArguments(const QStringList& commandLine) {
     if (arguments.outputFolder && arguments.outputFolder->isEmpty())
         arguments.usageError = QStringLiteral("The output folder has no name.");
     const bool downloads = arguments.action == Arguments::Action::download;
-    if (downloads && arguments.headless && arguments.texts.isEmpty())
+    const qsizetype inputs =
+        arguments.texts.count(QStringLiteral("-")) + arguments.lists.count(QStringLiteral("-"));
+    if (downloads && arguments.headless && arguments.texts.isEmpty() && arguments.lists.isEmpty())
         arguments.usageError = QStringLiteral("No link given.");
+    if (arguments.lists.contains(QString()))
+        arguments.usageError = QStringLiteral("The list has no name.");
+    if (inputs > 1 && arguments.lists.contains(QStringLiteral("-")))
+        arguments.usageError = QStringLiteral("Standard input can be read once.");
+    if (!downloads && !arguments.lists.isEmpty())
+        arguments.usageError = QStringLiteral("--list goes with downloads.");
     if (arguments.savesPlaylist && !(downloads && arguments.headless))
         arguments.usageError = QStringLiteral("--playlist goes with --headless.");
     if (arguments.reportPath && !(downloads && arguments.headless))
         arguments.usageError = QStringLiteral("--report goes with --headless.");
     if (arguments.reportPath && arguments.reportPath->isEmpty())
         arguments.usageError = QStringLiteral("The file for the account has no name.");
-    if (arguments.needsWindow() &&
-        (arguments.json || arguments.texts.contains(QStringLiteral("-"))))
+    if (arguments.needsWindow() && (arguments.json || inputs > 0))
         arguments.usageError = QStringLiteral("--json and - go with --headless.");
     if (arguments.action == Arguments::Action::setUp && !arguments.headless)
         arguments.usageError = QStringLiteral("--setup goes with --headless.");

@@ -24,6 +24,7 @@ struct Arguments {
     QString checkedFolder;  ///< for checkFolder
     DownloadMode mode = DownloadMode::audio;
     QStringList texts;  ///< texts with links in them; "-" stands for standard input
+    QStringList lists;  ///< files with songs in them; likewise
 
     QString usageError;  ///< empty unless the command line is wrong
 

@@ -33,7 +33,8 @@ HeadlessRun::HeadlessRun(ContentView& view, const Arguments& arguments)
       m_json(arguments.json),
       m_savesPlaylist(arguments.savesPlaylist),
       m_reportPath(arguments.reportPath),
-      m_texts(arguments.texts) {
+      m_texts(arguments.texts),
+      m_lists(arguments.lists) {
     applySettings(arguments, view);
 
     // Later, so that each step sees the outcome of a whole operation and not its middle.
@@ -42,6 +43,8 @@ HeadlessRun::HeadlessRun(ContentView& view, const Arguments& arguments)
     const auto advanceLater = [this] { m_advance.start(0); };
     connect(&view, &ContentView::toolsChanged, this, advanceLater);
     connect(&view, &ContentView::activeDownloadRunsChanged, this, advanceLater);
+    connect(&view, &ContentView::songListNoted, this,
+            [this](const QString& note) { m_notes.append(note.trimmed()); });
     connect(&view.queue(), &QueueStore::rowReplaced, this, advanceLater);
     connect(&view.queue(), &QueueStore::rowChanged, this,
             [advanceLater](qsizetype, QueueStore::Fields fields) {
@@ -54,20 +57,25 @@ HeadlessRun::~HeadlessRun() = default;
 
 void HeadlessRun::start() {
     m_display = ProgressDisplay::on(m_json ? stderr : stdout, m_view);
-    if (!m_texts.contains(standardInput)) {
+    if (m_texts.contains(standardInput) || m_lists.contains(standardInput))
+        readInput();
+    else
         m_view.checkTools();
-        return;
-    }
+}
+
+void HeadlessRun::readInput() {
     m_input = std::make_unique<StandardInput>();
-    connect(m_input.get(), &StandardInput::finished, this, [this](const QString& text) {
-        m_texts.replace(m_texts.indexOf(standardInput), text);
+    connect(m_input.get(), &StandardInput::finished, this, [this](const QByteArray& bytes) {
+        m_inputBytes = bytes;
+        if (const qsizetype at = m_texts.indexOf(standardInput); at >= 0)
+            m_texts.replace(at, QString::fromUtf8(bytes));
         m_view.checkTools();
     });
 }
 
 void HeadlessRun::advance() {
     if (m_phase == Phase::checkingTools && !m_view.isCheckingTools())
-        addLinks();
+        addSongs();
     if (m_phase == Phase::reading && !isReading())
         startDownloads();
     if (m_phase == Phase::downloading && m_view.activeDownloadRuns() == 0 && !isReading()) {
@@ -77,7 +85,7 @@ void HeadlessRun::advance() {
     }
 }
 
-void HeadlessRun::addLinks() {
+void HeadlessRun::addSongs() {
     if (!m_view.coreToolsReady()) {
         complain(m_view.toolLog());
         complain(m_view.setupDetailText());
@@ -86,8 +94,23 @@ void HeadlessRun::addLinks() {
         return;
     }
     m_phase = Phase::reading;
+    if (!addLists()) {
+        end(wrongUsage);
+        return;
+    }
+    if (m_texts.isEmpty())
+        return;
     m_view.setPastedLinks(m_texts.join(u'\n'));
     m_view.addSongsFromFieldOrClipboard();
+}
+
+/// False when one of them is no such text: before a run is half of what was asked for.
+bool HeadlessRun::addLists() {
+    return std::all_of(m_lists.begin(), m_lists.end(), [this](const QString& list) {
+        return list == standardInput
+                   ? m_view.addSongList(textOfList(m_inputBytes), QStringLiteral("Standard input"))
+                   : m_view.addSongListFile(list);
+    });
 }
 
 bool HeadlessRun::isReading() const {
@@ -100,7 +123,7 @@ void HeadlessRun::startDownloads() {
     m_phase = Phase::downloading;
     m_view.startDownloads();
     // A run that has ended here already never began: its log says why.
-    if (m_view.activeDownloadRuns() == 0 && !isReading())
+    if (m_view.activeDownloadRuns() == 0 && !isReading() && m_view.queue().size() > 0)
         complain(m_view.runLog());
 }
 

@@ -39,7 +39,9 @@ private:
     enum class Phase { checkingTools, reading, downloading, ended };
 
     void advance();
-    void addLinks();
+    void readInput();
+    void addSongs();
+    bool addLists();
     bool isReading() const;
     void startDownloads();
     bool allRowsAreComplete() const;
@@ -53,6 +55,8 @@ private:
     const bool m_savesPlaylist;
     const std::optional<QString> m_reportPath;
     QStringList m_texts;  ///< what the links are taken from
+    QStringList m_lists;  ///< files with songs in them
+    QByteArray m_inputBytes;
     QStringList m_notes;  ///< for the user, at the end
     std::unique_ptr<StandardInput> m_input;
     std::unique_ptr<ProgressDisplay> m_display;

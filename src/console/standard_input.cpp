@@ -17,7 +17,7 @@ void StandardInput::read() {
         m_bytes.append(bytes.data(), count);
     } else if (count == 0 || (errno != EINTR && errno != EAGAIN)) {
         m_notifier.setEnabled(false);
-        Q_EMIT finished(QString::fromUtf8(m_bytes));
+        Q_EMIT finished(m_bytes);
     }
 }
 

@@ -3,7 +3,6 @@
 #include <QByteArray>
 #include <QObject>
 #include <QSocketNotifier>
-#include <QString>
 
 /// Reads standard input to its end while the event loop goes on. Main thread. An input that cannot
 /// be read ends there.
@@ -16,8 +15,8 @@ public:
     StandardInput();
 
 Q_SIGNALS:
-    /// All of it, once; what is not UTF-8 in it is replaced.
-    void finished(const QString& text);
+    /// All of it, once.
+    void finished(const QByteArray& bytes);
 
 private:
     void read();

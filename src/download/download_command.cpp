@@ -15,7 +15,7 @@ QString outputTemplate(const DownloadItem& item, QString folder) {
     folder.replace(u'%', QStringLiteral("%%"));
     if (!folder.endsWith(u'/'))
         folder += u'/';
-    if (item.source == SourceType::spotify)
+    if (isSearchedFor(item.source))
         return folder + spotifyFileStem(item.title) + QStringLiteral(" [%(id)s].%(ext)s");
     return folder + QStringLiteral("%(title).180B [%(id).40B].%(ext)s");
 }
@@ -23,7 +23,7 @@ QString outputTemplate(const DownloadItem& item, QString folder) {
 QString target(const DownloadItem& item, DownloadMode mode, const QString& found) {
     if (!found.isEmpty())
         return found;
-    return item.source == SourceType::spotify ? spotifySearchQuery(item, mode) : item.url;
+    return isSearchedFor(item.source) ? spotifySearchQuery(item, mode) : item.url;
 }
 
 QString progressOptions() {

@@ -35,7 +35,7 @@ std::optional<QString> createFolders(const QString& path) {
 bool isStartable(const DownloadItem& row) {
     const bool isFree = row.status == QueueStatus::waiting || row.status == QueueStatus::failed;
     // Of a Spotify link that was not listed nothing is known that could be searched for.
-    const bool isKnown = row.source != SourceType::spotify || row.reading == LinkReading::song;
+    const bool isKnown = !isSearchedFor(row.source) || row.reading == LinkReading::song;
     return isFree && isKnown && row.reading != LinkReading::repeated &&
            row.reading != LinkReading::givenUp;
 }

@@ -46,7 +46,7 @@ Crawl preparationCrawl(const DownloadItem& row) {
 
 Crawl sourceCrawl(const DownloadItem& row) {
     const double preparation = preparationProgressProfile(row).target;
-    if (row.source == SourceType::spotify) {
+    if (isSearchedFor(row.source)) {
         return {.target = std::min(preparation + 0.03 * (1 + progressSeed(row, 31)), 0.45),
                 .durationSeconds = 24 + 38 * progressSeed(row, 37)};
     }
@@ -55,8 +55,8 @@ Crawl sourceCrawl(const DownloadItem& row) {
 }
 
 Crawl transferCrawl(const DownloadItem& row) {
-    const double target = row.source == SourceType::spotify ? 0.43 + 0.05 * progressSeed(row, 47)
-                                                            : 0.35 + 0.08 * progressSeed(row, 53);
+    const double target = isSearchedFor(row.source) ? 0.43 + 0.05 * progressSeed(row, 47)
+                                                    : 0.35 + 0.08 * progressSeed(row, 53);
     return {.target = target, .durationSeconds = 8 + 14 * progressSeed(row, 59)};
 }
 
@@ -68,7 +68,7 @@ struct StageRule {
     Crawl (*crawlOfRow)(const DownloadItem&) = nullptr;  // where it depends on the row instead
 };
 
-constexpr StageRule spotifySearch{
+constexpr StageRule songSearch{
     {"ytsearch"_L1, "search"_L1, "extracting url"_L1}, preparing, {}, {}, preparationCrawl};
 
 // The first that applies decides.
@@ -93,8 +93,8 @@ bool applies(const StageRule& rule, const QString& loweredPiece) {
 }
 
 const StageRule* ruleFor(const DownloadItem& row, const QString& loweredPiece) {
-    if (row.source == SourceType::spotify && applies(spotifySearch, loweredPiece))
-        return &spotifySearch;
+    if (isSearchedFor(row.source) && applies(songSearch, loweredPiece))
+        return &songSearch;
     for (const StageRule& rule : stageRules) {
         if (applies(rule, loweredPiece))
             return &rule;

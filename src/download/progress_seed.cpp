@@ -13,8 +13,8 @@ double progressSeed(const DownloadItem& item, int salt) {
 }
 
 PreparationProgressProfile preparationProgressProfile(const DownloadItem& item) {
-    // A song of Spotify is searched for before it is downloaded, which takes long.
-    if (item.source == SourceType::spotify) {
+    // A song that has to be searched for takes long before it is downloaded.
+    if (isSearchedFor(item.source)) {
         return {.target = 0.30 + 0.12 * progressSeed(item, 11),
                 .durationSeconds = 75 + 70 * progressSeed(item, 17)};
     }

@@ -141,7 +141,7 @@ RowDownload::End RowDownload::run(const std::stop_token& programEnds) {
                   .playingSeconds = look.seconds});
         return End::ended;
     }
-    if (m_item.source == SourceType::spotify)
+    if (isSearchedFor(m_item.source))
         search();
     if (!stop.stop_requested())
         download(folder, stop);

@@ -126,7 +126,7 @@ void RowStages::fail(const QUuid& id, FailureCause cause) {
         row.status = QueueStatus::failed;
         row.progress = 0;
         row.hasRealProgress = false;
-        row.detail = failureText(cause);
+        row.detail = failureText(cause, row.source);
         row.cause = cause;
     });
 }

@@ -16,7 +16,7 @@ constexpr std::array videoHosts{videoSite, QLatin1String("youtu.be"),
 }  // namespace
 
 QString siteOf(const DownloadItem& item) {
-    if (item.source == SourceType::spotify)
+    if (isSearchedFor(item.source))
         return videoSite;
     QString host = QUrl(item.url).host();
     const bool isVideoSite = std::any_of(

@@ -35,7 +35,9 @@ QString word(FailureCause cause) {
     return QString::fromLatin1(wordsOf(cause).word);
 }
 
-QString failureText(FailureCause cause) {
+QString failureText(FailureCause cause, SourceType source) {
+    if (cause == FailureCause::noMatch && source == SourceType::song)
+        return QStringLiteral("Could not find a matching YouTube result for this song.");
     return QString::fromLatin1(wordsOf(cause).text);
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "records/source_type.h"
+
 #include <QString>
 
 /// Why a download failed, as far as that could be told. A plain value; any thread.
@@ -21,7 +23,7 @@ enum class FailureCause {
 /// The word for programs, for example "site-limit".
 QString word(FailureCause cause);
 
-/// What the row says: what to do, in few words.
-QString failureText(FailureCause cause);
+/// What a row of this source says: what to do, in few words.
+QString failureText(FailureCause cause, SourceType source);
 
 }  // namespace reelcrate

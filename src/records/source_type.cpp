@@ -19,6 +19,7 @@ constexpr std::array rows{
     Row{SourceType::facebook, "Facebook", "person.2.fill", gold},
     Row{SourceType::spotify, "Spotify", "music.note.list", gold},
     Row{SourceType::link, "Link", "link", neutralGrey},
+    Row{SourceType::song, "Song", "music.note", gold},
 };
 
 const Row& row(SourceType source) {
@@ -45,6 +46,10 @@ QString symbol(SourceType source) {
 
 Tint tint(SourceType source) {
     return row(source).tint;
+}
+
+bool isSearchedFor(SourceType source) {
+    return source == SourceType::spotify || source == SourceType::song;
 }
 
 }  // namespace reelcrate

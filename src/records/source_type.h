@@ -18,11 +18,17 @@ struct Tint {
     friend bool operator==(const Tint&, const Tint&) = default;
 };
 
-enum class SourceType { youtube, facebook, spotify, link };
+enum class SourceType {
+    youtube,
+    facebook,
+    spotify,
+    link,
+    song,  ///< no link at all: a song that a list names
+};
 
 /// In declaration order.
 inline constexpr std::array allSourceTypes{SourceType::youtube, SourceType::facebook,
-                                           SourceType::spotify, SourceType::link};
+                                           SourceType::spotify, SourceType::link, SourceType::song};
 
 /// The visible label, for example "YouTube".
 QString rawValue(SourceType source);
@@ -34,5 +40,9 @@ std::optional<SourceType> sourceTypeFromRawValue(const QString& rawValue);
 QString symbol(SourceType source);
 
 Tint tint(SourceType source);
+
+/// Whether a row of this source names its song without leading to it: what is downloaded has to be
+/// searched for on the video site.
+bool isSearchedFor(SourceType source);
 
 }  // namespace reelcrate

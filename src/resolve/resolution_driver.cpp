@@ -49,6 +49,13 @@ bool isTaken(const DownloadItem& row) {
     return row.status != QueueStatus::waiting && row.status != QueueStatus::failed;
 }
 
+void markAsDownloaded(DownloadItem& row, const QString& path) {
+    row.status = QueueStatus::complete;
+    row.detail = QStringLiteral("Already Downloaded");
+    row.outputPath = path;
+    row.progress = 1.0;
+}
+
 DownloadItem rowFor(const PlaylistEntry& entry, const std::optional<QString>& downloaded) {
     DownloadItem row;
     row.url = entry.url;
@@ -65,10 +72,7 @@ DownloadItem rowFor(const PlaylistEntry& entry, const std::optional<QString>& do
         row.isResolvingInfo = true;
         row.detail = QStringLiteral("Loading info...");
     } else if (downloaded) {
-        row.status = QueueStatus::complete;
-        row.detail = QStringLiteral("Already Downloaded");
-        row.outputPath = *downloaded;
-        row.progress = 1.0;
+        markAsDownloaded(row, *downloaded);
     } else {
         row.detail = QStringLiteral("Ready to download");
     }
@@ -183,6 +187,38 @@ void ResolutionDriver::stop(const QSet<QUuid>& itemIDs) {
             row.detail = QStringLiteral("Ready to download");
         });
     }
+}
+
+void ResolutionDriver::lookForSongs(const QList<DownloadItem>& rows, const QString& remark) {
+    QList<PlaylistEntry> entries;
+    for (const DownloadItem& row : rows)
+        entries.append({.url = row.url,
+                        .source = row.source,
+                        .title = row.title,
+                        .duration = row.duration,
+                        .thumbnailURL = {}});
+    m_background.run(
+        [this, rows, remark, entries, target = m_eventTarget()](const std::stop_token&) {
+            const FilesThatAreThere files = m_library.existingDownloadedFiles(entries, target);
+            m_mainQueue.post(
+                [this, rows, files, remark] { showSongsThatAreThere(rows, files, remark); });
+        });
+}
+
+void ResolutionDriver::showSongsThatAreThere(const QList<DownloadItem>& rows,
+                                             const FilesThatAreThere& files,
+                                             const QString& remark) {
+    qsizetype found = 0;
+    for (qsizetype i = 0; i < rows.size(); ++i) {
+        const DownloadItem* row = m_queue.find(rows.at(i).id);
+        if (row == nullptr || isTaken(*row) || !files.value(i))
+            continue;
+        m_queue.update(row->id,
+                       [&](DownloadItem& there) { markAsDownloaded(there, *files.at(i)); });
+        ++found;
+    }
+    if (found > 0)
+        Q_EMIT summaryChanged(summaryOfNewRows(rows.size(), found) + remark);
 }
 
 void ResolutionDriver::showReading(const DownloadItem& item) {
@@ -338,7 +374,8 @@ bool ResolutionDriver::isPermanentFailure(const QString& failure) {
 }
 
 bool ResolutionDriver::shouldRetryInfoForFailedItem(const DownloadItem& item) {
-    return item.isResolvingInfo || containsAny(item.detail, readFailureMarkers);
+    return item.source != SourceType::song &&
+           (item.isResolvingInfo || containsAny(item.detail, readFailureMarkers));
 }
 
 void ResolutionDriver::retryResolveInfo(const DownloadItem& item) {

@@ -70,6 +70,10 @@ public:
     void applyResolution(const QueueResolution& resolution, const FilesThatAreThere& files,
                          const DownloadItem& item, qsizetype index);
 
+    /// Looks which of these songs, whose rows have no link to read, are in the event's folder
+    /// already. Where some are, the summary says so, and then `remark`.
+    void lookForSongs(const QList<DownloadItem>& rows, const QString& remark);
+
     /// Whether reading fails in the same way however often it is tried, by the text for the user.
     static bool isPermanentFailure(const QString& failure);
 
@@ -99,6 +103,8 @@ private:
     void post(const std::stop_token& stop, std::function<void()> block) const;
     void showReading(const DownloadItem& item);
     void lookWhatIsThere(const QueueResolution& resolution, const Reading& reading);
+    void showSongsThatAreThere(const QList<DownloadItem>& rows, const FilesThatAreThere& files,
+                               const QString& remark);
     void showRetry(const QUuid& id, int failedAttempt) const;
     void keepRow(const QueueResolution& resolution, const DownloadItem& item, qsizetype index);
     void replaceRow(const QList<DownloadItem>& rows, const QueueResolution& resolution,

@@ -36,6 +36,7 @@ QString iconName(const QString& symbol) {
         {QStringLiteral("folder"), QStringLiteral("folder")},
         {QStringLiteral("link"), QStringLiteral("link-45deg")},
         {QStringLiteral("magnifyingglass"), QStringLiteral("search")},
+        {QStringLiteral("music.note"), QStringLiteral("music-note")},
         {QStringLiteral("music.note.list"), QStringLiteral("music-note-list")},
         {QStringLiteral("person.2.fill"), QStringLiteral("people-fill")},
         {QStringLiteral("play.rectangle.fill"), QStringLiteral("play-btn-fill")},

@@ -23,10 +23,14 @@ FocusScope {
         const row = list.itemAtIndex(state.focusedIndex());
         if (row)
             menu.showByKeyboard(state.focusedItemID(), row);
+        else
+            menu.showForQueue(list, 40, 40);
     }
-    function clickArea() {
+    function clickArea(mouse, item) {
         state.clickQueueArea();
         takeKeyboard();
+        if (mouse.button === Qt.RightButton)
+            menu.showForQueue(item, mouse.x, mouse.y);
     }
 
     objectName: "queuePane"
@@ -39,7 +43,8 @@ FocusScope {
     }
     MouseArea {
         anchors.fill: parent
-        onClicked: root.clickArea()
+        acceptedButtons: Qt.LeftButton | Qt.RightButton
+        onClicked: mouse => root.clickArea(mouse, this)
     }
     Row {
         id: title
@@ -165,7 +170,8 @@ FocusScope {
             width: list.width
             height: list.height
             z: -1
-            onClicked: root.clickArea()
+            acceptedButtons: Qt.LeftButton | Qt.RightButton
+            onClicked: mouse => root.clickArea(mouse, this)
         }
     }
     QueueOutline {

@@ -3,26 +3,36 @@ import QtQuick.Controls.Basic
 import Reelcrate
 import Reelcrate.Theme
 
-/// What can be done to a row, or to all selected rows when it is one of several; and to the queue.
+/// What can be done to a row, or to all selected rows when it is one of several; and to the queue,
+/// which is all that there is without a row.
 Menu {
     id: root
 
     required property WindowState state
     property string itemID
+    readonly property bool hasRow: itemID !== ""
+    property bool isSong: false
     property bool takesSelection: false
     property string error
     property bool hasOthersInNeed: false
+    property bool canPasteSongList: false
     property bool canSavePlaylist: false
     property bool canStop: false
 
     function show(row, item, x, y) {
         itemID = row;
+        isSong = state.isSong(row);
         takesSelection = state.takesSelection(row);
         error = state.errorOf(row);
         hasOthersInNeed = state.linksInNeed() !== "";
+        canPasteSongList = state.canPasteSongList();
         canSavePlaylist = state.canSavePlaylist();
         canStop = state.canStop(row, takesSelection);
         popup(item, x, y);
+    }
+    /// What concerns no row.
+    function showForQueue(item, x, y) {
+        show("", item, x, y);
     }
     /// With the first entry that can be chosen highlighted.
     function showByKeyboard(row, item) {
@@ -56,6 +66,7 @@ Menu {
         text: root.takesSelection ? "Delete Selected Songs" : "Delete Song"
         symbol: "trash"
         enabled: root.state.controls.canDelete
+        visible: root.hasRow
         onTriggered: root.state.deleteFromRow(root.itemID, root.takesSelection)
     }
     RowMenuItem {
@@ -67,8 +78,9 @@ Menu {
     }
     RowMenuItem {
         objectName: "copyLinks"
-        text: root.takesSelection ? "Copy Links" : "Copy Link"
-        symbol: "link"
+        text: root.takesSelection ? "Copy Links" : root.isSong ? "Copy Song" : "Copy Link"
+        symbol: root.isSong && !root.takesSelection ? "music.note" : "link"
+        visible: root.hasRow
         onTriggered: root.state.copyText(root.state.linksOf(root.itemID, root.takesSelection))
     }
     RowMenuItem {
@@ -77,6 +89,13 @@ Menu {
         symbol: "link"
         visible: root.hasOthersInNeed
         onTriggered: root.state.copyText(root.state.linksInNeed())
+    }
+    RowMenuItem {
+        objectName: "pasteSongList"
+        text: "Paste Song List"
+        symbol: "doc.on.clipboard"
+        enabled: root.canPasteSongList
+        onTriggered: root.state.pasteSongList()
     }
     RowMenuItem {
         objectName: "savePlaylist"

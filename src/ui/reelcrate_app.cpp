@@ -56,7 +56,7 @@ TechTheme* theme(QQmlEngine& engine) {
 
 ReelcrateApp::ReelcrateApp(ProcessSupervisor& supervisor, ContentViewSetup setup, FirstLinks links)
     : m_firstLinks(std::move(links)) {
-    m_firstLinks.download = m_firstLinks.download && !m_firstLinks.texts.isEmpty();
+    m_firstLinks.download = m_firstLinks.download && m_firstLinks.areWaiting();
     static const bool registered = (registerTypes(), true);
     Q_UNUSED(registered);
     const QString desktopFolder = setup.desktopFolder;
@@ -67,8 +67,10 @@ ReelcrateApp::ReelcrateApp(ProcessSupervisor& supervisor, ContentViewSetup setup
     connect(m_state.get(), &WindowState::quitRequested, this, [this] { quit(); });
     connect(&m_state->runProgress(), &RunProgress::changed, this, &ReelcrateApp::showRunProgress);
     connect(&m_state->runProgress(), &RunProgress::finished, this, &ReelcrateApp::announceEnd);
-    connect(m_view.get(), &ContentView::toolsChanged, this, &ReelcrateApp::addFirstLinks);
-    // Later, so that it sees the outcome of a whole operation and not its middle.
+    // Later, so that each sees the outcome of a whole operation and not its middle, and what is said
+    // of a list is not hidden by what is said of the tools.
+    connect(m_view.get(), &ContentView::toolsChanged, this, &ReelcrateApp::addFirstLinks,
+            Qt::QueuedConnection);
     connect(m_state.get(), &WindowState::controlsChanged, this, &ReelcrateApp::downloadFirstLinks);
     connect(m_view.get(), &ContentView::activeSummaryChanged, this,
             &ReelcrateApp::downloadFirstLinks, Qt::QueuedConnection);
@@ -127,15 +129,18 @@ void ReelcrateApp::disappear() {
 }
 
 void ReelcrateApp::addFirstLinks() {
-    if (m_view->isCheckingTools() || m_firstLinks.texts.isEmpty())
+    if (m_view->isCheckingTools() || !m_firstLinks.areWaiting())
         return;
-    m_view->addSongs(std::exchange(m_firstLinks.texts, {}).join(u'\n'));
-    // Without a link in the texts there is nothing to wait for.
+    for (const QString& list : std::exchange(m_firstLinks.lists, {}))
+        m_view->addSongListFile(list);
+    if (!m_firstLinks.texts.isEmpty())
+        m_view->addSongs(std::exchange(m_firstLinks.texts, {}).join(u'\n'));
+    // Without a link or a song in the texts there is nothing to wait for.
     m_firstLinks.download = m_firstLinks.download && m_view->queue().size() > 0;
 }
 
 void ReelcrateApp::downloadFirstLinks() {
-    if (!m_firstLinks.download || !m_firstLinks.texts.isEmpty())
+    if (!m_firstLinks.download || m_firstLinks.areWaiting())
         return;
     const auto& rows = m_view->queue().rows();
     const bool read = std::none_of(rows.begin(), rows.end(),

@@ -20,10 +20,13 @@ class QQuickWindow;
 /// both. Needs a QGuiApplication. Main thread.
 namespace reelcrate {
 
-/// Links that are there from the start.
+/// Links and songs that are there from the start.
 struct FirstLinks {
-    QStringList texts;      ///< to be added once the tools have been checked
-    bool download = false;  ///< once they have been read
+    QStringList texts;       ///< to be added once the tools have been checked
+    QStringList lists = {};  ///< files that name songs; likewise
+    bool download = false;   ///< once they have been read
+
+    bool areWaiting() const { return !texts.isEmpty() || !lists.isEmpty(); }
 };
 
 class ReelcrateApp : public QObject {

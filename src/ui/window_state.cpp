@@ -11,17 +11,28 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace reelcrate {
 
 namespace {
+
+bool isOfKind(const QUrl& file, const QStringList& kinds) {
+    return file.isLocalFile() && kinds.contains(QFileInfo(file.toLocalFile()).suffix().toLower());
+}
 
 /// Whether a file is of a kind that people keep links in.
 bool holdsLinks(const QUrl& file) {
     static const QStringList kinds{QStringLiteral("txt"), QStringLiteral("csv"),
                                    QStringLiteral("m3u"), QStringLiteral("webloc"),
                                    QStringLiteral("url")};
-    return file.isLocalFile() && kinds.contains(QFileInfo(file.toLocalFile()).suffix().toLower());
+    return isOfKind(file, kinds);
+}
+
+/// Whether a file is of a kind that people write songs into.
+bool mayNameSongs(const QUrl& file) {
+    static const QStringList kinds{QStringLiteral("txt"), QStringLiteral("csv")};
+    return isOfKind(file, kinds);
 }
 
 /// The file's beginning, with what encloses an address in a markup made space.
@@ -35,6 +46,14 @@ QString textOf(const QUrl& fileUrl) {
     for (const QChar enclosing : {u'<', u'>', u'"', u','})
         text.replace(enclosing, u' ');
     return text.replace(QStringLiteral("&amp;"), QStringLiteral("&"));
+}
+
+/// What brings the row into a queue again.
+QString linkOf(const DownloadItem& row) {
+    if (row.source != SourceType::song)
+        return row.url;
+    return row.duration.isEmpty() ? row.title
+                                  : QStringLiteral("%1 (%2)").arg(row.title, row.duration);
 }
 
 }  // namespace
@@ -156,14 +175,22 @@ void WindowState::addSongsFromFieldOrClipboard() {
 
 void WindowState::addDropped(const QList<QUrl>& urls, const QString& text) {
     QStringList links;
+    QStringList lists;
     for (const QUrl& url : urls) {
         // Encoded, since a link ends at a space.
         if (url.scheme() == QStringLiteral("http") || url.scheme() == QStringLiteral("https"))
             links.append(QString::fromLatin1(url.toEncoded()));
         else if (holdsLinks(url))
             links.append(textOf(url));
+        if (mayNameSongs(url) && extractLinks(links.last()).isEmpty()) {
+            links.removeLast();
+            lists.append(url.toLocalFile());
+        }
     }
-    m_view.addSongs(links.isEmpty() ? text : links.join(u'\n'));
+    if (!links.isEmpty() || lists.isEmpty())
+        m_view.addSongs(links.isEmpty() ? text : links.join(u'\n'));
+    for (const QString& list : std::as_const(lists))
+        m_view.addSongListFile(list);
 }
 
 bool WindowState::takesDrop(const QList<QUrl>& urls, const QString& text) {
@@ -288,6 +315,14 @@ void WindowState::stopFromRow(const QString& itemID, bool allSelected) {
     m_view.stopQueueItems(rowsMeant(itemID, allSelected));
 }
 
+bool WindowState::canPasteSongList() const {
+    return m_view.canAdd() && !m_view.clipboardText().trimmed().isEmpty();
+}
+
+void WindowState::pasteSongList() {
+    m_view.addSongListFromClipboard();
+}
+
 bool WindowState::canSavePlaylist() const {
     return m_view.queue().countWithStatus(QueueStatus::complete) > 0;
 }
@@ -362,10 +397,15 @@ QString WindowState::linksWhere(const std::function<bool(const DownloadItem&)>& 
     QStringList links;
     for (const DownloadItem& row : m_view.queue().rows()) {
         if (isMeant(row))
-            links.append(row.url);
+            links.append(linkOf(row));
     }
     links.removeDuplicates();  // several songs of one page
     return links.join(u'\n');
+}
+
+bool WindowState::isSong(const QString& itemID) const {
+    const DownloadItem* row = m_view.queue().find(QUuid(itemID));
+    return row && row->source == SourceType::song;
 }
 
 QString WindowState::linksOf(const QString& itemID, bool allSelected) const {

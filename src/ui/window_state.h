@@ -68,7 +68,7 @@ public:
 
     Q_INVOKABLE void addSongsFromFieldOrClipboard();
     /// The web addresses where there are any, then the links in text files, otherwise the text; all
-    /// may be the drop's.
+    /// may be the drop's. Text files and tables without links are lists of songs.
     Q_INVOKABLE void addDropped(const QList<QUrl>& urls, const QString& text);
     /// Whether there are links in what is dropped, or files that may hold some.
     Q_INVOKABLE static bool takesDrop(const QList<QUrl>& urls, const QString& text);
@@ -96,6 +96,9 @@ public:
     Q_INVOKABLE void deleteFromRow(const QString& itemID, bool allSelected);
     Q_INVOKABLE bool canStop(const QString& itemID, bool allSelected) const;
     Q_INVOKABLE void stopFromRow(const QString& itemID, bool allSelected);
+    /// Whether there is a text to take for a list of songs.
+    Q_INVOKABLE bool canPasteSongList() const;
+    Q_INVOKABLE void pasteSongList();
     /// Whether there is a complete song to name in a playlist.
     Q_INVOKABLE bool canSavePlaylist() const;
     Q_INVOKABLE void savePlaylist();
@@ -110,7 +113,10 @@ public:
 
     /// Why the row needs attention; empty when it does not.
     Q_INVOKABLE QString errorOf(const QString& itemID) const;
-    /// The row's link, or those of all selected rows, one a line, each once.
+    /// Whether the row has no link, but the name of a song.
+    Q_INVOKABLE bool isSong(const QString& itemID) const;
+    /// The row's link, or those of all selected rows, one a line, each once. Of a song of a list
+    /// the line that named it.
     Q_INVOKABLE QString linksOf(const QString& itemID, bool allSelected) const;
     /// The links of all rows that need attention.
     Q_INVOKABLE QString linksInNeed() const;

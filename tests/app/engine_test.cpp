@@ -602,6 +602,60 @@ TEST_F(EngineTest, ASpotifyRowIsDownloadedFromTheBestHit) {
     EXPECT_TRUE(calls().last().startsWith(QStringLiteral("download ytsearch1:")));
 }
 
+TEST_F(EngineTest, ASongOfAListIsFoundLikeASpotifyRow) {
+    QDir().mkpath(view.eventFolder());
+    const QString there = eventFile(QStringLiteral("Queen - Bicycle Race [x].mp3"));
+    writeFile(there, silentMp3());
+    QSignalSpy noted(&view, &ContentView::songListNoted);
+    const auto add = [&](const char* list) {
+        return view.addSongList(textOfList(QByteArray(list)), QStringLiteral("The list"));
+    };
+    EXPECT_TRUE(add("ABBA - Waterloo (2:46)\nhello\nqueen – bicycle race\nNobody - Nothing"));
+    EXPECT_EQ(titles(), (QStringList{QStringLiteral("ABBA - Waterloo"),
+                                     QStringLiteral("queen - bicycle race"),
+                                     QStringLiteral("Nobody - Nothing")}));
+    EXPECT_FALSE(isReading());
+    ASSERT_TRUE(waitUntil([this] { return row(1).status == QueueStatus::complete; }));
+    EXPECT_EQ(row(1).outputPath, there);
+    EXPECT_EQ(row(1).detail, QStringLiteral("Already Downloaded"));
+    EXPECT_EQ(view.activeSummary(), QStringLiteral("Added 2; 1 already downloaded; 1 line not read "
+                                                   "as a song (see the log)"));
+    EXPECT_TRUE(noted.first().first().toString().contains(QStringLiteral("line 2: hello")));
+
+    const auto hit = [](const char* name, double seconds) {
+        return QJsonObject{{QStringLiteral("url"), link("song", QString::fromLatin1(name))},
+                           {QStringLiteral("title"), QStringLiteral("ABBA - Waterloo")},
+                           {QStringLiteral("duration"), seconds}};
+    };
+    const QJsonArray hits{hit("long", 300), hit("right", 167)};
+    machine.tell(QStringLiteral("playlist.json"),
+                 QJsonDocument(QJsonObject{{QStringLiteral("entries"), hits}}).toJson());
+    view.startDownloadRun({row(0).id});
+    ASSERT_TRUE(waitUntil([this] { return view.activeDownloadRuns() == 0; }));
+    EXPECT_EQ(row(0).status, QueueStatus::complete);
+    EXPECT_THAT(machine.calls(), testing::Contains(QStringLiteral("download right")));
+    EXPECT_TRUE(QFileInfo(row(0).outputPath).fileName().startsWith(QStringLiteral("right")));
+    // What was not read stands in the run's log, too.
+    EXPECT_TRUE(view.runLog().contains(QStringLiteral("No song, line 2: hello")));
+
+    machine.installScript(QStringLiteral("yt-dlp"),
+                          "#!/bin/bash\necho '[youtube:search] Playlist x: Downloading 0 items'\n");
+    view.startDownloadRun({row(2).id});
+    ASSERT_TRUE(waitUntil([this] { return view.activeDownloadRuns() == 0; }));
+    EXPECT_EQ(row(2).cause, FailureCause::noMatch);
+    EXPECT_EQ(row(2).detail,
+              QStringLiteral("Could not find a matching YouTube result for this song."));
+    EXPECT_TRUE(
+        view.runLog().contains(QStringLiteral("ytsearch1:Nobody - Nothing official audio")));
+    EXPECT_FALSE(ContentView::shouldRetryInfoForFailedItem(row(2)));
+
+    EXPECT_TRUE(add("Waterloo by Abba"));
+    EXPECT_EQ(view.queue().size(), 3);
+    EXPECT_EQ(view.activeSummary(), QStringLiteral("No new songs added; 1 named before"));
+    EXPECT_FALSE(add(" "));
+    EXPECT_EQ(view.activeSummary(), QStringLiteral("The list is empty."));
+}
+
 TEST_F(EngineTest, ReadingIsTriedThreeTimesAndRetriedOnRequest) {
     addAndRead(link("flaky", QStringLiteral("late")) + u' ' +
                link("unreadable", QStringLiteral("never")));

@@ -1,8 +1,6 @@
 #include "base/duration_text.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
+#include "support/texts.h"
 
 namespace reelcrate {
 namespace {
@@ -19,13 +17,18 @@ TEST(SecondsOfDuration, ReadsWhatIsShown) {
 }
 
 TEST(FormatDuration, RoundsAndGroups) {
-    const std::pair<double, const char*> cases[] = {
-        {0.4, "0:00"},       {59.4, "0:59"},      {59.5, "1:00"}, {3599, "59:59"},
-        {3599.5, "1:00:00"}, {36061, "10:01:01"}, {0, ""},        {-1, ""},
-        {INFINITY, ""},      {NAN, ""},           {9.3e18, ""},
-    };
-    for (const auto& [seconds, text] : cases)
-        EXPECT_EQ(formatDuration(seconds), QString::fromLatin1(text)) << seconds;
+    expectTexts([](const QString& seconds) { return formatDuration(seconds.toDouble()); },
+                {{"0.4", "0:00"},
+                 {"59.4", "0:59"},
+                 {"59.5", "1:00"},
+                 {"3599", "59:59"},
+                 {"3599.5", "1:00:00"},
+                 {"36061", "10:01:01"},
+                 {"0", ""},
+                 {"-1", ""},
+                 {"inf", ""},
+                 {"nan", ""},
+                 {"9.3e18", ""}});
 }
 
 }  // namespace

@@ -337,6 +337,51 @@ TEST_F(WindowTest, TheQueuesMenuSavesThePlaylistOfWhatIsComplete) {
     EXPECT_EQ(view().activeSummary(), QStringLiteral("Saved playlist of 1 song"));
 }
 
+TEST_F(WindowTest, SongListsComeInByMenuDropAndCommandLine) {
+    const QString list = machine.path(QStringLiteral("list.txt"));
+    EXPECT_TRUE(writeFile(list, "ABBA - Waterloo (2:46)\n"));
+    open({.texts = {}, .lists = {list}});
+    EXPECT_TRUE(waitUntil([this] { return view().queue().size() == 1; }));
+    settle();
+    EXPECT_EQ(text(inRow(0, "title")), QStringLiteral("ABBA - Waterloo"));
+    view().clearQueue();
+    settle();
+
+    // The queue's menu is there without a row.
+    clipboard.clear();
+    click(item("emptyQueue"), Qt::RightButton);
+    EXPECT_FALSE(isEnabled("pasteSongList"));
+    press(Qt::Key_Escape);
+    clipboard = QStringLiteral("1. Queen - Bicycle Race\n2. Toto - Africa (4:55)\nhello");
+    click(item("emptyQueue"), Qt::RightButton);
+    EXPECT_FALSE(isShown("deleteFromRow"));
+    click("pasteSongList");
+    EXPECT_EQ(view().queue().size(), 2);
+    EXPECT_EQ(record(1).source, SourceType::song);
+
+    // By the ways of links come links alone.
+    clipboard = QStringLiteral("ABBA - Waterloo");
+    clickRow(0);
+    press(Qt::Key_V, Qt::ControlModifier);
+    click("addSongs");
+    EXPECT_EQ(view().queue().size(), 2);
+    EXPECT_EQ(view().activeSummary(), QStringLiteral("Copy a share link, then click Add Songs"));
+
+    drop(QUrl::fromLocalFile(list).toString(), true);
+    EXPECT_EQ(view().queue().size(), 3);
+    EXPECT_EQ(record(2).title, QStringLiteral("ABBA - Waterloo"));
+    // Beside a link, nothing is read as a song.
+    EXPECT_TRUE(writeFile(list, "Title,Link\nA - B,http://site/song/inside\n"));
+    drop(QUrl::fromLocalFile(list).toString(), true);
+    EXPECT_EQ(view().queue().size(), 4);
+    EXPECT_EQ(record(3).url, link("song", QStringLiteral("inside")));
+
+    click(inRow(1, "title"), Qt::RightButton);
+    EXPECT_EQ(text("copyLinks"), QStringLiteral("Copy Song"));
+    click("copyLinks");
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), QStringLiteral("Toto - Africa (4:55)"));
+}
+
 TEST_F(WindowTest, ARunDisablesWhatMustNotHappenMeanwhile) {
     open();
     addReadRows(links("hold", 8));
