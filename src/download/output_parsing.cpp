@@ -2,6 +2,7 @@
 
 #include "base/text.h"
 #include "download/progress_seed.h"
+#include "records/row_texts.h"
 
 #include <QRegularExpression>
 #include <QStringList>
@@ -26,12 +27,12 @@ struct ModeText {
     QString operator()(DownloadMode mode) const { return byMode(mode, audio, video); }
 };
 
-constexpr ModeText preparing{"Preparing Song for Download"_L1, "Preparing Video for Download"_L1};
-constexpr ModeText downloading{"Downloading Song"_L1, "Downloading Video"_L1};
-constexpr ModeText saving{"Saving MP3"_L1, "Saving MP4"_L1};
-constexpr ModeText savingMP3{"Saving MP3"_L1, "Saving MP3"_L1};
-constexpr ModeText savingMP4{"Saving MP4"_L1, "Saving MP4"_L1};
-constexpr ModeText originalDeleted{"Examining Song to Trim"_L1, "Saving MP4"_L1};
+constexpr ModeText preparing{row_text::preparingSong, row_text::preparingVideo};
+constexpr ModeText downloading{row_text::downloadingSong, row_text::downloadingVideo};
+constexpr ModeText saving{row_text::savingSong, row_text::savingVideo};
+constexpr ModeText savingMP3{row_text::savingSong, row_text::savingSong};
+constexpr ModeText savingMP4{row_text::savingVideo, row_text::savingVideo};
+constexpr ModeText originalDeleted{row_text::examiningSong, row_text::savingVideo};
 constexpr ModeText usingExisting{"Using Existing Download"_L1, "Using Existing Download"_L1};
 
 struct Crawl {

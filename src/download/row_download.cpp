@@ -11,6 +11,7 @@
 #include "download/song_note.h"
 #include "download/working_folder.h"
 #include "library/song_key.h"
+#include "records/row_texts.h"
 #include "resolve/song_search.h"
 #include "tools/tool_discovery.h"
 
@@ -136,9 +137,8 @@ RowDownload::End RowDownload::run(const std::stop_token& programEnds) {
             continue;
         }
         folder.remove();
-        complete({.path = *path,
-                  .detail = QStringLiteral("Already Downloaded"),
-                  .playingSeconds = look.seconds});
+        complete(
+            {.path = *path, .detail = row_text::alreadyDownloaded, .playingSeconds = look.seconds});
         return End::ended;
     }
     if (isSearchedFor(m_item.source))
@@ -221,10 +221,10 @@ void RowDownload::finish(WorkingFolder& folder, std::optional<double> sourceSeco
     const auto log = [this](const QString& line) { logLine(line); };
     const bool isSong = m_plan.target.mode == DownloadMode::audio;
     if (isSong) {
-        enterStage(QStringLiteral("Examining Song to Trim"), 0.9, 2);
+        enterStage(row_text::examiningSong, 0.9, 2);
         if (!pauseFor(stop, m_plan.timing.examining))
             return;
-        enterStage(QStringLiteral("Trimming Song"), 0.96, 5);
+        enterStage(row_text::trimmingSong, 0.96, 5);
     }
     const QStringList files = folder.finishedFiles(m_plan.target.mode);
     if (files.isEmpty())
@@ -237,7 +237,7 @@ void RowDownload::finish(WorkingFolder& folder, std::optional<double> sourceSeco
         if (song)
             songs.append(*std::move(song));
     }
-    enterStage(isSong ? QStringLiteral("Saving MP3") : QStringLiteral("Saving MP4"), 0.99, 1);
+    enterStage(isSong ? row_text::savingSong : row_text::savingVideo, 0.99, 1);
     if (!pauseFor(stop, isSong ? m_plan.timing.savingAudio : m_plan.timing.savingVideo))
         return;
     // A link that was not read before may have stood for several. What enters is compared with what

@@ -4,6 +4,7 @@
 #include "download/progress_crawls.h"
 #include "download/progress_seed.h"
 #include "queue/queue_store.h"
+#include "records/row_texts.h"
 
 #include <algorithm>
 #include <variant>
@@ -18,8 +19,7 @@ double startProgress(const DownloadItem& row) {
 }
 
 QString preparingText(DownloadMode mode) {
-    return byMode(mode, QStringLiteral("Preparing Song for Download"),
-                  QStringLiteral("Preparing Video for Download"));
+    return byMode(mode, row_text::preparingSong, row_text::preparingVideo);
 }
 
 template <typename... Cases>
@@ -37,7 +37,7 @@ RowStages::RowStages(QueueStore& queue, ProgressCrawls& crawls)
 void RowStages::waitForSlot(const QUuid& id) {
     m_queue.update(id, [](DownloadItem& row) {
         row.status = QueueStatus::queued;
-        row.detail = QStringLiteral("Waiting for open download slot");
+        row.detail = row_text::waitingForSlot;
         row.progress = 0;
         row.hasRealProgress = false;
     });
@@ -137,7 +137,7 @@ void RowStages::giveBack(const QUuid& id) {
         row.status = QueueStatus::waiting;
         row.progress = 0;
         row.hasRealProgress = false;
-        row.detail = QStringLiteral("Ready to download");
+        row.detail = row_text::readyToDownload;
     });
 }
 

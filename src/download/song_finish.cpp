@@ -1,6 +1,7 @@
 #include "download/song_finish.h"
 
 #include "library/finished_files.h"
+#include "records/row_texts.h"
 
 #include <QFileInfo>
 
@@ -29,9 +30,9 @@ QString savedText(const EventTarget& target) {
 QString savedText(const TrimOutcome& trim, const EventTarget& target) {
     switch (trim.kind) {
         case TrimOutcome::Kind::trimmed:
-            return QStringLiteral("Saved; trimmed silent start/end");
+            return row_text::trimmed;
         case TrimOutcome::Kind::skipped:
-            return QStringLiteral("Saved; silence trim skipped");
+            return row_text::trimSkipped;
         case TrimOutcome::Kind::noMp3:
             break;
     }

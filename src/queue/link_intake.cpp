@@ -2,6 +2,7 @@
 
 #include "queue/links.h"
 #include "queue/queue_store.h"
+#include "records/row_texts.h"
 
 namespace reelcrate {
 
@@ -13,10 +14,10 @@ DownloadItem rowForLink(const QString& link) {
     row.source = classifySource(link);
     row.isResolvingInfo = true;
     if (playlistLike(link, row.source)) {
-        row.detail = QStringLiteral("Reading playlist songs...");
+        row.detail = row_text::readingPlaylist;
         row.title = QStringLiteral("Reading playlist...");
     } else {
-        row.detail = QStringLiteral("Loading info...");
+        row.detail = row_text::loadingInfo;
     }
     return row;
 }

@@ -3,6 +3,7 @@
 #include "base/duration_text.h"
 #include "base/text.h"
 #include "queue/queue_store.h"
+#include "records/row_texts.h"
 
 #include <QHash>
 #include <QStringList>
@@ -54,7 +55,7 @@ DownloadItem rowFor(const NamedSong& song) {
     DownloadItem row;
     row.url = songReference(song);
     row.source = SourceType::song;
-    row.detail = QStringLiteral("Ready to download");
+    row.detail = row_text::readyToDownload;
     row.title = shown(song);
     row.duration = formatDuration(song.seconds.value_or(0));
     row.reading = LinkReading::song;

@@ -5,6 +5,7 @@
 #include "base/text.h"
 #include "queue/links.h"
 #include "queue/queue_store.h"
+#include "records/row_texts.h"
 #include "resolve/link_reading.h"
 #include "resolve/media_probe.h"
 #include "resolve/spotify_expansion.h"
@@ -51,7 +52,7 @@ bool isTaken(const DownloadItem& row) {
 
 void markAsDownloaded(DownloadItem& row, const QString& path) {
     row.status = QueueStatus::complete;
-    row.detail = QStringLiteral("Already Downloaded");
+    row.detail = row_text::alreadyDownloaded;
     row.outputPath = path;
     row.progress = 1.0;
 }
@@ -70,11 +71,11 @@ DownloadItem rowFor(const PlaylistEntry& entry, const std::optional<QString>& do
         row.detail = *entry.failure;
     } else if (!entry.isRead) {
         row.isResolvingInfo = true;
-        row.detail = QStringLiteral("Loading info...");
+        row.detail = row_text::loadingInfo;
     } else if (downloaded) {
         markAsDownloaded(row, *downloaded);
     } else {
-        row.detail = QStringLiteral("Ready to download");
+        row.detail = row_text::readyToDownload;
     }
     return row;
 }
@@ -184,7 +185,7 @@ void ResolutionDriver::stop(const QSet<QUuid>& itemIDs) {
                 return;
             row.status = QueueStatus::waiting;
             row.reading = LinkReading::givenUp;
-            row.detail = QStringLiteral("Ready to download");
+            row.detail = row_text::readyToDownload;
         });
     }
 }
@@ -226,7 +227,7 @@ void ResolutionDriver::showReading(const DownloadItem& item) {
         if (isTaken(row))
             return;
         row.detail = playlistLike(item.url, item.source)
-                         ? QStringLiteral("Reading playlist songs...")
+                         ? row_text::readingPlaylist
                          : QStringLiteral("Loading info for ") + videoID(item.url);
         row.isResolvingInfo = true;
     });
@@ -362,8 +363,7 @@ void ResolutionDriver::keepRow(const QueueResolution& resolution, const Download
         row.status = isFailure ? QueueStatus::failed : QueueStatus::waiting;
         row.reading = isFailure ? LinkReading::open : LinkReading::repeated;
         row.title = titleOfUnreadRow(item);
-        row.detail =
-            resolution.failure.value_or(QStringLiteral("Those songs are already in the queue."));
+        row.detail = resolution.failure.value_or(row_text::songsAreInQueue);
     });
     Q_EMIT summaryChanged(isFailure ? QStringLiteral("Playlist needs attention")
                                     : QStringLiteral("No new songs added"));
@@ -383,7 +383,7 @@ void ResolutionDriver::retryResolveInfo(const DownloadItem& item) {
         row.status = QueueStatus::waiting;
         row.isResolvingInfo = true;
         row.reading = LinkReading::open;
-        row.detail = QStringLiteral("Reading link again...");
+        row.detail = row_text::readingAgain;
         row.progress = 0.0;
     });
     if (!there)

@@ -2,6 +2,7 @@
 
 #include "base/duration_text.h"
 #include "queue/links.h"
+#include "records/row_texts.h"
 #include "theme/tech_theme.h"
 
 #include <QStringList>
@@ -60,14 +61,14 @@ constexpr std::array completeHeadlines{
 
 // By the whole detail.
 constexpr std::array runningSubtitles{
-    TextRule{"Preparing Song for Download"_L1, "Finding the best source"_L1},
-    TextRule{"Preparing Video for Download"_L1, "Finding the best video source"_L1},
-    TextRule{"Downloading Song"_L1, "Getting the audio file"_L1},
-    TextRule{"Downloading Video"_L1, "Getting the video file"_L1},
-    TextRule{"Examining Song to Trim"_L1, "Checking start/end silence"_L1},
-    TextRule{"Trimming Song"_L1, "Removing silent edges"_L1},
-    TextRule{"Saving MP3"_L1, "Writing final file"_L1},
-    TextRule{"Saving MP4"_L1, "Writing final video"_L1},
+    TextRule{row_text::preparingSong, "Finding the best source"_L1},
+    TextRule{row_text::preparingVideo, "Finding the best video source"_L1},
+    TextRule{row_text::downloadingSong, "Getting the audio file"_L1},
+    TextRule{row_text::downloadingVideo, "Getting the video file"_L1},
+    TextRule{row_text::examiningSong, "Checking start/end silence"_L1},
+    TextRule{row_text::trimmingSong, "Removing silent edges"_L1},
+    TextRule{row_text::savingSong, "Writing final file"_L1},
+    TextRule{row_text::savingVideo, "Writing final video"_L1},
 };
 
 QString completeHeadline(const DownloadItem& item) {

@@ -36,7 +36,7 @@ TEST(SongReference, IsTheSameHoweverANameIsWritten) {
 TEST(SongIntake, AddsEachSongOnceAndSaysWhatItLeavesOut) {
     QueueStore queue;
     const auto taken = [&](const char* list, const char* remark = "") {
-        const SongIntake intake =
+        SongIntake intake =
             newRowsForSongs(readSongList(text(list)), text("list.txt"), text(remark), queue);
         queue.append(intake.rows);
         return intake;
