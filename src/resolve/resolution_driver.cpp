@@ -244,7 +244,7 @@ QueueResolution ResolutionDriver::resolveQueueEntryWithRetries(const DownloadIte
         if (attempt == maxMetadataResolveAttempts || stop.stop_requested())
             return resolution;
         post(stop, [this, id = item.id, attempt] { showRetry(id, attempt); });
-        if (!pauseFor(stop, m_timing.retryPause + m_timing.retryPausePerAttempt * attempt))
+        if (!pauseFor(stop, m_timing.pauseAfter(attempt)))
             return resolution;
     }
 }

@@ -36,6 +36,8 @@ struct ResolutionTiming {
     Seconds minimumPerLink{1.1};
     Seconds retryPause{1.2};            ///< after every failed attempt ...
     Seconds retryPausePerAttempt{0.8};  ///< ... and this for each attempt made so far
+
+    Seconds pauseAfter(int attempts) const { return retryPause + retryPausePerAttempt * attempts; }
 };
 
 /// The file that is there already for each of a resolution's entries, in their order.

@@ -109,6 +109,8 @@ TEST_F(ResolutionDriverTest, TakesItsTimeForEachLink) {
 }
 
 TEST_F(ResolutionDriverTest, TakesABreathBetweenTries) {
+    EXPECT_EQ(ResolutionTiming().pauseAfter(1), 2s);
+    EXPECT_EQ(ResolutionTiming().pauseAfter(2), 2800ms);
     qsizetype calls = 0;
     for (const ResolutionTiming& timing :
          {ResolutionTiming{1ms, 1h, 0ms}, ResolutionTiming{1ms, 0ms, 1h}}) {
