@@ -218,6 +218,7 @@ bool ContentView::addSongList(const ListText& list, const QString& name) {
     }
     const SongIntake intake = newRowsForSongs(readSongList(list.text), name, list.remark, m_queue);
     m_queue.append(intake.rows);
+    m_unreadLines += intake.unread;
     noteList(intake.account);
     setActiveSummary(intake.summary);
     if (!intake.rows.isEmpty())
@@ -446,7 +447,7 @@ void ContentView::revealOutput(const DownloadItem& item) {
 }
 
 EventAccount ContentView::eventAccount() const {
-    return accountOf(m_eventName, m_queue.rows(), m_readingNotes);
+    return accountOf(m_eventName, m_queue.rows(), m_readingNotes, m_unreadLines);
 }
 
 PlaylistSaving ContentView::savePlaylist() {

@@ -126,6 +126,8 @@ public:
     /// the log say of it. False where that was no such text at all.
     bool addSongList(const ListText& list, const QString& name);
     bool addSongListFile(const QString& path);
+    /// What was not taken of what was given: for the log, now and at the next run.
+    void noteList(const QString& text);
     void addSongListFromClipboard();
     QString clipboardText() const;
     QList<DownloadItem> addLinksToQueue(const QStringList& links);
@@ -218,7 +220,6 @@ Q_SIGNALS:
 
 private:
     void setActiveSummary(const QString& text);
-    void noteList(const QString& text);
     void addSongsBehind(const QStringList& links);
     RunTarget runTarget() const;
     void readWhatNeedsReading(const QList<QUuid>& itemIDs);
@@ -235,6 +236,7 @@ private:
     QSet<QUuid> m_startWhenRead;  ///< rows to be downloaded once they have been read
     QList<QUuid> m_waitingRows;   ///< rows that were, and wait for a slot
     QStringList m_readingNotes;   ///< what was missing in what was read
+    QStringList m_unreadLines;    ///< of song lists
 
     // In the order of their dependence: each part knows only parts above it.
     MainQueue m_mainQueue;

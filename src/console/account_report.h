@@ -11,8 +11,12 @@ namespace reelcrate {
 /// Pure.
 QJsonObject accountAsJson(const EventAccount& account);
 
-/// Writes it as JSON; what was there is replaced whole, or stays as it was. The system's reason for
-/// a failure; empty when all went well.
+/// Why no account can be written there: an earlier account is replaced, another file is not. Empty
+/// when it can, as far as can be told beforehand.
+QString whyNoReport(const QString& path);
+
+/// Writes it as JSON; an account that was there is replaced whole, or stays as it was. The reason
+/// for a failure; empty when all went well.
 QString saveReport(const EventAccount& account, const QString& path);
 
 }  // namespace reelcrate

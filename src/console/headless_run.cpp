@@ -57,6 +57,14 @@ HeadlessRun::~HeadlessRun() = default;
 
 void HeadlessRun::start() {
     m_display = ProgressDisplay::on(m_json ? stderr : stdout, m_view);
+    // Now, and not after an evening's run.
+    if (const QString reason = m_reportPath ? whyNoReport(*m_reportPath) : QString();
+        !reason.isEmpty()) {
+        m_notes.append(QStringLiteral("Cannot save the account as %1: ").arg(*m_reportPath) +
+                       reason);
+        end(wrongUsage);
+        return;
+    }
     if (m_texts.contains(standardInput) || m_lists.contains(standardInput))
         readInput();
     else
@@ -80,7 +88,8 @@ void HeadlessRun::advance() {
         startDownloads();
     if (m_phase == Phase::downloading && m_view.activeDownloadRuns() == 0 && !isReading()) {
         addAccount();
-        const bool isSaved = saveWhatIsAskedFor();
+        const bool isReported = saveAccount();
+        const bool isSaved = savePlaylist() && isReported;
         end(isSaved && allRowsAreComplete() ? allComplete : someNeedAttention);
     }
 }
@@ -138,23 +147,22 @@ bool HeadlessRun::allRowsAreComplete() const {
 void HeadlessRun::addAccount() {
     if (m_view.queue().size() == 0)
         return;
-    for (const QString& line : accountText(m_view.eventAccount()).trimmed().split(u'\n'))
+    EventAccount account = m_view.eventAccount();
+    account.unreadLines.clear();  // what became of each list stands there already
+    for (const QString& line : accountText(account).trimmed().split(u'\n'))
         m_notes.append(printable(line));
 }
 
-/// False when it could not be written.
-bool HeadlessRun::saveWhatIsAskedFor() {
-    bool isReported = true;
-    if (m_reportPath) {
-        const QString failure = saveReport(m_view.eventAccount(), *m_reportPath);
-        isReported = failure.isEmpty();
-        if (!isReported)
-            m_notes.append(QStringLiteral("Could not save the account: ") + failure);
-    }
-    return isPlaylistSaved() && isReported;
+/// Both are false when what was asked for could not be written.
+bool HeadlessRun::saveAccount() {
+    const QString failure =
+        m_reportPath ? saveReport(m_view.eventAccount(), *m_reportPath) : QString();
+    if (!failure.isEmpty())
+        m_notes.append(QStringLiteral("Could not save the account: ") + failure);
+    return failure.isEmpty();
 }
 
-bool HeadlessRun::isPlaylistSaved() {
+bool HeadlessRun::savePlaylist() {
     if (!m_savesPlaylist)
         return true;
     const PlaylistSaving saving = m_view.savePlaylist();
@@ -168,6 +176,8 @@ void HeadlessRun::interrupt(int signalNumber) {
     if (m_phase == Phase::ended)
         return;
     m_view.shutDown();
+    addAccount();
+    saveAccount();
     end(endedBySignal + signalNumber);
 }
 

@@ -46,8 +46,8 @@ private:
     void startDownloads();
     bool allRowsAreComplete() const;
     void addAccount();
-    bool saveWhatIsAskedFor();
-    bool isPlaylistSaved();
+    bool saveAccount();
+    bool savePlaylist();
     void end(int exitStatus);
 
     ContentView& m_view;

@@ -5,6 +5,7 @@
 #include "library/song_key.h"
 
 #include <QHash>
+#include <QRegularExpression>
 
 #include <cmath>
 
@@ -24,12 +25,22 @@ double playingSeconds(const DownloadItem& row) {
                                   : secondsOfDuration(row.duration).value_or(0);
 }
 
+/// What a row was searched for tells nothing of what was found; its file's name does, at its end.
+QString recordingKey(const DownloadItem& row) {
+    static const QRegularExpression identifier(QStringLiteral(R"(\[([^\[\]]+)\]\.[^.\]]+$)"));
+    if (isSearchedFor(row.source)) {
+        if (const auto match = identifier.match(row.outputPath); match.hasMatch())
+            return QStringLiteral("video-") + match.captured(1);
+    }
+    return songKey(row.url, row.playlistItem);
+}
+
 /// Which of the rows that came before is the same recording as one.
 class Recordings {
 public:
     /// Null when it is the first; then it is known from now on.
     const DownloadItem* sameAs(const DownloadItem& row) {
-        const QString key = songKey(row.url, row.playlistItem);
+        const QString key = recordingKey(row);
         if (const DownloadItem* same = m_byKey.value(key))
             return same;
         m_byKey.insert(key, &row);
@@ -59,10 +70,11 @@ QString section(const QString& heading, const QList<EventAccount::Remark>& remar
 }  // namespace
 
 EventAccount accountOf(const QString& eventName, const QList<DownloadItem>& rows,
-                       const QStringList& cutListings) {
+                       const QStringList& cutListings, const QStringList& unreadLines) {
     EventAccount account;
     account.eventName = eventName;
     account.cutListings = cutListings;
+    account.unreadLines = unreadLines;
     Recordings recordings;
     for (const DownloadItem& row : rows) {
         if (row.reading == LinkReading::repeated)
@@ -95,6 +107,9 @@ QString accountHeadline(const EventAccount& account) {
         parts.append(QStringLiteral("%1 not downloaded").arg(left));
     QString text = QStringLiteral("%1 song").arg(account.asked) + pluralSuffix(account.asked) +
                    QStringLiteral(" asked for: ") + parts.join(QStringLiteral(", ")) + u'.';
+    if (const qsizetype unread = account.unreadLines.size(); unread > 0)
+        text += unread == 1 ? QStringLiteral(" 1 line was not read as a song.")
+                            : QStringLiteral(" %1 lines were not read as songs.").arg(unread);
     if (const QString time = formatDuration(account.playingSeconds); !time.isEmpty())
         text += QStringLiteral(" Playing time %1.").arg(time);
     return text;
@@ -105,9 +120,12 @@ QString accountText(const EventAccount& account) {
                    section(QStringLiteral("Missing"), account.missing) +
                    section(QStringLiteral("To be listened to"), account.notes) +
                    section(QStringLiteral("Twice"), account.doubles);
-    if (!account.cutListings.isEmpty())
-        text += QStringLiteral("Listed in part:\n  ") +
-                account.cutListings.join(QStringLiteral("\n  ")) + u'\n';
+    for (const auto& [heading, lines] :
+         {std::pair(QStringLiteral("Listed in part:"), account.cutListings),
+          std::pair(QStringLiteral("Not read as songs:"), account.unreadLines)}) {
+        if (!lines.isEmpty())
+            text += heading + QStringLiteral("\n  ") + lines.join(QStringLiteral("\n  ")) + u'\n';
+    }
     return text;
 }
 

@@ -27,12 +27,13 @@ struct EventAccount {
     QList<Remark> missing;        ///< what is not complete, and why, in the queue's order
     QList<Remark> notes;          ///< what is complete and remarkable
     QStringList cutListings;      ///< links of which songs are missing, and how many
+    QStringList unreadLines;      ///< of song lists: what was not read as a song, and why
     QList<Remark> doubles;        ///< complete songs, and which other one is the same recording
 };
 
 /// Rows that stand for songs which have rows of their own do not count.
 EventAccount accountOf(const QString& eventName, const QList<DownloadItem>& rows,
-                       const QStringList& cutListings);
+                       const QStringList& cutListings, const QStringList& unreadLines);
 
 /// Such as "24 songs asked for: 22 complete, 1 needs attention, 1 not downloaded. Playing time
 /// 1:23:45.".

@@ -142,10 +142,13 @@ SongIntake newRowsForSongs(const SongList& list, const QString& name, const QStr
     const QString left = remarkOf(list, songs);
     intake.remark = left + (list.unread.isEmpty() ? QString() : QStringLiteral(" (see the log)"));
     intake.summary = addedText(songs, name) + intake.remark;
-    QStringList account{name + QStringLiteral(": ") + addedText(songs, name) + left};
+    const bool saysName = songs.rows.isEmpty() && songs.known.isEmpty();
+    QStringList account{(saysName ? QString() : name + QStringLiteral(": ")) +
+                        addedText(songs, name) + left};
     if (!remark.isEmpty())
         account.append(remark);
     account += lines(QStringLiteral("No song, "), list.unread);
+    intake.unread = lines(name + QStringLiteral(", "), list.unread);
     account += lines(QStringLiteral("Once only, "), songs.known);
     account += lines(QStringLiteral("Song, "), list.remarks);
     intake.account = account.join(u'\n');

@@ -5,6 +5,7 @@
 
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 namespace reelcrate {
 
@@ -20,6 +21,7 @@ struct SongIntake {
     QString summary;           ///< one line
     QString remark;            ///< its end, on what was not added
     QString account;           ///< for the log: the same, line by line
+    QStringList unread;        ///< of these lines those that are no songs, with the list's name
     bool isRefused = false;    ///< the list is too long to be one
 };
 

@@ -17,6 +17,8 @@ namespace {
 constexpr qsizetype longestLine = 300;  // UTF-16 units
 /// A "length" of more is a time of day, or a spreadsheet's mistake.
 constexpr double mostSeconds = 3 * 3600;
+/// The same of one that stands by itself at a line's end.
+constexpr double mostBareSeconds = 15 * 60;
 
 QRegularExpression expression(const char16_t* pattern) {
     return QRegularExpression(
@@ -107,16 +109,27 @@ struct Timed {
     std::optional<double> seconds;
 };
 
-/// "Artist - Title (3:45)", "… 3:45", "… - 3:45 min", "… 3'45\"".
+/// "Artist - Title (3:45)", "… 3:45", "… - 3:45 min", "… 3'45\"". Of what else is in brackets, such
+/// as
+/// "(start at 0:30)", no time is the length.
 Timed timed(const QString& line) {
-    static const QRegularExpression length = expression(
-        uR"((?:\s*[\(\[（【]|\s+[-–—|,]\s*|[\s,;]+)(\d{1,2}(?::\d{2}){1,2})\s*)"
-        uR"((?:min(?:s|utes|uten)?\.?|h|мин\.?|분|分)?\s*[\)\]）】]?$)");
+    static const QRegularExpression bracketed = expression(
+        uR"(\s*[\(\[（【]\s*(\d{1,2}(?::\d{2}){1,2})\s*)"
+        uR"((?:min(?:s|utes|uten)?\.?|h|мин\.?|분|分)?\s*[\)\]）】]$)");
+    static const QRegularExpression bare = expression(
+        uR"((?:\s+[-–—|,]\s*|[\s,;]+)(\d{1,2}(?::\d{2}){1,2})\s*)"
+        uR"((min(?:s|utes|uten)?\.?|h|мин\.?|분|分)?$)");
     static const QRegularExpression marked = expression(
         uR"((?:\s*[\(\[]|[\s,;-]+)(\d{1,2})\s?(?:['’′]|m(?:in)?\.?)\s?(\d{2})\s?(?:["”″]|''|’’|s(?:ec)?\.?)?\s*[\)\]]?$)");
-    if (const auto match = length.match(line); match.hasMatch()) {
+    if (const auto match = bracketed.match(line); match.hasMatch()) {
         const auto seconds = secondsOfDuration(match.captured(1));
         if (seconds && *seconds <= mostSeconds)
+            return {line.first(match.capturedStart()), seconds};
+    }
+    if (const auto match = bare.match(line); match.hasMatch()) {
+        const auto seconds = secondsOfDuration(match.captured(1));
+        const double most = match.captured(2).isEmpty() ? mostBareSeconds : mostSeconds;
+        if (seconds && *seconds <= most)
             return {line.first(match.capturedStart()), seconds};
     }
     if (const auto match = marked.match(line); match.hasMatch()) {
@@ -291,6 +304,43 @@ QRegularExpressionMatch momentOf(const QString& line) {
     return pattern.match(line);
 }
 
+/// A wish for silence, several songs at once, a date or a telephone number, the end of a letter.
+/// Empty for what may be a song.
+QString whyDoubtful(const QString& line) {
+    static const std::pair<QRegularExpression, QString> doubts[] = {
+        {expression(
+             uR"(^[^:]{0,40}\b(?:not?|don['’]?t|never|avoid|skip|without|kein\w*|nicht|nie|ohne|sans|)"
+             uR"(pas|sin|nada|non|niente|senza|não|sem|nie|без|не|нет)\b[^:]{0,40}:\s)"),
+         QStringLiteral("asks for something not to be played")},
+        {expression(
+             uR"(^(?:please[\s,]+)?(?:do not|don['’]?t|never) play\b|^please,? (?:no|don['’]?t|do not)\b|)"
+             uR"(^bitte (?:nicht|kein\w*)\b|^no\b.*\bplease[!.]*$|^kein\w*\b.*\bbitte[!.]*$)"),
+         QStringLiteral("asks for something not to be played")},
+        {expression(uR"(^.*?\s[-–—]\s.*?\S(?:[,;]|\s[/|])\s+(?:\S+\s+)*?\S+\s[-–—]\s+)"
+                    uR"((?!.*\b(?:remaster\w*|live|edit|mix|remix|version|radio)\b)\S)"),
+         QStringLiteral("several songs on one line")},
+        {expression(uR"(\d{1,2}[:.]\d{2}(?:\s?(?:uhr|h|am|pm))?\s*[-–—]\s*\d{1,2}[:.]\d{2}\b)"),
+         QStringLiteral("a time")},
+        {expression(
+             uR"((?:^|\s[-–—]\s)(?:\d{1,2}[./]\s?\d{1,2}[./]\s?\d{2,4}|\d{4}-\d{2}-\d{2})$)"),
+         QStringLiteral("a date")},
+        {expression(uR"((?:^|\s)\+?\d{2,5}\s?[-–/]\s?\d{3,}[\d\s]{3,}$)"),
+         QStringLiteral("a telephone number")},
+        {expression(
+             uR"((?:^|\s[-–—]\s)(?:thank(?:s| you) (?:so much|for)|many thanks|vielen dank|danke für|)"
+             uR"((?:best|kind|warm) regards|(?:liebe|viele|herzliche|beste) grüße)\b)"),
+         QStringLiteral("the words of a letter")},
+    };
+    // "Title (feat. One, Two) - Radio Edit" is one song.
+    static const QRegularExpression brackets = expression(uR"([(\[][^()\[\]]*[)\]])");
+    const QString plain = QString(line).remove(brackets);
+    for (const auto& [form, reason] : doubts) {
+        if (form.match(plain).hasMatch())
+            return reason;
+    }
+    return {};
+}
+
 /// A table's line: what parts its cells is no part of a message. A bullet, a number and a length
 /// may stand apart by a tab.
 bool hasColumns(const QString& line) {
@@ -357,6 +407,8 @@ ReadLine readSongLine(const QString& line, NameOrder order) {
     if (hasColumns(line))
         return refused(QStringLiteral("no line above names these columns"));
     const QString named = withoutEnds(withoutOpening(withoutQuotes(withoutEnds(cleanLine(line)))));
+    if (const QString doubt = whyDoubtful(named); !doubt.isEmpty())
+        return refused(doubt);
     if (const auto moment = momentOf(named); moment.hasMatch()) {
         const QString rest = withoutQuotes(named.sliced(moment.capturedEnd()));
         if (auto song = timedSongOf(rest, order))

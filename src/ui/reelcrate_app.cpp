@@ -67,8 +67,8 @@ ReelcrateApp::ReelcrateApp(ProcessSupervisor& supervisor, ContentViewSetup setup
     connect(m_state.get(), &WindowState::quitRequested, this, [this] { quit(); });
     connect(&m_state->runProgress(), &RunProgress::changed, this, &ReelcrateApp::showRunProgress);
     connect(&m_state->runProgress(), &RunProgress::finished, this, &ReelcrateApp::announceEnd);
-    // Later, so that each sees the outcome of a whole operation and not its middle, and what is said
-    // of a list is not hidden by what is said of the tools.
+    // Later, so that each sees the outcome of a whole operation and not its middle, and what is
+    // said of a list is not hidden by what is said of the tools.
     connect(m_view.get(), &ContentView::toolsChanged, this, &ReelcrateApp::addFirstLinks,
             Qt::QueuedConnection);
     connect(m_state.get(), &WindowState::controlsChanged, this, &ReelcrateApp::downloadFirstLinks);
@@ -143,9 +143,13 @@ void ReelcrateApp::downloadFirstLinks() {
     if (!m_firstLinks.download || m_firstLinks.areWaiting())
         return;
     const auto& rows = m_view->queue().rows();
+    // Who has stopped one of them does not want all to start by themselves.
+    m_firstLinks.download = std::none_of(rows.begin(), rows.end(), [](const DownloadItem& row) {
+        return row.reading == LinkReading::givenUp;
+    });
     const bool read = std::none_of(rows.begin(), rows.end(),
                                    [](const DownloadItem& row) { return row.isResolvingInfo; });
-    if (!rows.isEmpty() && read) {
+    if (m_firstLinks.download && !rows.isEmpty() && read) {
         m_firstLinks.download = false;
         m_view->startDownloads();
     }

@@ -2,6 +2,7 @@
 
 #include "app/content_view.h"
 #include "queue/links.h"
+#include "queue/song_line.h"
 
 #include <QClipboard>
 #include <QDir>
@@ -33,6 +34,13 @@ bool holdsLinks(const QUrl& file) {
 bool mayNameSongs(const QUrl& file) {
     static const QStringList kinds{QStringLiteral("txt"), QStringLiteral("csv")};
     return isOfKind(file, kinds);
+}
+
+qsizetype linesWithoutLinks(const QString& text) {
+    const QStringList lines = text.split(u'\n');
+    return std::count_if(lines.begin(), lines.end(), [](const QString& line) {
+        return hasWords(line) && extractLinks(line).isEmpty();
+    });
 }
 
 /// The file's beginning, with what encloses an address in a markup made space.
@@ -176,6 +184,7 @@ void WindowState::addSongsFromFieldOrClipboard() {
 void WindowState::addDropped(const QList<QUrl>& urls, const QString& text) {
     QStringList links;
     QStringList lists;
+    qsizetype leftOut = 0;
     for (const QUrl& url : urls) {
         // Encoded, since a link ends at a space.
         if (url.scheme() == QStringLiteral("http") || url.scheme() == QStringLiteral("https"))
@@ -185,12 +194,19 @@ void WindowState::addDropped(const QList<QUrl>& urls, const QString& text) {
         if (mayNameSongs(url) && extractLinks(links.last()).isEmpty()) {
             links.removeLast();
             lists.append(url.toLocalFile());
+        } else if (mayNameSongs(url)) {
+            leftOut += linesWithoutLinks(links.last());
         }
     }
     if (!links.isEmpty() || lists.isEmpty())
         m_view.addSongs(links.isEmpty() ? text : links.join(u'\n'));
     for (const QString& list : std::as_const(lists))
         m_view.addSongListFile(list);
+    if (leftOut > 0)
+        m_view.noteList(
+            QStringLiteral("Of what was dropped the links were taken; %1 lines without one were "
+                           "left out. \"Paste Song List\" reads songs, too.")
+                .arg(leftOut));
 }
 
 bool WindowState::takesDrop(const QList<QUrl>& urls, const QString& text) {

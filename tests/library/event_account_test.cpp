@@ -19,6 +19,14 @@ DownloadItem row(QueueStatus status, const char* title, const char* url, const c
     return item;
 }
 
+/// Searched for, under other words.
+DownloadItem found(const char* identifier) {
+    DownloadItem item = row(QueueStatus::complete, "Words", "song:words/other", "9:00");
+    item.source = SourceType::song;
+    item.outputPath = QStringLiteral("/p/Words [live] [%1].mp3").arg(QLatin1String(identifier));
+    return item;
+}
+
 TEST(EventAccount, TellsWhatIsThereAndWhatIsNot) {
     QList<DownloadItem> rows{
         row(QueueStatus::complete, "First\ndance", "https://a.example/1", "3:45", 221.4),
@@ -32,18 +40,21 @@ TEST(EventAccount, TellsWhatIsThereAndWhatIsNot) {
     rows[2].detail = QStringLiteral("Ready to download");
     rows[4].reading = LinkReading::repeated;
     const EventAccount account =
-        accountOf(QStringLiteral("Prom"), rows, {QStringLiteral("https://l: 2 of 3 listed")});
+        accountOf(QStringLiteral("Prom"), rows, {QStringLiteral("https://l: 2 of 3 listed")},
+                  {QStringLiteral("list.txt, line 1: Hi")});
     EXPECT_EQ(accountText(account),
               QStringLiteral("Prom: 4 songs asked for: 2 complete, 1 needs attention, 1 not "
-                             "downloaded. Playing time 1:03:41.\n"
+                             "downloaded. 1 line was not read as a song. Playing time 1:03:41.\n"
                              "Missing:\n"
                              "  Gone - This video is private.\n"
                              "  https://a.example/3 - Ready to download\n"
                              "To be listened to:\n"
                              "  First dance - 12 s shorter than listed\n"
                              "Listed in part:\n"
-                             "  https://l: 2 of 3 listed\n"));
-    EXPECT_EQ(accountText(accountOf(QStringLiteral("Prom"), {rows[3]}, {})),
+                             "  https://l: 2 of 3 listed\n"
+                             "Not read as songs:\n"
+                             "  list.txt, line 1: Hi\n"));
+    EXPECT_EQ(accountText(accountOf(QStringLiteral("Prom"), {rows[3]}, {}, {})),
               QStringLiteral("Prom: 1 song asked for: 1 complete. Playing time 1:00:00.\n"));
 }
 
@@ -59,12 +70,14 @@ TEST(EventAccount, TellsOfOneRecordingTwice) {
         {row(S::complete, "Song", "https://b.example/1", "3:47"), false},
         {row(S::complete, "Song (live)", "https://b.example/1", "3:45"), false},
         {row(S::failed, "Song", "https://b.example/1", "3:45"), false},
+        {found("abcdefghijk"), true},
+        {found("bbbbbbbbbbb"), false},
     };
     const DownloadItem song = row(S::complete, "Song", "https://youtu.be/abcdefghijk", "3:45");
     for (const auto& [other, isSame] : cases) {
         SCOPED_TRACE(other.title.toStdString() + ' ' + other.duration.toStdString());
         const auto between = row(S::complete, "Song", "https://c.example/1", "1:00");
-        const EventAccount account = accountOf({}, {song, between, other}, {});
+        const EventAccount account = accountOf({}, {song, between, other}, {}, {});
         ASSERT_EQ(account.doubles.size(), isSame ? 1 : 0);
         for (const EventAccount::Remark& same : account.doubles)
             EXPECT_EQ(same.text, QStringLiteral("the same recording as Song"));
