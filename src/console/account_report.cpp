@@ -54,7 +54,7 @@ QString whyNoReport(const QString& path) {
 }
 
 QString saveReport(const EventAccount& account, const QString& path) {
-    if (const QString reason = whyNoReport(path); !reason.isEmpty())
+    if (QString reason = whyNoReport(path); !reason.isEmpty())
         return reason;
     const QByteArray text = QJsonDocument(accountAsJson(account)).toJson();
     const QFileInfo info(path);
