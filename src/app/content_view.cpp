@@ -68,7 +68,9 @@ ContentView::ContentView(ProcessSupervisor& supervisor, ContentViewSetup setup)
     connect(&m_resolution, &ResolutionDriver::noted, this, [this](const QString& note) {
         m_downloads.appendNote(note);
         m_readingNotes.append(note);
+        m_readingNotes.removeDuplicates();
     });
+    connect(&m_queue, &QueueStore::rowsRemoved, this, &ContentView::forgetNotesOfEmptyQueue);
     connect(&m_resolution, &ResolutionDriver::rowRead, this, &ContentView::startWhatWasRead);
     connect(&m_downloads, &DownloadRuns::slotFreed, this, &ContentView::startWaitingRows);
     connect(&m_downloads, &DownloadRuns::summaryChanged, this, &ContentView::setActiveSummary);
@@ -219,6 +221,7 @@ bool ContentView::addSongList(const ListText& list, const QString& name) {
     const SongIntake intake = newRowsForSongs(readSongList(list.text), name, list.remark, m_queue);
     m_queue.append(intake.rows);
     m_unreadLines += intake.unread;
+    m_unreadLines.removeDuplicates();
     noteList(intake.account);
     setActiveSummary(intake.summary);
     if (!intake.rows.isEmpty())
@@ -444,6 +447,14 @@ void ContentView::revealOutput(const DownloadItem& item) {
         openFolder(item.outputPath);
     else if (m_setup.showFile)
         m_setup.showFile(item.outputPath);
+}
+
+/// What comes next is another event.
+void ContentView::forgetNotesOfEmptyQueue() {
+    if (m_queue.size() > 0)
+        return;
+    m_readingNotes.clear();
+    m_unreadLines.clear();
 }
 
 EventAccount ContentView::eventAccount() const {

@@ -226,6 +226,7 @@ private:
     void startWhatWasRead(const QUuid& id, const QList<QUuid>& newRows);
     void startWaitingRows();
     bool isStoppable(const DownloadItem& row) const;
+    void forgetNotesOfEmptyQueue();
 
     const ContentViewSetup m_setup;
     QString m_eventName = defaultEventName();

@@ -1,6 +1,7 @@
 #include "ui/window_state.h"
 
 #include "app/content_view.h"
+#include "base/text.h"
 #include "queue/links.h"
 #include "queue/song_line.h"
 
@@ -203,10 +204,10 @@ void WindowState::addDropped(const QList<QUrl>& urls, const QString& text) {
     for (const QString& list : std::as_const(lists))
         m_view.addSongListFile(list);
     if (leftOut > 0)
-        m_view.noteList(
-            QStringLiteral("Of what was dropped the links were taken; %1 lines without one were "
-                           "left out. \"Paste Song List\" reads songs, too.")
-                .arg(leftOut));
+        m_view.noteList(QStringLiteral("Of what was dropped the links were taken, and %1 line%2 "
+                                       "without one left out. \"Paste Song List\" reads songs.")
+                            .arg(leftOut)
+                            .arg(pluralSuffix(leftOut)));
 }
 
 bool WindowState::takesDrop(const QList<QUrl>& urls, const QString& text) {

@@ -621,6 +621,8 @@ TEST_F(EngineTest, ASongOfAListIsFoundLikeASpotifyRow) {
     EXPECT_EQ(view.activeSummary(), QStringLiteral("Added 2; 1 already downloaded; 1 line not read "
                                                    "as a song (see the log)"));
     EXPECT_TRUE(noted.first().first().toString().contains(QStringLiteral("line 2: hello")));
+    EXPECT_TRUE(add("hello\nhello"));
+    EXPECT_EQ(view.eventAccount().unreadLines.size(), 2);  // each line once
 
     const auto hit = [](const char* name, double seconds) {
         return QJsonObject{{QStringLiteral("url"), link("song", QString::fromLatin1(name))},
@@ -654,6 +656,8 @@ TEST_F(EngineTest, ASongOfAListIsFoundLikeASpotifyRow) {
     EXPECT_EQ(view.activeSummary(), QStringLiteral("No new songs added; 1 named before"));
     EXPECT_FALSE(add(" "));
     EXPECT_EQ(view.activeSummary(), QStringLiteral("The list is empty."));
+    view.clearQueue();
+    EXPECT_EQ(view.eventAccount().unreadLines, QStringList());
 }
 
 TEST_F(EngineTest, ReadingIsTriedThreeTimesAndRetriedOnRequest) {
