@@ -49,14 +49,14 @@ bool isMedia(const QString& name) {
     });
 }
 
-/// A piece of a transfer that the downloader can go on with.
+/// A piece of a transfer.
 bool isPart(const QString& name) {
     return name.endsWith(u".part") || name.endsWith(u".ytdl") || name.contains(u".part-Frag");
 }
 
 /// What is written beside a file before it takes its place. A title may begin with a dot, too.
 bool isTemporary(const QString& name) {
-    static const QRegularExpression own(QStringLiteral("^\\.(trim|mp4)-[0-9A-Fa-f-]{36}\\."));
+    static const QRegularExpression own(QStringLiteral("^\\.(trim|mp4|gain)-[0-9A-Fa-f-]{36}\\."));
     return own.match(name).hasMatch() || nameWithoutExtension(name).endsWith(u".temp") ||
            nameWithoutExtension(name).endsWith(u".orig");
 }
@@ -65,6 +65,15 @@ bool isTemporary(const QString& name) {
 bool isUnmerged(const QString& name) {
     static const QRegularExpression form(QStringLiteral("\\]\\.f[^.\\]]+\\.[^.]+$"));
     return form.match(name).hasMatch();
+}
+
+/// Whether a piece is of a stream in fragments, whose state ("NAME.ytdl") lies beside its beginning
+/// ("NAME.part"). The downloader, which fetches several side by side, notes there how many have
+/// come, not which: gone on with, the stream would lack those in its middle that had not.
+bool isOfFragments(const QString& name, const QStringList& names) {
+    const QString stem = name.left(name.lastIndexOf(u'.'));
+    return isPart(name) &&
+           (name.contains(u".part-Frag") || names.contains(stem + QStringLiteral(".ytdl")));
 }
 
 QString finalExtension(DownloadMode mode) {
@@ -178,8 +187,12 @@ bool WorkingFolder::isIdle() const {
 
 void WorkingFolder::keepResumable(DownloadMode mode) const {
     const QDir folder(m_path);
-    for (const QString& name : folder.entryList(QDir::Files | QDir::Hidden | QDir::System)) {
-        if (!isResumable(name, mode))
+    const QStringList names = folder.entryList(QDir::Files | QDir::Hidden | QDir::System);
+    const auto stays = [&](const QString& name) {
+        return isResumable(name, mode) && !isOfFragments(name, names);
+    };
+    for (const QString& name : names) {
+        if (!stays(name))
             QFile::remove(folder.filePath(name));
     }
 }
