@@ -115,6 +115,12 @@ void ContentView::setDownloadMode(DownloadMode mode) {
     Q_EMIT downloadModeChanged();
 }
 
+void ContentView::setTagsLoudness(bool tags) {
+    m_tagsLoudness = tags;
+    setActiveSummary(tags ? QStringLiteral("Songs to come get tags with their loudness")
+                          : QStringLiteral("Songs to come get no tags with their loudness"));
+}
+
 void ContentView::setOutputFolder(const QString& folder) {
     m_outputFolder = folder;
     Q_EMIT outputFolderChanged();
@@ -347,7 +353,9 @@ void ContentView::retryResolveInfo(const DownloadItem& item) {
 // Downloading
 
 RunTarget ContentView::runTarget() const {
-    return {{eventFolder(), m_downloadMode}, m_outputFolder};
+    return {{eventFolder(), m_downloadMode},
+            m_outputFolder,
+            m_tagsLoudness ? MeasureLoudness::yes : MeasureLoudness::no};
 }
 
 bool ContentView::isDownloadable(const DownloadItem& row) {

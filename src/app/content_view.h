@@ -83,6 +83,9 @@ public:
     void setPastedLinks(const QString& text);
     DownloadMode downloadMode() const { return m_downloadMode; }
     void setDownloadMode(DownloadMode mode);
+    /// Whether songs of the runs to come get tags that tell their loudness; videos never do.
+    bool tagsLoudness() const { return m_tagsLoudness; }
+    void setTagsLoudness(bool tags);
     const QString& outputFolder() const { return m_outputFolder; }
     void setOutputFolder(const QString& folder);
     const QueueStore& queue() const { return m_queue; }
@@ -232,6 +235,7 @@ private:
     QString m_eventName = defaultEventName();
     QString m_pastedLinks;
     DownloadMode m_downloadMode = DownloadMode::audio;
+    bool m_tagsLoudness = false;
     QString m_outputFolder = defaultOutputFolder();
     QString m_activeSummary = QStringLiteral("Ready");
     QSet<QUuid> m_startWhenRead;  ///< rows to be downloaded once they have been read

@@ -20,6 +20,7 @@ const QString list = QStringLiteral("list");
 const QString playlist = QStringLiteral("playlist");
 const QString report = QStringLiteral("report");
 const QString check = QStringLiteral("check");
+const QString loudness = QStringLiteral("loudness");
 const QString help = QStringLiteral("help");
 const QString version = QStringLiteral("version");
 
@@ -59,6 +60,9 @@ void describe(QCommandLineParser& parser) {
          QStringLiteral("Decode every song in an event's folder, tell what needs attention, and "
                         "end."),
          QStringLiteral("DIR")},
+        {loudness, QStringLiteral(
+                       "Write each MP3's loudness into its tags (ReplayGain), so that players even "
+                       "songs out; with --check: measure it.")},
         {{QStringLiteral("h"), help}, QStringLiteral("Show this help.")},
         {{QStringLiteral("v"), version},
          QStringLiteral("Show the program's version, and its tools'.")},
@@ -102,6 +106,7 @@ Arguments parseArguments(const QStringList& commandLine) {
     arguments.action = actionOf(parser);
     arguments.headless = parser.isSet(headless);
     arguments.json = parser.isSet(json);
+    arguments.loudness = parser.isSet(loudness);
     arguments.savesPlaylist = parser.isSet(playlist);
     arguments.reportPath = valueOf(parser, report);
     arguments.startsDownloads = parser.isSet(download);
@@ -140,6 +145,8 @@ Arguments parseArguments(const QStringList& commandLine) {
         arguments.usageError = QStringLiteral("--json and - go with --headless.");
     if (arguments.action == Arguments::Action::setUp && !arguments.headless)
         arguments.usageError = QStringLiteral("--setup goes with --headless.");
+    if (arguments.loudness && arguments.mode == DownloadMode::video)
+        arguments.usageError = QStringLiteral("--loudness goes with MP3.");
     const bool checks = arguments.action == Arguments::Action::checkFolder;
     if (checks && arguments.checkedFolder.isEmpty())
         arguments.usageError = QStringLiteral("The folder to check has no name.");

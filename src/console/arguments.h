@@ -22,6 +22,7 @@ struct Arguments {
     std::optional<QString> eventName;
     std::optional<QString> outputFolder;
     QString checkedFolder;  ///< for checkFolder
+    bool loudness = false;  ///< of songs: tagged after their download, measured by a check
     DownloadMode mode = DownloadMode::audio;
     QStringList texts;  ///< texts with links in them; "-" stands for standard input
     QStringList lists;  ///< files with songs in them; likewise

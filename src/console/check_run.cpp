@@ -71,7 +71,8 @@ int runCheck(ProcessSupervisor& supervisor, const Arguments& arguments) {
     MainQueue mainQueue;
     ShellRunner shell(supervisor);
     const ToolDiscovery discovery(shell, ToolPlaces::ofThisMachine());
-    const FolderCheck check(shell, discovery);
+    const FolderCheck check(shell, discovery,
+                            arguments.loudness ? MeasureLoudness::yes : MeasureLoudness::no);
     const ProgressLine line;
     BackgroundTasks background;
     TerminationSignals signals;

@@ -79,12 +79,21 @@ QString statusText(const CheckedFile& file) {
                                             : QStringLiteral("Foreign file");
 }
 
+/// What is remarkable about a song that is well; empty for most.
+QString loudnessText(const CheckedFile& file) {
+    if (!file.offMedian || file.finding)
+        return {};
+    return QStringLiteral("%1 LU %2 than most")
+        .arg(std::abs(*file.offMedian), 0, 'f', 1)
+        .arg(*file.offMedian > 0 ? QStringLiteral("louder") : QStringLiteral("quieter"));
+}
+
 QString lineOf(const CheckedFile& file) {
     const QString length = file.isPlayable() ? lengthText(file.seconds) : QString();
-    const QString finding = findingText(file);
+    const QString remark = findingText(file) + loudnessText(file);
     return statusText(file).leftJustified(statusColumns) + length.rightJustified(lengthColumns) +
            QStringLiteral("  ") + printable(file.file.name) +
-           (finding.isEmpty() ? QString() : QStringLiteral(" - ") + printable(finding)) + u'\n';
+           (remark.isEmpty() ? QString() : QStringLiteral(" - ") + printable(remark)) + u'\n';
 }
 
 QString sumText(const CheckTotals& totals) {
@@ -109,6 +118,10 @@ QJsonObject jsonOf(const CheckedFile& file) {
                        {QStringLiteral("finding"), findingText(file)}};
     if (file.isPlayable())
         object.insert(QStringLiteral("seconds"), std::round(file.seconds * 1000) / 1000);
+    if (file.lufs)
+        object.insert(QStringLiteral("lufs"), std::round(*file.lufs * 100) / 100);
+    if (file.offMedian)
+        object.insert(QStringLiteral("offMedian"), std::round(*file.offMedian * 100) / 100);
     return object;
 }
 

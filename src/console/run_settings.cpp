@@ -9,6 +9,8 @@ namespace reelcrate {
 
 void applySettings(const Arguments& arguments, ContentView& view) {
     view.setDownloadMode(arguments.mode);
+    if (arguments.loudness)
+        view.setTagsLoudness(true);
     if (arguments.eventName)
         view.setEventName(*arguments.eventName);
     if (arguments.outputFolder)

@@ -106,7 +106,8 @@ void DownloadRuns::startDownloadRun(const QList<QUuid>& itemIDs, const RunTarget
     }
 
     const qsizetype slotCount = std::min(freeSlots(), rows.size());
-    addRun({target.event, rows.size(), m_timing, oldToolNotice()}, rows, slotCount);
+    addRun({target.event, rows.size(), m_timing, oldToolNotice(), target.loudness}, rows,
+           slotCount);
     // Beside the downloads, which need not wait for a slow drive.
     m_background.run([this, folder = target.event.folder](const std::stop_token&) {
         removeAbandonedWork(folder);

@@ -34,6 +34,7 @@ class QueueStore;
 struct RunTarget {
     EventTarget event;  ///< its folder is created when the run starts
     QString outputFolder;
+    MeasureLoudness loudness = MeasureLoudness::no;  ///< whether songs get tags that tell theirs
 };
 
 /// Whether a run may take the row: it is ready or needs attention, and something stands behind it

@@ -3,19 +3,16 @@
 #include "library/ffmpeg_words.h"
 #include "library/finished_files.h"
 #include "library/mp3_look.h"
+#include "library/place_file.h"
 #include "library/song_measure.h"
-#include "records/download_item.h"
 #include "tools/shell_quote.h"
 #include "tools/shell_runner.h"
 #include "tools/tool_discovery.h"
 
 #include <QFile>
-#include <QFileInfo>
 #include <QStringList>
 
 #include <cmath>
-#include <filesystem>
-#include <system_error>
 
 namespace reelcrate {
 
@@ -33,16 +30,6 @@ QString position(double seconds) {
 
 TrimOutcome skipped(const QString& reason, const SongMeasure& measure) {
     return {TrimOutcome::Kind::skipped, reason, measure.decodedSeconds};
-}
-
-/// In one step, so that under the name there is always one whole file or the other.
-QString whyNotMoved(const QString& from, const QString& to) {
-    std::error_code error;
-    std::filesystem::rename(QFile::encodeName(from).toStdString(),
-                            QFile::encodeName(to).toStdString(), error);
-    return error ? QStringLiteral("the song could not be replaced: ") +
-                       QString::fromLocal8Bit(error.message().c_str())
-                 : QString();
 }
 
 QString whyConverterFailed(const CommandResult& result) {
@@ -105,8 +92,7 @@ TrimOutcome EdgeTrimmer::trim(const QString& path, const SongMeasure& measure) c
         return skipped(QStringLiteral("nothing in it is louder than -55 dB"), measure);
     if (plan.kind == TrimPlan::Kind::leave)
         return {TrimOutcome::Kind::trimmed, {}, measure.decodedSeconds};
-    const QString temporary = QFileInfo(path).absolutePath() + QStringLiteral("/.trim-") +
-                              idText(QUuid::createUuid()) + QStringLiteral(".mp3");
+    const QString temporary = temporaryBeside(path, QStringLiteral("trim"), QStringLiteral("mp3"));
     if (const QString reason = whyNotCut(path, plan, temporary); !reason.isEmpty()) {
         QFile::remove(temporary);
         return skipped(reason, measure);
@@ -134,7 +120,9 @@ QString EdgeTrimmer::whyNotCut(const QString& path, const TrimPlan& plan,
         return QStringLiteral("the cut song has %1 s instead of %2 s")
             .arg(*seconds, 0, 'f', 2)
             .arg(plan.seconds(), 0, 'f', 2);
-    return whyNotMoved(temporary, path);
+    const QString failure = replaceFile(temporary, path);
+    return failure.isEmpty() ? failure
+                             : QStringLiteral("the song could not be replaced: ") + failure;
 }
 
 }  // namespace reelcrate

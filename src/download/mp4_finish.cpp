@@ -2,8 +2,8 @@
 
 #include "library/ffmpeg_words.h"
 #include "library/finished_files.h"
+#include "library/place_file.h"
 #include "library/video_measure.h"
-#include "records/download_item.h"
 #include "tools/shell_quote.h"
 #include "tools/shell_runner.h"
 #include "tools/tool_discovery.h"
@@ -13,8 +13,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <filesystem>
-#include <system_error>
 
 namespace reelcrate {
 
@@ -51,15 +49,6 @@ std::optional<QString> whyNotTheSame(const VideoMeasure& source, const VideoMeas
         return QStringLiteral("%1 s became %2 s")
             .arg(source.packetSeconds, 0, 'f', 2)
             .arg(made.packetSeconds, 0, 'f', 2);
-    return std::nullopt;
-}
-
-std::optional<QString> whyNotMoved(const QString& from, const QString& to) {
-    std::error_code error;
-    std::filesystem::rename(QFile::encodeName(from).toStdString(),
-                            QFile::encodeName(to).toStdString(), error);
-    if (error)
-        return QString::fromLocal8Bit(error.message().c_str());
     return std::nullopt;
 }
 
@@ -111,16 +100,17 @@ Mp4Outcome Mp4Finisher::finish(const QString& path) const {
     if (plan.leave)
         return {path, {}, source.packetSeconds};
 
-    const QString folder = QFileInfo(path).absolutePath() + u'/';
-    const QString temporary =
-        folder + QStringLiteral(".mp4-") + idText(QUuid::createUuid()) + QStringLiteral(".mp4");
+    const QString temporary = temporaryBeside(path, QStringLiteral("mp4"), QStringLiteral("mp4"));
     auto reason = whyNotMade(path, source, plan, temporary);
     // Streams that were cut out of a broadcast, for one, can be copied and do not play then.
     if (reason && (plan.copyPicture || plan.copySound))
         reason = whyNotMade(path, source, {false, false, false, plan.tagsOfStream}, temporary);
-    const QString finished = folder + nameWithoutExtension(path) + QStringLiteral(".mp4");
-    if (!reason)
-        reason = whyNotMoved(temporary, finished);
+    const QString finished =
+        QFileInfo(path).absolutePath() + u'/' + nameWithoutExtension(path) + QStringLiteral(".mp4");
+    if (!reason) {
+        if (const QString failure = replaceFile(temporary, finished); !failure.isEmpty())
+            reason = failure;
+    }
     if (reason) {
         QFile::remove(temporary);
         return {{}, QStringLiteral("no MP4 could be made of it: ") + *reason};

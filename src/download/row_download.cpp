@@ -231,7 +231,7 @@ void RowDownload::finish(WorkingFolder& folder, std::optional<double> sourceSeco
         log(QStringLiteral("The downloader reported success, but there is no file."));
     QList<SongFinisher::Prepared> songs;
     for (const QString& file : files) {
-        auto song = m_finisher.prepare(file, m_plan.target, sourceSeconds, log);
+        auto song = m_finisher.prepare(file, m_plan.target, {sourceSeconds, m_plan.loudness}, log);
         if (stop.stop_requested())
             return;
         if (song)

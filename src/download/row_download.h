@@ -51,6 +51,7 @@ struct RunPlan {
     qsizetype rowCount = 0;
     DownloadTiming timing;
     QString oldToolNotice;  ///< what to say of a downloader that is old; empty for one that is not
+    MeasureLoudness loudness = MeasureLoudness::no;
 };
 
 /// The command line that downloads the row into the folder. Background threads: it looks the tools

@@ -1,6 +1,7 @@
 #include "download/song_finish.h"
 
 #include "library/finished_files.h"
+#include "library/replay_gain.h"
 #include "records/row_texts.h"
 
 #include <QFileInfo>
@@ -51,32 +52,39 @@ SongFinisher::SongFinisher(ShellRunner& shell, const ToolDiscovery& discovery,
 
 std::optional<SongFinisher::Prepared> SongFinisher::prepare(const QString& file,
                                                             const EventTarget& target,
-                                                            std::optional<double> sourceSeconds,
+                                                            const Demands& demands,
                                                             const Log& log) const {
-    return target.mode == DownloadMode::audio ? prepareSong(file, target, sourceSeconds, log)
+    return target.mode == DownloadMode::audio ? prepareSong(file, target, demands, log)
                                               : prepareVideo(file, target, log);
 }
 
 std::optional<SongFinisher::Prepared> SongFinisher::prepareSong(const QString& file,
                                                                 const EventTarget& target,
-                                                                std::optional<double> sourceSeconds,
+                                                                const Demands& demands,
                                                                 const Log& log) const {
-    const SongMeasure measure = m_measurer.measure(file);
+    const SongMeasure measure = m_measurer.measure(file, demands.loudness);
     if (const auto reason = whyNoWholeSong(measure)) {
         log(about(file, *reason));
         return std::nullopt;
     }
     if (!measure.complaint.isEmpty())
         log(about(file, measure.complaint));
-    if (sourceSeconds &&
-        std::abs(*sourceSeconds - measure.decodedSeconds) > sourceToleranceSeconds) {
+    const double expected = demands.sourceSeconds.value_or(measure.decodedSeconds);
+    if (std::abs(expected - measure.decodedSeconds) > sourceToleranceSeconds) {
         log(about(file, QStringLiteral("%1 of %2 were converted.")
-                            .arg(inSeconds(measure.decodedSeconds), inSeconds(*sourceSeconds))));
+                            .arg(inSeconds(measure.decodedSeconds), inSeconds(expected))));
         return std::nullopt;
     }
     const TrimOutcome trim = m_trimmer.trim(file, measure);
     if (!trim.reason.isEmpty())
         log(about(file, trim.reason));
+    // That of the whole, edges included, which are too quiet to count: it is the cut song's to a
+    // tenth of a decibel from ten seconds on.
+    const QString failure = measure.loudness && hasExtension(file, QStringLiteral("mp3"))
+                                ? tagLoudness(file, *measure.loudness)
+                                : QString();
+    if (!failure.isEmpty())
+        log(about(file, QStringLiteral("its loudness is not in its tags: ") + failure));
     return Prepared{file, savedText(trim, target), measure.decodedSeconds, trim.seconds};
 }
 

@@ -11,9 +11,9 @@
 #include <functional>
 #include <optional>
 
-/// What becomes of a file that the downloader has finished: it is looked at, trimmed or made an
-/// MP4, and enters the event folder if it is a whole song. Background threads: each step blocks.
-/// Nothing here fails a program: what is no song stays where it is, and the log says why.
+/// What becomes of a file that the downloader has finished: it is looked at, trimmed, tagged or
+/// made an MP4, and enters the event folder if it is a whole song. Background threads: each step
+/// blocks. Nothing here fails a program: what is no song stays where it is, and the log says why.
 namespace reelcrate {
 
 class ShellRunner;
@@ -39,10 +39,15 @@ public:
 
     SongFinisher(ShellRunner& shell, const ToolDiscovery& discovery, EventLibrary& library);
 
-    /// Absent when the file is no whole song or video. A song of which the source's length in
-    /// seconds is known has to be as long.
+    /// What is asked of a song beside that it is whole.
+    struct Demands {
+        std::optional<double> sourceSeconds;             ///< where known: it has to be as long
+        MeasureLoudness loudness = MeasureLoudness::no;  ///< and written into its tags
+    };
+
+    /// Absent when the file is no whole song or video.
     std::optional<Prepared> prepare(const QString& file, const EventTarget& target,
-                                    std::optional<double> sourceSeconds, const Log& log) const;
+                                    const Demands& demands, const Log& log) const;
 
     /// The path in the event folder of the prepared file, or of the same song that was there
     /// already. Absent when it cannot be moved there.
@@ -57,7 +62,7 @@ public:
 
 private:
     std::optional<Prepared> prepareSong(const QString& file, const EventTarget& target,
-                                        std::optional<double> sourceSeconds, const Log& log) const;
+                                        const Demands& demands, const Log& log) const;
     std::optional<Prepared> prepareVideo(const QString& file, const EventTarget& target,
                                          const Log& log) const;
     bool isSameSong(const QString& file, const QString& there, bool isOfThisRun) const;

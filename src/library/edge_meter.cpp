@@ -30,35 +30,20 @@ EdgeMeter::EdgeMeter(int rate, int channels)
       m_energies(static_cast<size_t>(m_window), 0) {}
 
 void EdgeMeter::add(std::span<const qint16> samples) {
-    if (!m_part.empty()) {
-        const size_t missing = std::min(samples.size(), m_channels - m_part.size());
-        addToPart(samples.first(missing));
-        samples = samples.subspan(missing);
-    }
-    const size_t whole = samples.size() - samples.size() % m_channels;
     // An hour has 160 million frames: the usual numbers of channels go without an inner loop.
     switch (m_channels) {
         case 1:
-            addFrames<1>(samples.first(whole));
+            addFrames<1>(samples);
             break;
         case 2:
-            addFrames<2>(samples.first(whole));
+            addFrames<2>(samples);
             break;
         default:
-            addFrames<0>(samples.first(whole));
+            addFrames<0>(samples);
     }
-    addToPart(samples.subspan(whole));
 }
 
-void EdgeMeter::addToPart(std::span<const qint16> samples) {
-    m_part.insert(m_part.end(), samples.begin(), samples.end());
-    if (m_part.size() < m_channels)
-        return;
-    addFrames<0>(m_part);
-    m_part.clear();
-}
-
-/// Whole frames; where the number of channels is not 0 it is known to the compiler.
+/// Where the number of channels is not 0 it is known to the compiler.
 template <int knownChannels>
 void EdgeMeter::addFrames(std::span<const qint16> samples) {
     const size_t channels = knownChannels > 0 ? knownChannels : m_channels;

@@ -24,10 +24,10 @@ public:
     /// Both are at least 1.
     EdgeMeter(int rate, int channels);
 
-    /// The next samples, those of all channels in turn. A piece may end anywhere.
+    /// The next samples, those of all channels in turn. Whole frames, in pieces of any size.
     void add(std::span<const qint16> samples);
 
-    /// So far. Samples after the last whole frame do not count.
+    /// So far.
     double seconds() const;
 
     /// Absent when nothing is above the level for long enough. Once, at the end.
@@ -36,7 +36,6 @@ public:
 private:
     template <int knownChannels>
     void addFrames(std::span<const qint16> samples);
-    void addToPart(std::span<const qint16> samples);
     void closeRun();
 
     const int m_rate;
@@ -53,8 +52,6 @@ private:
     qint64 m_run = 0;  ///< how many windows in a row were above the limit
     std::optional<qint64> m_first;
     std::optional<qint64> m_end;  ///< behind the last sound's last frame
-
-    std::vector<qint16> m_part;  ///< of a frame that a piece has broken off
 };
 
 }  // namespace reelcrate

@@ -110,6 +110,8 @@ CheckedFile checkedSong(const EventFile& file, const SongMeasure& measure) {
     checked.seconds = measure.decodedSeconds;
     checked.headerSeconds = measure.headerSeconds;
     checked.soundPrint = measure.soundPrint;
+    if (measure.loudness)
+        checked.lufs = measure.loudness->lufs;
     if (checked.finding)
         return checked;
     checked.finding = findingOf(measure);
@@ -153,6 +155,24 @@ void findDoubles(QList<CheckedFile>& files) {
             file->detail = first->file.name;
         }
         recordings.add(*file, first != nullptr ? first : file);
+    }
+}
+
+void findOddLoudness(QList<CheckedFile>& files) {
+    constexpr qsizetype fewest = 3;
+    constexpr double remarkable = 6;
+    QList<double> known;
+    for (const CheckedFile& file : std::as_const(files)) {
+        if (file.lufs)
+            known.append(*file.lufs);
+    }
+    if (known.size() < fewest)
+        return;
+    std::sort(known.begin(), known.end());
+    const double median = (known.at((known.size() - 1) / 2) + known.at(known.size() / 2)) / 2;
+    for (CheckedFile& file : files) {
+        if (file.lufs && std::abs(*file.lufs - median) > remarkable)
+            file.offMedian = *file.lufs - median;
     }
 }
 

@@ -33,6 +33,9 @@ struct CheckedFile {
     double seconds = 0;  ///< what decodes
     std::optional<double> headerSeconds = std::nullopt;
     quint64 soundPrint = 0;
+    std::optional<double> lufs = std::nullopt;  ///< its loudness, where it is known
+    /// By how many LU it is louder than the middle song; absent where that is not remarkable.
+    std::optional<double> offMedian = std::nullopt;
 
     bool isPlayable() const {
         return file.kind == EventFile::Kind::song || file.kind == EventFile::Kind::video;
@@ -52,6 +55,10 @@ CheckedFile checkedVideo(const EventFile& file, const VideoMeasure& video,
 /// identifier in both names; or one title and a length within a second. Songs are compared with
 /// songs, videos with videos. The one with the shortest name is what the others double.
 void findDoubles(QList<CheckedFile>& files);
+
+/// Marks the playable files that stand more than 6 LU off the median of those whose loudness is
+/// known. Of fewer than three nothing is told.
+void findOddLoudness(QList<CheckedFile>& files);
 
 /// What is there in all.
 struct CheckTotals {

@@ -1,5 +1,7 @@
 #include "library/folder_check.h"
 
+#include "library/replay_gain.h"
+
 #include <QDir>
 #include <QFileInfo>
 
@@ -33,8 +35,9 @@ std::vector<qsizetype> workOrder(const QList<CheckedFile>& files, const QDir& fo
 
 }  // namespace
 
-FolderCheck::FolderCheck(ShellRunner& shell, const ToolDiscovery& discovery)
-    : m_songs(shell, discovery), m_videos(shell, discovery) {}
+FolderCheck::FolderCheck(ShellRunner& shell, const ToolDiscovery& discovery,
+                         MeasureLoudness loudness)
+    : m_loudness(loudness), m_songs(shell, discovery), m_videos(shell, discovery) {}
 
 CheckedFile FolderCheck::checked(const EventFile& file, const QString& path) const {
     if (QFileInfo(path).size() == 0) {
@@ -42,12 +45,16 @@ CheckedFile FolderCheck::checked(const EventFile& file, const QString& path) con
         empty.finding = Finding::empty;
         return empty;
     }
-    if (file.kind == Kind::song)
-        return checkedSong(file, m_songs.measure(path));
+    if (file.kind == Kind::song) {
+        SongMeasure song = m_songs.measure(path, m_loudness);
+        if (m_loudness == MeasureLoudness::no)
+            song.loudness = taggedLoudness(path);
+        return checkedSong(file, song);
+    }
     const VideoMeasure video = m_videos.measure(path);
     std::optional<SongMeasure> sound;
     if (video.hasSound())
-        sound = m_songs.measure(path);
+        sound = m_songs.measure(path, m_loudness);
     return checkedVideo(file, video, sound);
 }
 
@@ -77,6 +84,7 @@ QList<CheckedFile> FolderCheck::check(const QString& folder, const std::stop_tok
             workers.emplace_back(work);
     }
     findDoubles(files);
+    findOddLoudness(files);
     return files;
 }
 

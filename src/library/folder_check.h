@@ -20,7 +20,9 @@ public:
     /// How many of the songs have been decoded. Called on any thread, several at once.
     using Progress = std::function<void(qsizetype done, qsizetype all)>;
 
-    FolderCheck(ShellRunner& shell, const ToolDiscovery& discovery);
+    /// Loudness is measured, or else read from the songs' tags.
+    FolderCheck(ShellRunner& shell, const ToolDiscovery& discovery,
+                MeasureLoudness loudness = MeasureLoudness::no);
 
     /// Background threads; blocks until all is decoded. After a stop request it returns early, with
     /// songs in it that nobody has looked at.
@@ -30,6 +32,7 @@ public:
 private:
     CheckedFile checked(const EventFile& file, const QString& path) const;
 
+    const MeasureLoudness m_loudness;
     const SongMeasurer m_songs;
     const VideoMeasurer m_videos;
 };

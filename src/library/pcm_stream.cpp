@@ -24,11 +24,13 @@ void PcmStream::add(const QByteArray& bytes) {
     m_rest += bytes;
     if (!m_meter && !readHeader())
         return;
-    m_samples.resize(static_cast<size_t>(m_rest.size() / 2));
-    qFromBigEndian<qint16>(m_rest.constData(), static_cast<qsizetype>(m_samples.size()),
-                           m_samples.data());
-    m_rest.remove(0, static_cast<qsizetype>(m_samples.size()) * 2);
+    const qsizetype whole = m_rest.size() - m_rest.size() % m_frameBytes;
+    m_samples.resize(static_cast<size_t>(whole / 2));
+    qFromBigEndian<qint16>(m_rest.constData(), whole / 2, m_samples.data());
+    m_rest.remove(0, whole);
     m_meter->add(m_samples);
+    if (m_loudnessMeter)
+        m_loudnessMeter->add(m_samples);
     m_print.add(m_samples);
 }
 
@@ -45,7 +47,10 @@ bool PcmStream::readHeader() {
     if (m_refused || m_rest.size() < static_cast<qsizetype>(length))
         return false;
     m_rest.remove(0, static_cast<qsizetype>(length));
+    m_frameBytes = 2 * static_cast<qsizetype>(channels);
     m_meter.emplace(static_cast<int>(rate), static_cast<int>(channels));
+    if (m_loudness == MeasureLoudness::yes)
+        m_loudnessMeter.emplace(static_cast<int>(rate), static_cast<int>(channels));
     return true;
 }
 

@@ -2,6 +2,8 @@
 
 #include <QByteArray>
 #include <QFile>
+#include <QFileInfo>
+#include <QUuid>
 
 #include <cerrno>
 #include <cstdio>
@@ -82,6 +84,17 @@ Placement placeFile(const QString& from, const QString& to) {
     if (error == EEXIST)
         return {Outcome::taken, {}};
     return {Outcome::failed, QString::fromLocal8Bit(std::strerror(error))};
+}
+
+QString temporaryBeside(const QString& path, const QString& kind, const QString& extension) {
+    return QFileInfo(path).absolutePath() + QStringLiteral("/.") + kind + u'-' +
+           QUuid::createUuid().toString(QUuid::WithoutBraces) + u'.' + extension;
+}
+
+QString replaceFile(const QString& from, const QString& to) {
+    return ::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0
+               ? QString()
+               : QString::fromLocal8Bit(std::strerror(errno));
 }
 
 }  // namespace reelcrate

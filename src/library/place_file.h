@@ -17,4 +17,11 @@ struct Placement {
 /// that want one name at once get it in turn: one is placed, to the other it is taken.
 Placement placeFile(const QString& from, const QString& to);
 
+/// A hidden name beside the file, ".KIND-IDENTIFIER.EXTENSION", for what is made of it.
+QString temporaryBeside(const QString& path, const QString& kind, const QString& extension);
+
+/// Has one file take the place of another, or the name alone if there is none, in one step: under
+/// the name there is always one whole file. Comes back with the system's reason; empty when done.
+QString replaceFile(const QString& from, const QString& to);
+
 }  // namespace reelcrate

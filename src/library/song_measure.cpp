@@ -60,14 +60,14 @@ std::optional<QString> whyNoWholeSong(const SongMeasure& measure) {
 SongMeasurer::SongMeasurer(ShellRunner& shell, const ToolDiscovery& discovery)
     : m_shell(shell), m_discovery(discovery) {}
 
-SongMeasure SongMeasurer::measure(const QString& path) const {
+SongMeasure SongMeasurer::measure(const QString& path, MeasureLoudness loudness) const {
     SongMeasure measure;
     const auto ffmpeg = m_discovery.toolPath(QStringLiteral("ffmpeg"));
     if (!ffmpeg) {
         measure.complaint = QStringLiteral("ffmpeg is missing");
         return measure;
     }
-    PcmStream stream;
+    PcmStream stream(loudness);
     const CommandResult result =
         m_shell.runShellBytes(decodeCommand(*ffmpeg, path, asStream), timeLimit(path),
                               [&stream](const QByteArray& bytes) { stream.add(bytes); });
@@ -83,6 +83,8 @@ SongMeasure SongMeasurer::measure(const QString& path) const {
         measure.soundPrint = stream.soundPrint();
         measure.decoded = result.status == 0 && !words.cutOff;
     }
+    if (const auto& meter = stream.loudnessMeter())
+        measure.loudness = meter->loudness();
     return measure;
 }
 

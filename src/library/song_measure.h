@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/edge_meter.h"
+#include "library/loudness_meter.h"
 
 #include <QString>
 
@@ -26,6 +27,7 @@ struct SongMeasure {
     QString complaint;                    ///< what the decoder said first, of whatever weight
     quint64 soundPrint = 0;               ///< the same for the very same samples, whatever the tags
     bool hasChapters = false;
+    std::optional<Loudness> loudness = {};  ///< of what decodes; absent unless asked for
 };
 
 /// Why the song is not a whole one, for the log; absent when it is. Quiet songs and songs with a
@@ -33,13 +35,14 @@ struct SongMeasure {
 std::optional<QString> whyNoWholeSong(const SongMeasure& measure);
 
 /// Background threads: it blocks while the decoder runs, three seconds of one processor for an
-/// hour of music, and 180 seconds at least before the decoder is given up. Any number of threads.
+/// hour of music (several times that with its loudness), and 180 seconds at least before the
+/// decoder is given up. Any number of threads.
 class SongMeasurer {
 public:
     SongMeasurer(ShellRunner& shell, const ToolDiscovery& discovery);
 
     /// The path is absolute.
-    SongMeasure measure(const QString& path) const;
+    SongMeasure measure(const QString& path, MeasureLoudness loudness = MeasureLoudness::no) const;
 
     /// By which two files are told to hold the very same sound, whatever their tags; empty when the
     /// file does not decode. Blocks like measure().

@@ -41,6 +41,7 @@ QString iconName(const QString& symbol) {
         {QStringLiteral("person.2.fill"), QStringLiteral("people-fill")},
         {QStringLiteral("play.rectangle.fill"), QStringLiteral("play-btn-fill")},
         {QStringLiteral("plus.circle.fill"), QStringLiteral("plus-circle-fill")},
+        {QStringLiteral("speaker.wave.2.fill"), QStringLiteral("volume-up-fill")},
         {QStringLiteral("square.and.arrow.down"), QStringLiteral("save")},
         {QStringLiteral("stop.fill"), QStringLiteral("stop-fill")},
         {QStringLiteral("trash"), QStringLiteral("trash")},

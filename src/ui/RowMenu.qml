@@ -18,6 +18,8 @@ Menu {
     property bool canPasteSongList: false
     property bool canSavePlaylist: false
     property bool canStop: false
+    property bool canTagLoudness: false
+    property bool tagsLoudness: false
 
     function show(row, item, x, y) {
         itemID = row;
@@ -28,6 +30,8 @@ Menu {
         canPasteSongList = state.canPasteSongList();
         canSavePlaylist = state.canSavePlaylist();
         canStop = state.canStop(row, takesSelection);
+        canTagLoudness = state.canTagLoudness();
+        tagsLoudness = state.tagsLoudness();
         popup(item, x, y);
     }
     /// What concerns no row.
@@ -103,5 +107,14 @@ Menu {
         symbol: "square.and.arrow.down"
         enabled: root.canSavePlaylist
         onTriggered: root.state.savePlaylist()
+    }
+    RowMenuItem {
+        readonly property bool isChosen: root.tagsLoudness
+
+        objectName: "tagLoudness"
+        text: "Tag Loudness"
+        symbol: isChosen ? "checkmark.circle.fill" : "speaker.wave.2.fill"
+        enabled: root.canTagLoudness
+        onTriggered: root.state.setTagsLoudness(!isChosen)
     }
 }

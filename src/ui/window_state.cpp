@@ -348,6 +348,18 @@ void WindowState::savePlaylist() {
     m_view.savePlaylist();
 }
 
+bool WindowState::canTagLoudness() const {
+    return m_view.downloadMode() == DownloadMode::audio;
+}
+
+bool WindowState::tagsLoudness() const {
+    return m_view.tagsLoudness();
+}
+
+void WindowState::setTagsLoudness(bool tags) {
+    m_view.setTagsLoudness(tags);
+}
+
 int WindowState::focusedIndex() const {
     const auto focus = m_view.selectionFocusQueueItemID();
     return focus ? static_cast<int>(m_view.queue().indexOf(*focus)) : -1;

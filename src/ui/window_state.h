@@ -102,6 +102,10 @@ public:
     /// Whether there is a complete song to name in a playlist.
     Q_INVOKABLE bool canSavePlaylist() const;
     Q_INVOKABLE void savePlaylist();
+    /// Of the songs of the runs to come; videos have no such tags.
+    Q_INVOKABLE bool canTagLoudness() const;
+    Q_INVOKABLE bool tagsLoudness() const;
+    Q_INVOKABLE void setTagsLoudness(bool tags);
     /// The row that the keyboard is at; -1 and empty text for none.
     Q_INVOKABLE int focusedIndex() const;
     Q_INVOKABLE QString focusedItemID() const;

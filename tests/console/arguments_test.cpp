@@ -43,6 +43,9 @@ TEST(Arguments, WrongUsageIsToldFromRightUsage) {
         {"--check D http://x", false},
         {"--check=", false},
         {"--check", false},
+        {"--check D --loudness", true},
+        {"--headless --loudness http://x", true},
+        {"--headless --loudness --mode mp4 http://x", false},
         {"--help --headless", true},
         {"--version", true},
     };

@@ -15,16 +15,17 @@ from stage import PROGRAM, EndToEnd, Outcome
 
 FIRST = Song("first", "First", tone=3)
 SECOND = Song("second", "Second", tone=4)
+LONG = Song("long", "Long", tone=15)
 
 
 class Check(EndToEnd):
-    album = (FIRST, SECOND)
+    album = (FIRST, SECOND, LONG)
 
     def setUp(self):
         super().setUp()
         self.folder = self.stage.output / "Party"
         self.folder.mkdir(parents=True)
-        for song in self.album:
+        for song in (FIRST, SECOND):
             songs.convert(self.site.media_file(song.name), self.folder / f"{song.title}.mp3")
 
     def check(self, *arguments, folder=None):
@@ -70,7 +71,7 @@ class Check(EndToEnd):
                 second.write_bytes(whole)
 
     def test_what_a_run_leaves_is_well(self):
-        links = [self.site.link(song.name) for song in self.album]
+        links = [self.site.link(song.name) for song in (FIRST, SECOND)]
         missing = self.site.missing_link()
         outcome = self.stage.run("--playlist", links[1], missing, links[0], event="Другой")
         self.assertStatus(outcome, 1)
@@ -80,6 +81,22 @@ class Check(EndToEnd):
         names = ["Second [second].mp3", "First [first].mp3"]
         self.assertEqual([line for line in lines if not line.startswith("#")], names)
         self.assertStatus(self.check(folder=folder), 0)
+
+    def test_loudness_in_tags(self):
+        self.assertStatus(self.stage.run("--loudness", self.site.link("long"), event="Loud"), 0)
+        folder = self.stage.output / "Loud"
+        outcome = self.check("--json", folder=folder)
+        self.assertStatus(outcome, 0)
+        told = {file["file"]: file["lufs"] for file in json.loads(outcome.out)["files"]}
+        self.assertEqual(list(told), ["Long [long].mp3"])
+        table = subprocess.run(
+            ["loudgain", "-O", "-q", folder / "Long [long].mp3"], capture_output=True, text=True
+        ).stdout
+        measured = table.splitlines()[1].split("\t")[1]
+        self.assertAlmostEqual(told["Long [long].mp3"], float(measured.split()[0]), delta=0.3)
+        # Those of the folder that has no tags are told only if they are measured.
+        self.assertNotIn("lufs", self.check("--json").out)
+        self.assertEqual(self.check("--json", "--loudness").out.count("lufs"), 2)
 
     def test_what_is_no_event_folder(self):
         for folder, status in ((self.folder / "none", 2), (self.folder / "First.mp3", 2)):

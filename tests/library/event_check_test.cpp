@@ -69,13 +69,13 @@ protected:
     }
 
     /// What needs attention, by name.
-    QList<std::pair<QString, Finding>> findings() {
+    QList<std::pair<QString, Finding>> findings(MeasureLoudness loudness = MeasureLoudness::no) {
         std::atomic<qsizetype> last = 0;
-        files =
-            FolderCheck(music.shell, music.discovery).check(folder, {}, [&](auto done, auto all) {
-                last += done > 0 ? 1 : 0;
-                decoded = all;
-            });
+        const FolderCheck check(music.shell, music.discovery, loudness);
+        files = check.check(folder, {}, [&](auto done, auto all) {
+            last += done > 0 ? 1 : 0;
+            decoded = all;
+        });
         EXPECT_EQ(last, decoded);
         QList<std::pair<QString, Finding>> found;
         for (const CheckedFile& file : files) {
@@ -198,6 +198,49 @@ TEST_F(CheckedFolder, KnowsTheVerySameSoundUnderOtherTags) {
                  shellQuoted(path("A later copy.mp3")));
     EXPECT_THAT(findings(), ElementsAre(Pair(text("A later copy.mp3"), Finding::doubled)));
     EXPECT_EQ(named("A later copy.mp3").detail, text("Song.mp3"));
+}
+
+TEST_F(CheckedFolder, NamesSongsThatStandOutByTheirTagsOrByMeasuring) {
+    tone("a.mp3", 900, 3);
+    tone("b.mp3", 901, 3, "-q:a 5 -metadata REPLAYGAIN_TRACK_GAIN='-3.00 dB'");
+    tone("c.mp3", 902, 3, "-q:a 5 -af volume=-9dB -metadata REPLAYGAIN_TRACK_GAIN='-4.00 dB'");
+    tone("d.mp3", 903, 3, "-q:a 5 -metadata REPLAYGAIN_TRACK_GAIN='-13.50 dB'");
+    EXPECT_THAT(findings(), testing::IsEmpty());
+    EXPECT_EQ(named("a.mp3").lufs, std::nullopt);
+    EXPECT_NEAR(*named("d.mp3").lufs, -4.5, 0.001);
+    EXPECT_NEAR(named("d.mp3").offMedian.value_or(0), 9.5, 0.001);
+    EXPECT_EQ(named("c.mp3").offMedian, std::nullopt);
+
+    EXPECT_THAT(findings(MeasureLoudness::yes), testing::IsEmpty());
+    EXPECT_NEAR(*named("a.mp3").lufs, *named("d.mp3").lufs, 0.1);
+    EXPECT_NEAR(named("c.mp3").offMedian.value_or(0), -9, 0.2);
+    EXPECT_EQ(named("d.mp3").offMedian, std::nullopt);
+}
+
+TEST(FindOddLoudness, ComparesWithTheMiddleOfThreeAtLeast) {
+    const std::pair<QList<double>, QList<double>> cases[] = {
+        {{-9, -30}, {}},
+        {{-9, -10, -16.1}, {-6.1}},
+        {{-9, -10, -16}, {}},
+        {{-16.1, -8, -14, -10}, {}},
+        {{-5.9, -14, -18.1, -10}, {6.1, -6.1}},
+        {{-70, -70, -12}, {58}},
+    };
+    for (const auto& [levels, expected] : cases) {
+        QList<CheckedFile> files{{}};
+        for (const double level : levels)
+            files.append({.file = {}, .lufs = level});
+        findOddLoudness(files);
+        std::vector<testing::Matcher<double>> matchers;
+        for (const double each : expected)
+            matchers.push_back(testing::DoubleNear(each, 1e-9));
+        QList<double> off;
+        for (const CheckedFile& file : files) {
+            if (file.offMedian)
+                off.append(*file.offMedian);
+        }
+        EXPECT_THAT(off, testing::ElementsAreArray(matchers));
+    }
 }
 
 TEST(CheckedSong, ComparesWhatDecodesWithTheHeader) {

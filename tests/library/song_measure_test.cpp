@@ -240,7 +240,7 @@ TEST(PcmStream, ReadsPiecesOfAnySizeAndNothingElse) {
         QByteArray::fromHex("2e736e640000001cffffffff00000003000000640000000200000000");
     const QByteArray samples = QByteArray::fromHex("7fff8000").repeated(50);
     PcmStream stream;
-    for (const char byte : header + samples)
+    for (const char byte : header + samples + samples.first(3))  // with half a frame at the end
         stream.add(QByteArray(1, byte));
     ASSERT_TRUE(stream.meter());
     EXPECT_DOUBLE_EQ(stream.meter()->finish()->last, 0.5);

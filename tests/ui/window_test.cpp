@@ -337,6 +337,19 @@ TEST_F(WindowTest, TheQueuesMenuSavesThePlaylistOfWhatIsComplete) {
     EXPECT_EQ(view().activeSummary(), QStringLiteral("Saved playlist of 1 song"));
 }
 
+TEST_F(WindowTest, TheQueuesMenuSwitchesTheTagsOfLoudness) {
+    open();
+    addReadRows(links("hold", 1));
+    for (const bool tags : {true, false}) {
+        click(inRow(0, "title"), Qt::RightButton);
+        click("tagLoudness");
+        EXPECT_EQ(view().tagsLoudness(), tags);
+    }
+    view().setDownloadMode(DownloadMode::video);
+    click(inRow(0, "title"), Qt::RightButton);
+    EXPECT_FALSE(isEnabled("tagLoudness"));
+}
+
 TEST_F(WindowTest, SongListsComeInByMenuDropAndCommandLine) {
     const QString list = machine.path(QStringLiteral("list.txt"));
     EXPECT_TRUE(writeFile(list, "ABBA - Waterloo (2:46)\n"));
