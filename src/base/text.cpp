@@ -1,7 +1,6 @@
 #include "base/text.h"
 
 #include <QTextBoundaryFinder>
-#include <QVarLengthArray>
 
 #include <algorithm>
 
@@ -81,29 +80,6 @@ QStringList trimmedLines(const QString& text) {
             return lines;
         begin = end + 1;
     }
-}
-
-bool containsByRarest(QStringView text, std::initializer_list<QStringView> words, QChar rarest,
-                      Qt::CaseSensitivity cs) {
-    QVarLengthArray<qsizetype, 4> offsets;
-    for (const QStringView word : words)
-        offsets.append(word.indexOf(rarest));
-    Q_ASSERT(!offsets.contains(-1));
-    const auto standsAt = [&](qsizetype at) {
-        const qsizetype* offset = offsets.cbegin();
-        return std::any_of(words.begin(), words.end(), [&](QStringView word) {
-            const qsizetype start = at - *offset++;
-            return start >= 0 && text.sliced(start).startsWith(word, cs);
-        });
-    };
-    const auto containsAt = [&](QChar c) {
-        qsizetype at = text.indexOf(c);
-        while (at >= 0 && !standsAt(at))
-            at = text.indexOf(c, at + 1);
-        return at >= 0;
-    };
-    return containsAt(rarest) ||
-           (cs == Qt::CaseInsensitive && rarest.isLower() && containsAt(rarest.toUpper()));
 }
 
 QString pluralSuffix(qsizetype count) {

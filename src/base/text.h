@@ -3,8 +3,6 @@
 #include <QString>
 #include <QStringList>
 
-#include <initializer_list>
-
 /// Text as a reader counts and breaks it, where Qt counts UTF-16 units. Pure functions; any thread.
 namespace reelcrate {
 
@@ -23,12 +21,6 @@ QString firstBytes(const QString& text, qsizetype bytes);
 /// The parts between line breaks of every kind (line feed, vertical tab, form feed, carriage
 /// return, next line, line and paragraph separator), each trimmed; empty parts stay.
 QStringList trimmedLines(const QString& text);
-
-/// Whether the text contains one of the words. `rarest` is the one of the characters that all of
-/// them have (in lower case, where the case does not matter) that texts have the fewest of: it is
-/// looked for first, for where it is rare that is faster than a search for each word.
-bool containsByRarest(QStringView text, std::initializer_list<QStringView> words, QChar rarest,
-                      Qt::CaseSensitivity cs = Qt::CaseSensitive);
 
 /// The "s" that a count other than one puts behind its noun.
 QString pluralSuffix(qsizetype count);

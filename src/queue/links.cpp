@@ -1,7 +1,5 @@
 #include "queue/links.h"
 
-#include "base/text.h"
-
 #include <QRegularExpression>
 #include <QUrl>
 #include <QUrlQuery>
@@ -97,10 +95,9 @@ QStringList extractLinks(const QString& text) {
 
 SourceType classifySource(const QString& link) {
     for (const SourceDomains& row : sourceDomains) {
-        const bool found =
-            std::any_of(row.domains.begin(), row.domains.end(), [&](QStringView domain) {
-                return containsByRarest(link, {domain}, u'.', Qt::CaseInsensitive);
-            });
+        const bool found = std::any_of(
+            row.domains.begin(), row.domains.end(),
+            [&](QStringView domain) { return link.contains(domain, Qt::CaseInsensitive); });
         if (found)
             return row.source;
     }

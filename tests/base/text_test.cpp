@@ -40,18 +40,6 @@ TEST(Text, CutsBytesAtACharactersEnd) {
         EXPECT_EQ(firstBytes(text, bytes), first);
 }
 
-TEST(Text, IsSearchedByTheRarestCharacter) {
-    const auto contains = [](const char* text, Qt::CaseSensitivity cs) {
-        return containsByRarest(QString::fromLatin1(text), {u"signs", u"login"}, u'g', cs);
-    };
-    for (const char* text : {"login", "g og login", "a login.", "gloggin login", "signs"})
-        EXPECT_TRUE(contains(text, Qt::CaseSensitive)) << text;
-    for (const char* text : {"", "g", "gin", "ogin", "logi", "LOGIN", "log in"})
-        EXPECT_FALSE(contains(text, Qt::CaseSensitive)) << text;
-    EXPECT_TRUE(contains("g G LOGIN", Qt::CaseInsensitive));
-    EXPECT_TRUE(contains("a loGin", Qt::CaseInsensitive));
-}
-
 TEST(Text, BreaksLinesAtEveryKindOfBreak) {
     const QString text = QStringLiteral(" a \r\nb\v\u2028c\u0085");
     const QStringList lines{QStringLiteral("a"), QString(),           QStringLiteral("b"),
