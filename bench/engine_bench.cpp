@@ -2,7 +2,7 @@
 // "per_item" should not grow with the number of items; "times_bare" is the ratio to one bare pass
 // over the same data, measured in turn in the same run.
 
-#include "app/content_view.h"
+#include "app/controller.h"
 #include "download/row_stages.h"
 #include "download/run_log.h"
 #include "library/finished_files.h"
@@ -79,16 +79,17 @@ void intake(benchmark::State& state, const char* linkFormat) {
         const QString link = QString::fromLatin1(linkFormat).arg(i);
         text += QStringLiteral("Listen to (%1), it is great\n").arg(link);
     }
-    std::unique_ptr<ContentView> view;
+    std::unique_ptr<Controller> controller;
     compare(
-        state, [&] { view = std::make_unique<ContentView>(*theSupervisor, ContentViewSetup()); },
-        [&] { view->addLinksToQueue(extractLinks(text)); },
+        state,
+        [&] { controller = std::make_unique<Controller>(*theSupervisor, ControllerSetup()); },
+        [&] { controller->addLinksToQueue(extractLinks(text)); },
         [&] {
             const QRegularExpression pattern(QStringLiteral("https?://[^\\s]+"));
             for (auto match = pattern.globalMatch(text); match.hasNext();)
                 benchmark::DoNotOptimize(match.next().captured());
         });
-    if (view->queue().size() != state.range(0))
+    if (controller->queue().size() != state.range(0))
         state.SkipWithError("not every link became a row");
 }
 
@@ -96,80 +97,84 @@ void intake(benchmark::State& state, const char* linkFormat) {
 /// bare: the folder's listing with dates and one comparison key for each file and each song.
 void resolution(benchmark::State& state) {
     const QTemporaryDir output;
-    ContentViewSetup setup;
+    ControllerSetup setup;
     setup.desktopFolder = output.path();
     QueueResolution songs;
-    std::unique_ptr<ContentView> view;
-    const auto makeView = [&] {
-        view = std::make_unique<ContentView>(*theSupervisor, setup);
-        view->addLinksToQueue({QStringLiteral("https://site.example/list")});
+    std::unique_ptr<Controller> controller;
+    const auto makeController = [&] {
+        controller = std::make_unique<Controller>(*theSupervisor, setup);
+        controller->addLinksToQueue({QStringLiteral("https://site.example/list")});
     };
-    makeView();
-    QDir().mkpath(view->eventFolder());
+    makeController();
+    QDir().mkpath(controller->eventFolder());
     for (qint64 i = 0; i < state.range(0); ++i) {
         const QString title =
             QStringLiteral("The Same Band - Song Number %1 of Many").arg(i * 7919);
         songs.entries.append({linkNumber(i), SourceType::link, title, {}, {}});
-        QFile file(view->eventFolder() + u'/' + title + QStringLiteral(" [%1].mp3").arg(i));
+        QFile file(controller->eventFolder() + u'/' + title + QStringLiteral(" [%1].mp3").arg(i));
         if (!file.open(QIODevice::WriteOnly))
             return state.SkipWithError("no file");
     }
     compare(
-        state, makeView, [&] { view->applyResolution(songs, view->queue().rows().first(), 0); },
+        state, makeController,
         [&] {
-            for (const QString& path : regularFiles(view->eventFolder())) {
+            controller->resolution().applyResolution(songs, controller->queue().rows().first(), 0);
+        },
+        [&] {
+            for (const QString& path : regularFiles(controller->eventFolder())) {
                 benchmark::DoNotOptimize(modificationDate(path));
                 benchmark::DoNotOptimize(normalizedDownloadKey(nameWithoutExtension(path)));
             }
             for (const PlaylistEntry& entry : songs.entries)
                 benchmark::DoNotOptimize(normalizedDownloadKey(entry.title));
         });
-    if (view->queue().countWithStatus(QueueStatus::complete) != state.range(0))
+    if (controller->queue().countWithStatus(QueueStatus::complete) != state.range(0))
         state.SkipWithError("not every song was found");
 }
 
 /// Select all, a range over all, and the deletion of all; bare: a set of all rows' ids.
 void selection(benchmark::State& state) {
     const QStringList links = linkNumbers(state.range(0));
-    std::unique_ptr<ContentView> view;
+    std::unique_ptr<Controller> controller;
     compare(
         state,
         [&] {
-            view = std::make_unique<ContentView>(*theSupervisor, ContentViewSetup());
-            view->addLinksToQueue(links);
+            controller = std::make_unique<Controller>(*theSupervisor, ControllerSetup());
+            controller->addLinksToQueue(links);
         },
         [&] {
-            view->selectAllQueueItemsFromUserAction();
-            view->updateQueueSelection(view->queue().rows().first().id, KeyModifier::shift);
-            view->selectAllQueueItemsFromUserAction();
-            view->deleteSelectedQueueItemsFromUserAction();
+            controller->editor().selectAllQueueItemsFromUserAction();
+            controller->editor().updateQueueSelection(controller->queue().rows().first().id,
+                                                      KeyModifier::shift);
+            controller->editor().selectAllQueueItemsFromUserAction();
+            controller->editor().deleteSelectedQueueItemsFromUserAction();
         },
         [&] {
             QSet<QUuid> ids;
-            for (const DownloadItem& row : view->queue().rows())
+            for (const DownloadItem& row : controller->queue().rows())
                 ids.insert(row.id);
             benchmark::DoNotOptimize(ids);
         });
-    if (view->queue().size() != 0)
+    if (controller->queue().size() != 0)
         state.SkipWithError("rows are left");
 }
 
 /// Every other row is deleted, in one go.
 void deletion(benchmark::State& state) {
     const QStringList links = linkNumbers(state.range(0));
-    std::unique_ptr<ContentView> view;
+    std::unique_ptr<Controller> controller;
     QSet<QUuid> ids;
     measure(
         state,
         [&] {
-            view = std::make_unique<ContentView>(*theSupervisor, ContentViewSetup());
-            view->addLinksToQueue(links);
+            controller = std::make_unique<Controller>(*theSupervisor, ControllerSetup());
+            controller->addLinksToQueue(links);
             ids.clear();
-            for (qsizetype i = 0; i < view->queue().size(); i += 2)
-                ids.insert(view->queue().rows().at(i).id);
+            for (qsizetype i = 0; i < controller->queue().size(); i += 2)
+                ids.insert(controller->queue().rows().at(i).id);
         },
-        [&] { view->deleteQueueItems(ids); }, static_cast<double>(state.range(0)));
-    if (view->queue().size() != state.range(0) / 2)
+        [&] { controller->editor().deleteQueueItems(ids); }, static_cast<double>(state.range(0)));
+    if (controller->queue().size() != state.range(0) / 2)
         state.SkipWithError("other rows are left than should be");
 }
 

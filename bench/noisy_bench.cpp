@@ -4,7 +4,7 @@
 // the log's size, how much the memory grew, and the longest time for which the main thread let its
 // event loop wait, by the clock and in its own CPU time.
 
-#include "app/content_view.h"
+#include "app/controller.h"
 #include "measure.h"
 #include "tools/shell_quote.h"
 
@@ -72,34 +72,35 @@ QString installNoisyDownloader(const QString& folder, const QString& file) {
 
 void measureRow(ProcessSupervisor& supervisor, const QString& file) {
     const QTemporaryDir scratch;
-    ContentViewSetup setup;
+    ControllerSetup setup;
     setup.toolPlaces.home = scratch.path();
     setup.toolPlaces.appSupport = installNoisyDownloader(scratch.path(), file);
     setup.desktopFolder = scratch.path();
-    ContentView view(supervisor, setup);
-    view.setDownloadMode(DownloadMode::video);
-    view.addLinksToQueue({QStringLiteral("https://site.example/song")});
+    Controller controller(supervisor, setup);
+    controller.setDownloadMode(DownloadMode::video);
+    controller.addLinksToQueue({QStringLiteral("https://site.example/song")});
 
     const auto peakMemory = [] { return bytesIn(QStringLiteral("/proc/self/status"), "VmHWM"); };
     const double memory = peakMemory();
     const double start = now(CLOCK_MONOTONIC);
     double end = 0;
     const Heartbeat heartbeat;
-    QObject::connect(&view, &ContentView::runLogAppended, &view,
+    QObject::connect(&controller.runs(), &DownloadRuns::runLogAppended, &controller,
                      [&] { end = now(CLOCK_MONOTONIC); });
-    QObject::connect(&view, &ContentView::activeDownloadRunsChanged, &view, [&] {
-        if (view.activeDownloadRuns() == 0)
+    QObject::connect(&controller, &Controller::activeDownloadRunsChanged, &controller, [&] {
+        if (controller.runs().activeDownloadRuns() == 0)
             QCoreApplication::quit();
     });
-    view.startDownloads();
+    controller.startDownloads();
     QCoreApplication::exec();
-    const auto logBytes = static_cast<double>(view.runLog().size() * qsizetype{sizeof(QChar)});
+    const auto logBytes =
+        static_cast<double>(controller.runs().runLog().text().size() * qsizetype{sizeof(QChar)});
     report({{QStringLiteral("seconds"), end - start},
             {QStringLiteral("logBytes"), logBytes},
             {QStringLiteral("grownBytes"), peakMemory() - memory},
             {QStringLiteral("longestWait"), heartbeat.longestWall()},
             {QStringLiteral("longestTurn"), heartbeat.longestCpu()},
-            {QStringLiteral("status"), rawValue(view.queue().rows().first().status)}});
+            {QStringLiteral("status"), rawValue(controller.queue().rows().first().status)}});
 }
 
 }  // namespace

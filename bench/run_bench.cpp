@@ -6,7 +6,7 @@
 // side, with the same pauses; links are read one after the other at the same pace. Prints one JSON
 // object: the seconds by the clock, and the CPU seconds of this process and its children.
 
-#include "app/content_view.h"
+#include "app/controller.h"
 #include "measure.h"
 #include "resolve/media_probe_output.h"
 #include "tools/shell_quote.h"
@@ -48,44 +48,44 @@ double cpuSeconds() {
 class Engine {
 public:
     Engine(ProcessSupervisor& supervisor, const QString& folder, const QList<PlaylistEntry>& songs)
-        : m_view(supervisor, ContentViewSetup::ofThisMachine()) {
-        m_view.setOutputFolder(folder);
-        m_view.setEventName(QStringLiteral("Bench"));
-        m_view.addLinksToQueue({QStringLiteral("https://site.example/list")});
-        m_view.applyResolution({songs}, m_view.queue().rows().first(), 0);
+        : m_controller(supervisor, ControllerSetup::ofThisMachine()) {
+        m_controller.setOutputFolder(folder);
+        m_controller.setEventName(QStringLiteral("Bench"));
+        m_controller.addLinksToQueue({QStringLiteral("https://site.example/list")});
+        m_controller.resolution().applyResolution({songs}, m_controller.queue().rows().first(), 0);
     }
 
-    ContentView& view() { return m_view; }
-    const QList<DownloadItem>& rows() { return m_view.queue().rows(); }
+    Controller& controller() { return m_controller; }
+    const QList<DownloadItem>& rows() { return m_controller.queue().rows(); }
 
     void download() {
         QEventLoop loop;
-        QObject::connect(&m_view, &ContentView::activeDownloadRunsChanged, &loop, [&] {
-            if (m_view.activeDownloadRuns() == 0)
+        QObject::connect(&m_controller, &Controller::activeDownloadRunsChanged, &loop, [&] {
+            if (m_controller.runs().activeDownloadRuns() == 0)
                 loop.quit();
         });
-        m_view.startDownloads();
+        m_controller.startDownloads();
         loop.exec();
         const bool allComplete = std::all_of(rows().begin(), rows().end(), [](const auto& row) {
             return row.status == QueueStatus::complete;
         });
         if (!allComplete)
-            fail(m_view.runLog());
+            fail(m_controller.runs().runLog().text());
     }
 
     void read() {
         QEventLoop loop;
         qsizetype ended = 0;
-        QObject::connect(&m_view.queue(), &QueueStore::rowReplaced, &loop, [&] {
+        QObject::connect(&m_controller.queue(), &QueueStore::rowReplaced, &loop, [&] {
             if (++ended == rows().size())
                 loop.quit();
         });
-        m_view.resolveInfo(rows());
+        m_controller.resolution().resolveInfo(rows());
         loop.exec();
     }
 
 private:
-    ContentView m_view;
+    Controller m_controller;
 };
 
 void run(const QString& program, const QStringList& arguments, const QByteArray& input = {}) {
@@ -116,13 +116,15 @@ QString filterTrim(const QString& ffmpeg, const QString& input, const QString& o
 
 /// Everything that is done for one song, as one line.
 QString songScript(Engine& engine, const DownloadItem& row, const QString& id) {
-    const QString folder = engine.view().eventFolder();
+    const QString folder = engine.controller().eventFolder();
     const QString file = QStringLiteral("%1/%2 [%3].mp3").arg(folder, row.title, id);
     const QString temporary = QStringLiteral("%1/.trim-%2.mp3").arg(folder, id);
-    const QString ffmpeg = engine.view().discovery().resolvedTool(QStringLiteral("ffmpeg"))->path;
+    const QString ffmpeg =
+        engine.controller().discovery().resolvedTool(QStringLiteral("ffmpeg"))->path;
     const DownloadTiming timing;
     return QStringList{
-        loginShell(downloadCommandFor(row, folder, DownloadMode::audio, engine.view().discovery())),
+        loginShell(
+            downloadCommandFor(row, folder, DownloadMode::audio, engine.controller().discovery())),
         QStringLiteral("sleep %1").arg(timing.examining.count()),
         loginShell(filterTrim(ffmpeg, file, temporary)),
         QStringLiteral("mv -f %1 %2").arg(shellQuoted(temporary), shellQuoted(file)),
@@ -135,14 +137,15 @@ void downloadBare(const QByteArray& scripts, const QString& folder) {
     QDir().mkpath(folder);
     run(QStringLiteral("xargs"),
         {QStringLiteral("-0"), QStringLiteral("-n1"),
-         QStringLiteral("-P%1").arg(ContentView::maxParallelDownloads), QStringLiteral("sh"),
+         QStringLiteral("-P%1").arg(Controller::maxParallelDownloads), QStringLiteral("sh"),
          QStringLiteral("-c")},
         scripts);
 }
 
 void readBare(Engine& engine) {
-    const ProbeTool tool{engine.view().discovery().resolvedTool(QStringLiteral("yt-dlp"))->path,
-                         engine.view().discovery().toolSearchPath()};
+    const ProbeTool tool{
+        engine.controller().discovery().resolvedTool(QStringLiteral("yt-dlp"))->path,
+        engine.controller().discovery().toolSearchPath()};
     for (const DownloadItem& row : engine.rows()) {
         const auto next = Clock::now() + ResolutionTiming().minimumPerLink;
         run(QStringLiteral("/bin/bash"), {QStringLiteral("-lc"), mediaInfoCommand(tool, row.url)});
@@ -190,7 +193,7 @@ int main(int argc, char** argv) {
     const double cpu = cpuSeconds();
     const auto start = Clock::now();
     if (downloads && isBare)
-        downloadBare(scripts, engine.view().eventFolder());
+        downloadBare(scripts, engine.controller().eventFolder());
     else if (downloads)
         engine.download();
     else if (isBare)

@@ -177,8 +177,8 @@ void reportStart(QQuickWindow& window) {
 }
 
 /// The program's setup in a folder that has all tools, so that none is searched for.
-ContentViewSetup setupIn(const QString& folder) {
-    ContentViewSetup setup;
+ControllerSetup setupIn(const QString& folder) {
+    ControllerSetup setup;
     setup.toolPlaces.home = folder;
     setup.toolPlaces.appSupport = folder + "/share"_L1;
     setup.desktopFolder = folder + "/Desktop"_L1;
@@ -212,12 +212,12 @@ public:
             fail("There is no window."_L1);
         m_frames = std::make_unique<Frames>(*m_app.window());
         m_frames->settle();
-        runEventLoopUntil([this] { return view().coreToolsReady(); });
+        runEventLoopUntil([this] { return controller().tools().coreToolsReady(); });
         settleAgain();
     }
 
-    ContentView& view() { return m_app.view(); }
-    const QList<DownloadItem>& rows() { return view().queue().rows(); }
+    Controller& controller() { return m_app.controller(); }
+    const QList<DownloadItem>& rows() { return controller().queue().rows(); }
     QQuickWindow& window() { return *m_app.window(); }
     const Frames& frames() const { return *m_frames; }
     QueueListModel& model() { return *m_app.state().rows(); }
@@ -242,7 +242,7 @@ public:
 
     /// One row for a playlist that has not been read yet, and what reading it will give.
     QueueResolution addUnreadPlaylist(int count, const QString& kind) {
-        view().addLinksToQueue({"https://site.example/list"_L1});
+        controller().addLinksToQueue({"https://site.example/list"_L1});
         QueueResolution songs;
         for (int i = 0; i < count; ++i) {
             songs.entries.append({QStringLiteral("https://site.example/%1/%2").arg(kind).arg(i),
@@ -256,14 +256,14 @@ public:
 
     void fillQueue(int count, const QString& kind = "hold"_L1) {
         const QueueResolution songs = addUnreadPlaylist(count, kind);
-        view().applyResolution(songs, rows().first(), 0);
+        controller().resolution().applyResolution(songs, rows().first(), 0);
         m_frames->settle();
         if (rows().size() != count)
             fail("The queue has other rows than it should."_L1);
     }
 
     void emptyQueue() {
-        view().clearQueue();
+        controller().clearQueue();
         m_frames->settle();
     }
 
@@ -277,7 +277,7 @@ public:
         QList<QUuid> ids;
         for (int i = 0; i < count; ++i)
             ids.append(rows().at(i).id);
-        view().startDownloadRun(ids);
+        controller().startDownloadRun(ids);
         // The stand-in has started when its first percentage is here.
         runEventLoopUntil([this, count] {
             return std::all_of(rows().begin(), rows().begin() + count,
@@ -324,9 +324,9 @@ QJsonArray measureTicks(ShownWindow& shown, Notices& notices) {
         const double target = ++percent / 100.0;
         QJsonArray cost = shown.costOf([&] {
             QEventLoop change;
-            QObject::connect(&shown.view().queue(), &QueueStore::rowChanged, &change,
+            QObject::connect(&shown.controller().queue(), &QueueStore::rowChanged, &change,
                              &QEventLoop::quit);
-            shown.view().crawlQueueProgress(id, target, shortest);
+            shown.controller().runs().crawls().crawlQueueProgress(id, target, shortest);
             change.exec();
         });
         if (shown.rows().first().progress != target)
@@ -359,7 +359,7 @@ QJsonArray measureScrolling(ShownWindow& shown, int count) {
 void measureQueue(ProcessSupervisor& supervisor, const QString& folder, int count) {
     ShownWindow shown(supervisor, folder);
     shown.stopMotion();
-    ContentView& view = shown.view();
+    Controller& controller = shown.controller();
     QJsonObject costs;
 
     costs["frame"_L1] =
@@ -369,7 +369,7 @@ void measureQueue(ProcessSupervisor& supervisor, const QString& folder, int coun
     for (int i = 0; i < count; ++i)
         links.append(QStringLiteral("https://site.example/song/%1").arg(i));
     const auto add = [&] {
-        QJsonArray cost = shown.costOf([&] { view.addLinksToQueue(links); });
+        QJsonArray cost = shown.costOf([&] { controller.addLinksToQueue(links); });
         shown.emptyQueue();
         return cost;
     };
@@ -379,8 +379,8 @@ void measureQueue(ProcessSupervisor& supervisor, const QString& folder, int coun
     costs["read"_L1] = repeated(additions, [&] {
         const QueueResolution songs = shown.addUnreadPlaylist(count, "song"_L1);
         shown.frames().settle();
-        QJsonArray cost =
-            shown.costOf([&] { view.applyResolution(songs, shown.rows().first(), 0); });
+        QJsonArray cost = shown.costOf(
+            [&] { controller.resolution().applyResolution(songs, shown.rows().first(), 0); });
         shown.emptyQueue();
         return cost;
     });
@@ -389,7 +389,7 @@ void measureQueue(ProcessSupervisor& supervisor, const QString& folder, int coun
         QSet<QUuid> everySecond;
         for (int i = 0; i < count; i += 2)
             everySecond.insert(shown.rows().at(i).id);
-        QJsonArray cost = shown.costOf([&] { view.deleteQueueItems(everySecond); });
+        QJsonArray cost = shown.costOf([&] { controller.editor().deleteQueueItems(everySecond); });
         if (shown.rows().size() != count / 2)
             fail("The queue has other rows than it should."_L1);
         shown.emptyQueue();
@@ -398,8 +398,9 @@ void measureQueue(ProcessSupervisor& supervisor, const QString& folder, int coun
 
     shown.fillQueue(count);
     costs["select"_L1] = repeated(selections, [&] {
-        QJsonArray cost = shown.costOf([&] { view.selectAllQueueItemsFromUserAction(); });
-        view.clearQueueSelectionFromUserAction();
+        QJsonArray cost =
+            shown.costOf([&] { controller.editor().selectAllQueueItemsFromUserAction(); });
+        controller.editor().clearQueueSelectionFromUserAction();
         shown.frames().settle();
         return cost;
     });
@@ -422,7 +423,7 @@ void measureIdle(ProcessSupervisor& supervisor, const QString& folder, int runni
     if (running > 0)
         shown.startRows(running);
     int changes = 0;
-    QObject::connect(&shown.view().queue(), &QueueStore::rowChanged, &shown.window(),
+    QObject::connect(&shown.controller().queue(), &QueueStore::rowChanged, &shown.window(),
                      [&changes] { ++changes; });
     runEventLoopFor(idleSettling);
     const int formerFrames = shown.frames().count();

@@ -1,4 +1,4 @@
-#include "app/content_view.h"
+#include "app/controller.h"
 #include "console/arguments.h"
 #include "console/check_run.h"
 #include "console/headless_run.h"
@@ -65,20 +65,20 @@ QStringList commandLine(int argc, char** argv) {
 
 void printVersions(ProcessSupervisor& supervisor) {
     print(stdout, QStringLiteral("Reelcrate %1 (%2)\n")
-                      .arg(ContentView::appVersion)
-                      .arg(ContentView::appBuild));
+                      .arg(Controller::appVersion)
+                      .arg(Controller::appBuild));
     ShellRunner shell(supervisor);
     const ToolDiscovery discovery(shell, ToolPlaces::ofThisMachine());
     print(stdout, toolVersionLines(discovery, shell).join(u'\n') + u'\n');
 }
 
 int runWithoutWindow(ProcessSupervisor& supervisor, const Arguments& arguments) {
-    ContentView view(supervisor, ContentViewSetup::ofThisMachine());
+    Controller controller(supervisor, ControllerSetup::ofThisMachine());
     if (arguments.action == Arguments::Action::checkUpdate)
-        return runUpdateCheck(view);
+        return runUpdateCheck(controller);
     if (arguments.action == Arguments::Action::setUp)
-        return runSetup(view);
-    return runHeadless(view, arguments);
+        return runSetup(controller);
+    return runHeadless(controller, arguments);
 }
 
 #ifdef REELCRATE_WINDOW
@@ -105,9 +105,9 @@ std::unique_ptr<QCoreApplication> makeWindowApplication(int& argc, char** argv) 
 }
 
 int runWithWindow(ProcessSupervisor& supervisor, const Arguments& arguments) {
-    ReelcrateApp app(supervisor, ContentViewSetup::ofThisMachine(),
+    ReelcrateApp app(supervisor, ControllerSetup::ofThisMachine(),
                      {arguments.texts, arguments.lists, arguments.startsDownloads});
-    applySettings(arguments, app.view());
+    applySettings(arguments, app.controller());
     TerminationSignals signals;
     QObject::connect(&signals, &TerminationSignals::received, &app, [&app](int signalNumber) {
         constexpr int endedBySignal = 128;
@@ -141,7 +141,7 @@ int main(int argc, char** argv) {
     // Before all else: it forks, and a process with threads must not.
     ProcessSupervisor supervisor;
     QCoreApplication::setApplicationName(QStringLiteral("reelcrate"));
-    QCoreApplication::setApplicationVersion(ContentView::appVersion);
+    QCoreApplication::setApplicationVersion(Controller::appVersion);
 
     const Arguments arguments = parseArguments(commandLine(argc, argv));
     const bool showsWindow = arguments.usageError.isEmpty() && arguments.needsWindow();

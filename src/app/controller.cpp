@@ -1,4 +1,4 @@
-#include "app/content_view.h"
+#include "app/controller.h"
 
 #include "base/text.h"
 #include "library/file_names.h"
@@ -27,10 +27,10 @@ bool needsReading(const DownloadItem& row) {
 
 }  // namespace
 
-const QString ContentView::appVersion = QStringLiteral("4.8");
+const QString Controller::appVersion = QStringLiteral("4.8");
 
-ContentViewSetup ContentViewSetup::ofThisMachine() {
-    ContentViewSetup setup;
+ControllerSetup ControllerSetup::ofThisMachine() {
+    ControllerSetup setup;
     setup.toolPlaces = ToolPlaces::ofThisMachine();
     setup.desktopFolder = QStandardPaths::writableLocation(QStandardPaths::DesktopLocation);
     const QString mirror = qEnvironmentVariable("REELCRATE_TOOL_MIRROR");
@@ -39,7 +39,7 @@ ContentViewSetup ContentViewSetup::ofThisMachine() {
     return setup;
 }
 
-ContentView::ContentView(ProcessSupervisor& supervisor, ContentViewSetup setup)
+Controller::Controller(ProcessSupervisor& supervisor, ControllerSetup setup)
     : m_setup(std::move(setup)),
       m_shell(supervisor),
       m_discovery(m_shell, m_setup.toolPlaces),
@@ -49,50 +49,41 @@ ContentView::ContentView(ProcessSupervisor& supervisor, ContentViewSetup setup)
       m_resolution(
           m_queue, m_shell, m_discovery, m_library, [this] { return runTarget().event; },
           m_background, m_mainQueue, m_setup.resolutionTiming),
-      m_downloads(m_queue, m_shell, m_discovery, m_library, m_background, m_mainQueue,
-                  m_setup.downloadTiming, [this] { return m_readiness.foundYtDlp(); }),
+      m_runs(m_queue, m_shell, m_discovery, m_library, m_background, m_mainQueue,
+             m_setup.downloadTiming, [this] { return m_readiness.foundYtDlp(); }),
       m_editor(
-          m_queue, [this] { return activeDownloadRuns() > 0; }, m_setup.textEditing,
+          m_queue, [this] { return m_runs.activeDownloadRuns() > 0; }, m_setup.textEditing,
           [this](const QSet<QUuid>& ids) { return stopQueueItems(ids); }),
       m_update(appVersion, appBuild, m_setup.updateScan) {
-    connect(&m_readiness, &ToolReadiness::toolsChanged, this, &ContentView::toolsChanged);
+    connect(&m_readiness, &ToolReadiness::toolsChanged, this, &Controller::toolsChanged);
     connect(&m_installer, &ToolInstaller::isInstallingToolsChanged, this,
-            &ContentView::toolsChanged);
-    connect(&m_installer, &ToolInstaller::progressChanged, this,
-            &ContentView::setupProgressChanged);
-    connect(&m_readiness, &ToolReadiness::toolLogCleared, this, &ContentView::toolLogCleared);
-    connect(&m_readiness, &ToolReadiness::toolLogAppended, this, &ContentView::toolLogAppended);
-    connect(&m_readiness, &ToolReadiness::summaryChanged, this, &ContentView::setActiveSummary);
-    connect(&m_resolution, &ResolutionDriver::summaryChanged, this, &ContentView::setActiveSummary);
-    connect(&m_resolution, &ResolutionDriver::logged, this, &ContentView::appendRunLog);
+            &Controller::toolsChanged);
+    connect(&m_readiness, &ToolReadiness::summaryChanged, this, &Controller::setActiveSummary);
+    connect(&m_resolution, &ResolutionDriver::summaryChanged, this, &Controller::setActiveSummary);
+    connect(&m_resolution, &ResolutionDriver::logged, &m_runs, &DownloadRuns::appendRunLog);
     connect(&m_resolution, &ResolutionDriver::noted, this, [this](const QString& note) {
-        m_downloads.appendNote(note);
+        m_runs.appendNote(note);
         m_readingNotes.append(note);
         m_readingNotes.removeDuplicates();
     });
-    connect(&m_queue, &QueueStore::rowsRemoved, this, &ContentView::forgetNotesOfEmptyQueue);
-    connect(&m_resolution, &ResolutionDriver::rowRead, this, &ContentView::startWhatWasRead);
-    connect(&m_downloads, &DownloadRuns::slotFreed, this, &ContentView::startWaitingRows);
-    connect(&m_downloads, &DownloadRuns::summaryChanged, this, &ContentView::setActiveSummary);
-    connect(&m_update, &UpdateScan::summaryChanged, this, &ContentView::setActiveSummary);
-    connect(&m_update, &UpdateScan::updateChanged, this, &ContentView::updateChanged);
-    connect(&m_update, &UpdateScan::finished, this, &ContentView::updateScanFinished);
-    connect(&m_editor, &QueueEditor::summaryChanged, this, &ContentView::setActiveSummary);
-    connect(&m_editor, &QueueEditor::selectionChanged, this, &ContentView::selectionChanged);
-    connect(&m_downloads, &DownloadRuns::activeDownloadRunsChanged, this, [this] {
-        if (activeDownloadRuns() == 0)
-            m_downloads.appendRunLog(accountText(eventAccount()));
+    connect(&m_queue, &QueueStore::rowsRemoved, this, &Controller::forgetNotesOfEmptyQueue);
+    connect(&m_resolution, &ResolutionDriver::rowRead, this, &Controller::startWhatWasRead);
+    connect(&m_runs, &DownloadRuns::slotFreed, this, &Controller::startWaitingRows);
+    connect(&m_runs, &DownloadRuns::summaryChanged, this, &Controller::setActiveSummary);
+    connect(&m_update, &UpdateScan::summaryChanged, this, &Controller::setActiveSummary);
+    connect(&m_editor, &QueueEditor::summaryChanged, this, &Controller::setActiveSummary);
+    connect(&m_runs, &DownloadRuns::activeDownloadRunsChanged, this, [this] {
+        if (m_runs.activeDownloadRuns() == 0)
+            m_runs.appendRunLog(accountText(eventAccount()));
         Q_EMIT activeDownloadRunsChanged();
     });
-    connect(&m_downloads, &DownloadRuns::runLogCleared, this, &ContentView::runLogCleared);
-    connect(&m_downloads, &DownloadRuns::runLogAppended, this, &ContentView::runLogAppended);
 }
 
-ContentView::~ContentView() {
+Controller::~Controller() {
     shutDown();
 }
 
-void ContentView::shutDown() {
+void Controller::shutDown() {
     // The stop request first: a task whose child is killed must know that this is no failure.
     m_background.requestStop();
     m_shell.endEverything();
@@ -100,103 +91,103 @@ void ContentView::shutDown() {
     m_mainQueue.close();
 }
 
-void ContentView::setEventName(const QString& name) {
+void Controller::setEventName(const QString& name) {
     m_eventName = name;
     Q_EMIT eventNameChanged();
 }
 
-void ContentView::setPastedLinks(const QString& text) {
+void Controller::setPastedLinks(const QString& text) {
     m_pastedLinks = text;
     Q_EMIT pastedLinksChanged();
 }
 
-void ContentView::setDownloadMode(DownloadMode mode) {
+void Controller::setDownloadMode(DownloadMode mode) {
     m_downloadMode = mode;
     Q_EMIT downloadModeChanged();
 }
 
-void ContentView::setTagsLoudness(bool tags) {
+void Controller::setTagsLoudness(bool tags) {
     m_tagsLoudness = tags;
     setActiveSummary(tags ? QStringLiteral("Songs to come get tags with their loudness")
                           : QStringLiteral("Songs to come get no tags with their loudness"));
 }
 
-void ContentView::setOutputFolder(const QString& folder) {
+void Controller::setOutputFolder(const QString& folder) {
     m_outputFolder = folder;
     Q_EMIT outputFolderChanged();
 }
 
-void ContentView::setActiveSummary(const QString& text) {
+void Controller::setActiveSummary(const QString& text) {
     m_activeSummary = text;
     Q_EMIT activeSummaryChanged();
 }
 
-qsizetype ContentView::activeQueueDownloadCount() const {
+qsizetype Controller::activeQueueDownloadCount() const {
     return m_queue.countWithStatus(QueueStatus::running);
 }
 
-qsizetype ContentView::selectedVisibleQueueItemCount() const {
+qsizetype Controller::selectedVisibleQueueItemCount() const {
     const QSet<QUuid>& ids = m_editor.selection().ids;
     return std::count_if(ids.begin(), ids.end(),
                          [this](const QUuid& id) { return m_queue.find(id) != nullptr; });
 }
 
-bool ContentView::canAdd() const {
-    return activeDownloadRuns() == 0 && coreToolsReady();
+bool Controller::canAdd() const {
+    return m_runs.activeDownloadRuns() == 0 && m_readiness.coreToolsReady();
 }
 
-bool ContentView::canDelete() const {
-    return activeDownloadRuns() == 0;
+bool Controller::canDelete() const {
+    return m_runs.activeDownloadRuns() == 0;
 }
 
-bool ContentView::canDownload() const {
-    return coreToolsReady() && activeQueueDownloadCount() < maxParallelDownloads;
+bool Controller::canDownload() const {
+    return m_readiness.coreToolsReady() && activeQueueDownloadCount() < maxParallelDownloads;
 }
 
-bool ContentView::canDownloadAll() const {
+bool Controller::canDownloadAll() const {
     const QList<DownloadItem>& rows = m_queue.rows();
     return canDownload() && std::any_of(rows.begin(), rows.end(), isDownloadable);
 }
 
-bool ContentView::isStoppable(const DownloadItem& row) const {
+bool Controller::isStoppable(const DownloadItem& row) const {
     return isUnderWay(row) || row.isResolvingInfo || m_waitingRows.contains(row.id);
 }
 
-bool ContentView::canStop(const QSet<QUuid>& ids) const {
+bool Controller::canStop(const QSet<QUuid>& ids) const {
     return std::any_of(ids.begin(), ids.end(), [this](const QUuid& id) {
         const DownloadItem* row = m_queue.find(id);
         return row != nullptr && isStoppable(*row);
     });
 }
 
-bool ContentView::canStopAll() const {
+bool Controller::canStopAll() const {
     const QList<DownloadItem>& rows = m_queue.rows();
     return std::any_of(rows.begin(), rows.end(),
                        [this](const DownloadItem& row) { return isStoppable(row); });
 }
 
-QString ContentView::defaultEventName() {
+QString Controller::defaultEventName() {
     return QDate::currentDate().toString(QStringLiteral("M-d-yy")) + QStringLiteral(" Playlist");
 }
 
-QString ContentView::defaultOutputFolder() const {
+QString Controller::defaultOutputFolder() const {
     const QString desktop = m_setup.desktopFolder.isEmpty()
                                 ? m_setup.toolPlaces.home + QStringLiteral("/Desktop")
                                 : m_setup.desktopFolder;
     return QDir(desktop).filePath(QStringLiteral("Reelcrate Downloads"));
 }
 
-QString ContentView::eventFolder() const {
+QString Controller::eventFolder() const {
     return eventFolderPath(m_outputFolder, m_eventName, defaultEventName());
 }
 
 // Link intake
 
-QString ContentView::clipboardText() const {
+QString Controller::clipboardText() const {
     return m_setup.clipboardText ? m_setup.clipboardText() : QString();
 }
 
-void ContentView::addSongsFromFieldOrClipboard() {
+void Controller::addSongsFromFieldOrClipboard() {
     const QString field = m_pastedLinks.trimmed();
     const QStringList links = extractLinks(field.isEmpty() ? clipboardText() : field);
     if (!links.isEmpty())
@@ -204,20 +195,20 @@ void ContentView::addSongsFromFieldOrClipboard() {
     addSongsBehind(links);
 }
 
-void ContentView::addSongs(const QString& text) {
+void Controller::addSongs(const QString& text) {
     addSongsBehind(extractLinks(text));
 }
 
-void ContentView::addSongsFromClipboard() {
+void Controller::addSongsFromClipboard() {
     addSongs(clipboardText());
 }
 
-void ContentView::noteList(const QString& text) {
-    m_downloads.appendNote(text);
+void Controller::noteList(const QString& text) {
+    m_runs.appendNote(text);
     Q_EMIT songListNoted(text);
 }
 
-bool ContentView::addSongList(const ListText& list, const QString& name) {
+bool Controller::addSongList(const ListText& list, const QString& name) {
     if (!list.failure.isEmpty()) {
         const QString word = name + u' ' + list.failure;
         noteList(word);
@@ -235,22 +226,22 @@ bool ContentView::addSongList(const ListText& list, const QString& name) {
     return !intake.isRefused;
 }
 
-bool ContentView::addSongListFile(const QString& path) {
+bool Controller::addSongListFile(const QString& path) {
     return addSongList(textOfListFile(path), QFileInfo(path).fileName());
 }
 
-void ContentView::addSongListFromClipboard() {
+void Controller::addSongListFromClipboard() {
     addSongList(textOfList(clipboardText()), QStringLiteral("The clipboard"));
 }
 
-void ContentView::addSongsBehind(const QStringList& links) {
+void Controller::addSongsBehind(const QStringList& links) {
     if (links.isEmpty())
         setActiveSummary(QStringLiteral("Copy a share link, then click Add Songs"));
     else
-        resolveInfo(addLinksToQueue(links));
+        m_resolution.resolveInfo(addLinksToQueue(links));
 }
 
-QList<DownloadItem> ContentView::addLinksToQueue(const QStringList& links) {
+QList<DownloadItem> Controller::addLinksToQueue(const QStringList& links) {
     if (links.isEmpty())
         return {};
     QList<DownloadItem> rows = newRowsForLinks(links, m_queue);
@@ -264,114 +255,35 @@ QList<DownloadItem> ContentView::addLinksToQueue(const QStringList& links) {
     return rows;
 }
 
-// Selection and deletion
-
-void ContentView::updateQueueSelection(const QUuid& id, KeyModifiers modifiers) {
-    m_editor.updateQueueSelection(id, modifiers);
-}
-
-bool ContentView::moveQueueSelection(int direction, bool extending) {
-    return m_editor.moveQueueSelection(direction, extending);
-}
-
-bool ContentView::selectAllQueueItemsFromUserAction() {
-    return m_editor.selectAllQueueItemsFromUserAction();
-}
-
-bool ContentView::clearQueueSelectionFromUserAction() {
-    return m_editor.clearQueueSelectionFromUserAction();
-}
-
-bool ContentView::deleteQueueItems(const QSet<QUuid>& ids) {
-    return m_editor.deleteQueueItems(ids);
-}
-
-bool ContentView::deleteSelectedQueueItemsFromUserAction() {
-    return m_editor.deleteSelectedQueueItemsFromUserAction();
-}
-
-void ContentView::clearQueue() {
+void Controller::clearQueue() {
     m_editor.clearQueue();
     m_startWhenRead.clear();
     m_waitingRows.clear();
-    m_downloads.clearRunLog();
-}
-
-void ContentView::clickQueueArea() {
-    m_editor.clickQueueArea();
-}
-
-bool ContentView::handleKeyDown(const KeyEvent& event) {
-    return m_editor.handleKeyDown(event);
-}
-
-// Commands and tools
-
-void ContentView::checkTools() {
-    m_readiness.checkTools();
-}
-
-QList<ToolState> ContentView::missingInstallableTools() const {
-    return m_readiness.missingInstallableTools();
-}
-
-bool ContentView::coreToolsReady() const {
-    return m_readiness.coreToolsReady();
-}
-
-QString ContentView::setupDetailText() const {
-    return m_readiness.setupDetailText();
-}
-
-void ContentView::installMissingTools() {
-    m_installer.installMissingTools();
-}
-
-void ContentView::performSetup() {
-    m_installer.performSetup();
-}
-
-// Reading links
-
-void ContentView::resolveInfo(const QList<DownloadItem>& items) {
-    m_resolution.resolveInfo(items);
-}
-
-void ContentView::applyResolution(const QueueResolution& resolution, const DownloadItem& item,
-                                  qsizetype index) {
-    m_resolution.applyResolution(resolution, {}, item, index);
-}
-
-bool ContentView::shouldRetryInfoForFailedItem(const DownloadItem& item) {
-    return ResolutionDriver::shouldRetryInfoForFailedItem(item);
-}
-
-void ContentView::retryResolveInfo(const DownloadItem& item) {
-    m_resolution.retryResolveInfo(item);
+    m_runs.clearRunLog();
 }
 
 // Downloading
 
-RunTarget ContentView::runTarget() const {
+RunTarget Controller::runTarget() const {
     return {{eventFolder(), m_downloadMode},
             m_outputFolder,
             m_tagsLoudness ? MeasureLoudness::yes : MeasureLoudness::no};
 }
 
-bool ContentView::isDownloadable(const DownloadItem& row) {
+bool Controller::isDownloadable(const DownloadItem& row) {
     return isStartable(row) || needsReading(row);
 }
 
-void ContentView::startDownloads() {
+void Controller::startDownloads() {
     QList<QUuid> itemIDs;
     for (const DownloadItem& row : m_queue.rows())
         itemIDs.append(row.id);
     startDownloadRun(itemIDs);
 }
 
-void ContentView::startDownloadRun(const QList<QUuid>& itemIDs) {
-    if (!toolStates().isEmpty() && !coreToolsReady()) {
-        setActiveSummary(setupDetailText());
+void Controller::startDownloadRun(const QList<QUuid>& itemIDs) {
+    if (!m_readiness.toolStates().isEmpty() && !m_readiness.coreToolsReady()) {
+        setActiveSummary(m_readiness.setupDetailText());
         return;
     }
     readWhatNeedsReading(itemIDs);
@@ -382,13 +294,13 @@ void ContentView::startDownloadRun(const QList<QUuid>& itemIDs) {
         return row != nullptr && isStartable(*row);
     });
     if (hasStartable || known.size() == itemIDs.size())
-        m_downloads.startDownloadRun(known, runTarget());
+        m_runs.startDownloadRun(known, runTarget());
 }
 
 /// Of a Spotify link that was not listed nothing can be searched for, and what a link stands for
 /// whose reading was stopped is not known: it is read again, and what it turns out to be is
 /// downloaded then.
-void ContentView::readWhatNeedsReading(const QList<QUuid>& itemIDs) {
+void Controller::readWhatNeedsReading(const QList<QUuid>& itemIDs) {
     QList<DownloadItem> unread;
     for (const QUuid& id : itemIDs) {
         const DownloadItem* row = m_queue.find(id);
@@ -402,7 +314,7 @@ void ContentView::readWhatNeedsReading(const QList<QUuid>& itemIDs) {
     }
 }
 
-void ContentView::startWhatWasRead(const QUuid& id, const QList<QUuid>& newRows) {
+void Controller::startWhatWasRead(const QUuid& id, const QList<QUuid>& newRows) {
     if (!m_startWhenRead.remove(id))
         return;
     m_waitingRows += newRows;
@@ -410,13 +322,13 @@ void ContentView::startWhatWasRead(const QUuid& id, const QList<QUuid>& newRows)
 }
 
 /// The user has asked for them already: they are not refused for want of a slot.
-void ContentView::startWaitingRows() {
-    if (m_waitingRows.isEmpty() || m_downloads.freeSlots() < 1)
+void Controller::startWaitingRows() {
+    if (m_waitingRows.isEmpty() || m_runs.freeSlots() < 1)
         return;
-    m_downloads.startDownloadRun(std::exchange(m_waitingRows, {}), runTarget());
+    m_runs.startDownloadRun(std::exchange(m_waitingRows, {}), runTarget());
 }
 
-bool ContentView::stopQueueItems(const QSet<QUuid>& ids) {
+bool Controller::stopQueueItems(const QSet<QUuid>& ids) {
     QSet<QUuid> stopped;
     for (const QUuid& id : ids) {
         const DownloadItem* row = m_queue.find(id);
@@ -428,26 +340,22 @@ bool ContentView::stopQueueItems(const QSet<QUuid>& ids) {
     m_startWhenRead.subtract(stopped);
     m_waitingRows.removeIf([&](const QUuid& id) { return stopped.contains(id); });
     m_resolution.stop(stopped);
-    m_downloads.stop(stopped);
+    m_runs.stop(stopped);
     setActiveSummary(QStringLiteral("Stopped %1 song").arg(stopped.size()) +
                      pluralSuffix(stopped.size()));
     return true;
 }
 
-void ContentView::stopAll() {
+void Controller::stopAll() {
     QSet<QUuid> ids;
     for (const DownloadItem& row : m_queue.rows())
         ids.insert(row.id);
     stopQueueItems(ids);
 }
 
-void ContentView::appendRunLog(const QString& text) {
-    m_downloads.appendRunLog(text);
-}
-
 // Files
 
-void ContentView::revealOutput(const DownloadItem& item) {
+void Controller::revealOutput(const DownloadItem& item) {
     const QFileInfo output(item.outputPath);
     if (item.outputPath.isEmpty())
         openFolder(eventFolder());
@@ -458,35 +366,27 @@ void ContentView::revealOutput(const DownloadItem& item) {
 }
 
 /// What comes next is another event.
-void ContentView::forgetNotesOfEmptyQueue() {
+void Controller::forgetNotesOfEmptyQueue() {
     if (m_queue.size() > 0)
         return;
     m_readingNotes.clear();
     m_unreadLines.clear();
 }
 
-EventAccount ContentView::eventAccount() const {
+EventAccount Controller::eventAccount() const {
     return accountOf(m_eventName, m_queue.rows(), m_readingNotes, m_unreadLines);
 }
 
-PlaylistSaving ContentView::savePlaylist() {
+PlaylistSaving Controller::savePlaylist() {
     PlaylistSaving saving = reelcrate::savePlaylist(m_queue.rows(), eventFolder());
     setActiveSummary(playlistSummary(saving));
     return saving;
 }
 
-void ContentView::openFolder(const QString& folder) {
+void Controller::openFolder(const QString& folder) {
     QDir().mkpath(folder);
     if (m_setup.openFolder)
         m_setup.openFolder(folder);
-}
-
-void ContentView::scanForUpdate() {
-    m_update.scanForUpdate();
-}
-
-void ContentView::crawlQueueProgress(const QUuid& itemID, double target, double duration) {
-    m_downloads.crawls().crawlQueueProgress(itemID, target, duration);
 }
 
 }  // namespace reelcrate

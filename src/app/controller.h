@@ -30,15 +30,15 @@
 #include <optional>
 #include <stop_token>
 
-/// The one controller: owns the parts that hold all state, names every operation, and passes what
-/// one part reports to whom it concerns. The front ends show its state and call its operations.
+/// The one controller: owns the parts that hold all state, and does what concerns several of them.
+/// What concerns one part is asked of that part.
 ///
-/// Main thread, except where a function says "background threads": those block while a tool runs.
-/// No operation fails by itself: outcomes are the summary line, the rows and the logs.
+/// Main thread, except where a function says otherwise. No operation fails by itself: outcomes are
+/// the summary line, the rows and the logs.
 namespace reelcrate {
 
 /// What the controller finds around it. Tests put their own in its place.
-struct ContentViewSetup {
+struct ControllerSetup {
     ToolPlaces toolPlaces;
     QString desktopFolder;                   ///< empty when the system names none
     std::function<QString()> clipboardText;  ///< empty function: there is no clipboard
@@ -52,10 +52,10 @@ struct ContentViewSetup {
     DownloadTiming downloadTiming;
 
     /// The machine's and the user's own. Needs a QCoreApplication.
-    static ContentViewSetup ofThisMachine();
+    static ControllerSetup ofThisMachine();
 };
 
-class ContentView : public QObject {
+class Controller : public QObject {
     Q_OBJECT
 
 public:
@@ -64,19 +64,31 @@ public:
     static constexpr int maxParallelDownloads = DownloadRuns::maxParallelDownloads;
 
     /// `supervisor` is forked off by main before there are threads, and outlives the controller.
-    ContentView(ProcessSupervisor& supervisor, ContentViewSetup setup);
-    ~ContentView() override;
+    Controller(ProcessSupervisor& supervisor, ControllerSetup setup);
+    ~Controller() override;
 
     /// Ends all background work and every child: at most about three seconds. Rows stay as they
     /// are; nothing changes any more after this. Also done by the destructor.
     void shutDown();
 
-    // State
+    // The parts
 
-    const QList<ToolState>& toolStates() const { return m_readiness.toolStates(); }
-    const QString& toolLog() const { return m_readiness.toolLog(); }
-    bool isCheckingTools() const { return m_readiness.isCheckingTools(); }
-    bool isInstallingTools() const { return m_installer.isInstallingTools(); }
+    const QueueStore& queue() const { return m_queue; }
+    QueueEditor& editor() { return m_editor; }
+    const QueueEditor& editor() const { return m_editor; }
+    ToolReadiness& tools() { return m_readiness; }
+    const ToolReadiness& tools() const { return m_readiness; }
+    ToolInstaller& installer() { return m_installer; }
+    const ToolInstaller& installer() const { return m_installer; }
+    const ToolDiscovery& discovery() const { return m_discovery; }
+    ResolutionDriver& resolution() { return m_resolution; }
+    DownloadRuns& runs() { return m_runs; }
+    const DownloadRuns& runs() const { return m_runs; }
+    UpdateScan& update() { return m_update; }
+    const UpdateScan& update() const { return m_update; }
+
+    // What the user has entered and chosen
+
     const QString& eventName() const { return m_eventName; }
     void setEventName(const QString& name);
     const QString& pastedLinks() const { return m_pastedLinks; }
@@ -88,19 +100,10 @@ public:
     void setTagsLoudness(bool tags);
     const QString& outputFolder() const { return m_outputFolder; }
     void setOutputFolder(const QString& folder);
-    const QueueStore& queue() const { return m_queue; }
-    const QSet<QUuid>& selectedQueueItemIDs() const { return m_editor.selection().ids; }
-    std::optional<QUuid> selectionFocusQueueItemID() const { return m_editor.selection().focus; }
-    int activeDownloadRuns() const { return m_downloads.activeDownloadRuns(); }
-    const QString& runLog() const { return m_downloads.runLog().text(); }
-    const QString& activeSummary() const { return m_activeSummary; }
-    QHash<QUuid, QUuid> progressCrawlTokens() { return m_downloads.crawls().progressCrawlTokens(); }
 
+    const QString& activeSummary() const { return m_activeSummary; }
     qsizetype activeQueueDownloadCount() const;
     qsizetype selectedVisibleQueueItemCount() const;
-
-    const QString& updateMessage() const { return m_update.updateMessage(); }
-    bool isScanningForUpdate() const { return m_update.isScanningForUpdate(); }
 
     // What may be asked for at the moment. The front ends enable their controls by these.
 
@@ -135,35 +138,8 @@ public:
     QString clipboardText() const;
     QList<DownloadItem> addLinksToQueue(const QStringList& links);
 
-    // Selection and deletion; see QueueEditor
-
-    void updateQueueSelection(const QUuid& id, KeyModifiers modifiers);
-    bool moveQueueSelection(int direction, bool extending);
-    bool selectAllQueueItemsFromUserAction();
-    bool clearQueueSelectionFromUserAction();
-    bool deleteQueueItems(const QSet<QUuid>& ids);
-    bool deleteSelectedQueueItemsFromUserAction();
+    /// Removes all rows, also during a run, and what was to be done with them.
     void clearQueue();
-    void clickQueueArea();
-    bool handleKeyDown(const KeyEvent& event);
-
-    // Commands and tools. Background threads, except for the checks and their results.
-
-    void checkTools();
-    const ToolDiscovery& discovery() const { return m_discovery; }
-    QList<ToolState> missingInstallableTools() const;
-    bool coreToolsReady() const;
-    QString setupDetailText() const;
-    void installMissingTools();
-    void performSetup();
-
-    // Reading links. The fetching and listing ones: background threads.
-
-    void resolveInfo(const QList<DownloadItem>& items);
-    void applyResolution(const QueueResolution& resolution, const DownloadItem& item,
-                         qsizetype index);
-    static bool shouldRetryInfoForFailedItem(const DownloadItem& item);
-    void retryResolveInfo(const DownloadItem& item);
 
     // Downloading
 
@@ -177,9 +153,6 @@ public:
     /// nothing does.
     bool stopQueueItems(const QSet<QUuid>& ids);
     void stopAll();
-    /// Any thread.
-    void appendRunLog(const QString& text);
-    void crawlQueueProgress(const QUuid& itemID, double target, double duration);
 
     // Files
 
@@ -192,34 +165,21 @@ public:
     /// Creates the folder, with its parents, where it can.
     void openFolder(const QString& folder);
 
-    // Updates
-
-    void scanForUpdate();
-
     /// The folder that downloads go into: the event's, inside the output folder.
     QString eventFolder() const;
 
 Q_SIGNALS:
     /// Of the records, or of whether a check or an installation is under way.
     void toolsChanged();
-    void toolLogCleared();
-    void toolLogAppended(const QString& text);
-    /// How far a step of Setup is; empty when that is not known, or no longer so.
-    void setupProgressChanged(const QString& progress);
     void activeSummaryChanged();
-    void selectionChanged();
     void eventNameChanged();
     void pastedLinksChanged();
     void downloadModeChanged();
     void outputFolderChanged();
+    /// After the account of the last run has been logged.
     void activeDownloadRunsChanged();
-    /// Of the message, or of whether a scan is under way.
-    void updateChanged();
-    void updateScanFinished(const reelcrate::UpdateOutcome& outcome);
     /// What became of a song list, and which of its lines are no songs.
     void songListNoted(const QString& note);
-    void runLogCleared();
-    void runLogAppended(const QString& text);
 
 private:
     void setActiveSummary(const QString& text);
@@ -231,7 +191,7 @@ private:
     bool isStoppable(const DownloadItem& row) const;
     void forgetNotesOfEmptyQueue();
 
-    const ContentViewSetup m_setup;
+    const ControllerSetup m_setup;
     QString m_eventName = defaultEventName();
     QString m_pastedLinks;
     DownloadMode m_downloadMode = DownloadMode::audio;
@@ -253,7 +213,7 @@ private:
     ToolInstaller m_installer;
     EventLibrary m_library;
     ResolutionDriver m_resolution;
-    DownloadRuns m_downloads;
+    DownloadRuns m_runs;
     QueueEditor m_editor;
     UpdateScan m_update;
 };

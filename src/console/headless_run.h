@@ -13,7 +13,7 @@
 /// Main thread.
 namespace reelcrate {
 
-class ContentView;
+class Controller;
 class ProgressDisplay;
 class StandardInput;
 
@@ -23,7 +23,7 @@ class HeadlessRun : public QObject {
 public:
     enum ExitStatus { allComplete = 0, someNeedAttention = 1, wrongUsage = 2, toolsMissing = 3 };
 
-    HeadlessRun(ContentView& view, const Arguments& arguments);
+    HeadlessRun(Controller& controller, const Arguments& arguments);
     ~HeadlessRun() override;
 
     void start();
@@ -50,7 +50,7 @@ private:
     bool savePlaylist();
     void end(int exitStatus);
 
-    ContentView& m_view;
+    Controller& m_controller;
     const bool m_json;
     const bool m_savesPlaylist;
     const std::optional<QString> m_reportPath;
@@ -66,6 +66,6 @@ private:
 
 /// Runs the program without a window from its arguments to its exit status. Needs a
 /// QCoreApplication.
-int runHeadless(ContentView& view, const Arguments& arguments);
+int runHeadless(Controller& controller, const Arguments& arguments);
 
 }  // namespace reelcrate

@@ -1,6 +1,6 @@
 #include "console/progress_display.h"
 
-#include "app/content_view.h"
+#include "app/controller.h"
 #include "console/row_text.h"
 
 #include <algorithm>
@@ -27,8 +27,9 @@ void write(std::FILE* stream, const QString& text) {
 /// One line for each change of a row's status, for pipes and files.
 class LineDisplay final : public ProgressDisplay {
 public:
-    LineDisplay(std::FILE* stream, const ContentView& view) : m_stream(stream), m_view(view) {
-        const QueueStore& queue = view.queue();
+    LineDisplay(std::FILE* stream, const Controller& controller)
+        : m_stream(stream), m_controller(controller) {
+        const QueueStore& queue = controller.queue();
         connect(&queue, &QueueStore::rowsInserted, this, &LineDisplay::printRows);
         connect(&queue, &QueueStore::rowReplaced, this, &LineDisplay::printRows);
         connect(&queue, &QueueStore::rowChanged, this,
@@ -38,29 +39,30 @@ public:
                 });
     }
 
-    void finish() override { write(m_stream, m_view.activeSummary() + u'\n'); }
+    void finish() override { write(m_stream, m_controller.activeSummary() + u'\n'); }
 
 private:
     void printRows(qsizetype first, qsizetype count) {
         QString lines;
         for (qsizetype index = first; index < first + count; ++index)
-            lines += statusLine(m_view.queue().rows().at(index)) + u'\n';
+            lines += statusLine(m_controller.queue().rows().at(index)) + u'\n';
         write(m_stream, lines);
     }
 
     std::FILE* m_stream;
-    const ContentView& m_view;
+    const Controller& m_controller;
 };
 
 /// The active rows and the summary at the bottom of a terminal, below the rows that have ended.
 class TerminalDisplay final : public ProgressDisplay {
 public:
-    TerminalDisplay(std::FILE* stream, const ContentView& view) : m_stream(stream), m_view(view) {
+    TerminalDisplay(std::FILE* stream, const Controller& controller)
+        : m_stream(stream), m_controller(controller) {
         m_redraw.setSingleShot(true);
         m_redraw.setInterval(redrawInterval);
         connect(&m_redraw, &QTimer::timeout, this, &TerminalDisplay::draw);
-        const QueueStore& queue = view.queue();
-        connect(&view, &ContentView::activeSummaryChanged, this, &TerminalDisplay::drawSoon);
+        const QueueStore& queue = controller.queue();
+        connect(&controller, &Controller::activeSummaryChanged, this, &TerminalDisplay::drawSoon);
         connect(&queue, &QueueStore::rowsInserted, this, &TerminalDisplay::drawSoon);
         connect(&queue, &QueueStore::rowReplaced, this, [this](qsizetype first, qsizetype count) {
             for (qsizetype index = first; index < first + count; ++index)
@@ -84,7 +86,7 @@ private:
     }
 
     void keepIfEnded(qsizetype index) {
-        const DownloadItem& row = m_view.queue().rows().at(index);
+        const DownloadItem& row = m_controller.queue().rows().at(index);
         if (row.status == QueueStatus::complete || row.status == QueueStatus::failed)
             m_endedLines.append(statusLine(row));
     }
@@ -93,13 +95,13 @@ private:
         m_redraw.stop();
         const auto [lines, columns] = space();
         QStringList active;
-        for (const DownloadItem& row : m_view.queue().rows()) {
+        for (const DownloadItem& row : m_controller.queue().rows()) {
             if (active.size() == lines - 1)
                 break;
             if (row.status == QueueStatus::running || row.isResolvingInfo)
                 active.append(progressLine(row, columns));
         }
-        active.append(fitted(printable(m_view.activeSummary()), columns));
+        active.append(fitted(printable(m_controller.activeSummary()), columns));
 
         QString screen;
         if (m_drawnLines > 0)
@@ -128,7 +130,7 @@ private:
     }
 
     std::FILE* m_stream;
-    const ContentView& m_view;
+    const Controller& m_controller;
     QTimer m_redraw;
     QStringList m_endedLines;
     qsizetype m_drawnLines = 0;
@@ -136,10 +138,11 @@ private:
 
 }  // namespace
 
-std::unique_ptr<ProgressDisplay> ProgressDisplay::on(std::FILE* stream, const ContentView& view) {
+std::unique_ptr<ProgressDisplay> ProgressDisplay::on(std::FILE* stream,
+                                                     const Controller& controller) {
     if (::isatty(::fileno(stream)) != 0)
-        return std::make_unique<TerminalDisplay>(stream, view);
-    return std::make_unique<LineDisplay>(stream, view);
+        return std::make_unique<TerminalDisplay>(stream, controller);
+    return std::make_unique<LineDisplay>(stream, controller);
 }
 
 }  // namespace reelcrate

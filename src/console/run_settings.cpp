@@ -1,20 +1,21 @@
 #include "console/run_settings.h"
 
-#include "app/content_view.h"
+#include "app/controller.h"
 #include "console/arguments.h"
 
 #include <QDir>
 
 namespace reelcrate {
 
-void applySettings(const Arguments& arguments, ContentView& view) {
-    view.setDownloadMode(arguments.mode);
+void applySettings(const Arguments& arguments, Controller& controller) {
+    controller.setDownloadMode(arguments.mode);
     if (arguments.loudness)
-        view.setTagsLoudness(true);
+        controller.setTagsLoudness(true);
     if (arguments.eventName)
-        view.setEventName(*arguments.eventName);
+        controller.setEventName(*arguments.eventName);
     if (arguments.outputFolder)
-        view.setOutputFolder(QDir::cleanPath(QDir().absoluteFilePath(*arguments.outputFolder)));
+        controller.setOutputFolder(
+            QDir::cleanPath(QDir().absoluteFilePath(*arguments.outputFolder)));
 }
 
 }  // namespace reelcrate

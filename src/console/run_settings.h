@@ -3,10 +3,10 @@
 /// Where downloads go and as what, as the command line says. Main thread.
 namespace reelcrate {
 
-class ContentView;
+class Controller;
 struct Arguments;
 
 /// What the command line leaves open stays as it is.
-void applySettings(const Arguments& arguments, ContentView& view);
+void applySettings(const Arguments& arguments, Controller& controller);
 
 }  // namespace reelcrate

@@ -1,6 +1,6 @@
 #include "console/setup_run.h"
 
-#include "app/content_view.h"
+#include "app/controller.h"
 #include "console/headless_run.h"
 #include "console/row_text.h"
 #include "console/termination_signals.h"
@@ -38,54 +38,55 @@ void printLog(const QString& text) {
 }
 
 /// Runs the event loop; a signal ends what is under way and the loop.
-int execInterruptibly(ContentView& view) {
+int execInterruptibly(Controller& controller) {
     constexpr int endedBySignal = 128;
     TerminationSignals signals;
-    QObject::connect(&signals, &TerminationSignals::received, &view, [&view](int signalNumber) {
-        view.shutDown();
-        QCoreApplication::exit(endedBySignal + signalNumber);
-    });
+    QObject::connect(&signals, &TerminationSignals::received, &controller,
+                     [&controller](int signalNumber) {
+                         controller.shutDown();
+                         QCoreApplication::exit(endedBySignal + signalNumber);
+                     });
     return QCoreApplication::exec();
 }
 
 }  // namespace
 
-int runSetup(ContentView& view) {
+int runSetup(Controller& controller) {
     bool isSetUp = false;
-    QObject::connect(&view, &ContentView::toolLogAppended, &printLog);
+    QObject::connect(&controller.tools(), &ToolReadiness::toolLogAppended, &printLog);
     if (isOnTerminal())
-        QObject::connect(&view, &ContentView::setupProgressChanged, &drawProgress);
+        QObject::connect(&controller.installer(), &ToolInstaller::progressChanged, &drawProgress);
     QObject::connect(
-        &view, &ContentView::toolsChanged, &view,
-        [&view, &isSetUp] {
-            if (view.isCheckingTools() || view.isInstallingTools())
+        &controller, &Controller::toolsChanged, &controller,
+        [&controller, &isSetUp] {
+            if (controller.tools().isCheckingTools() || controller.installer().isInstallingTools())
                 return;
             if (isSetUp) {
-                print(view.setupDetailText() + u'\n');
-                QCoreApplication::exit(view.coreToolsReady() ? EXIT_SUCCESS
-                                                             : HeadlessRun::toolsMissing);
+                print(controller.tools().setupDetailText() + u'\n');
+                QCoreApplication::exit(
+                    controller.tools().coreToolsReady() ? EXIT_SUCCESS : HeadlessRun::toolsMissing);
                 return;
             }
             isSetUp = true;
-            view.performSetup();
+            controller.installer().performSetup();
         },
         Qt::QueuedConnection);
-    view.checkTools();
-    return execInterruptibly(view);
+    controller.tools().checkTools();
+    return execInterruptibly(controller);
 }
 
-int runUpdateCheck(ContentView& view) {
-    QObject::connect(&view, &ContentView::updateScanFinished, &view,
+int runUpdateCheck(Controller& controller) {
+    QObject::connect(&controller.update(), &UpdateScan::finished, &controller,
                      [](const UpdateOutcome& outcome) {
                          print(printable(outcome.message) + u'\n');
                          QCoreApplication::exit(outcome.wasChecked ? EXIT_SUCCESS : EXIT_FAILURE);
                      });
-    view.scanForUpdate();
-    if (!view.isScanningForUpdate()) {
-        print(view.updateMessage() + u'\n');
+    controller.update().scanForUpdate();
+    if (!controller.update().isScanningForUpdate()) {
+        print(controller.update().updateMessage() + u'\n');
         return EXIT_FAILURE;
     }
-    return execInterruptibly(view);
+    return execInterruptibly(controller);
 }
 
 }  // namespace reelcrate

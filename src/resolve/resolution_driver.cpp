@@ -165,7 +165,7 @@ void ResolutionDriver::lookWhatIsThere(const QueueResolution& resolution, const 
         post(reading.stop.get_token(), [this, resolution, item = reading.item, files] {
             m_readings.remove(item.id);
             if (const qsizetype index = m_queue.indexOf(item.id); index >= 0)
-                applyResolution(resolution, files, item, index);
+                applyResolution(resolution, item, index, files);
         });
     });
 }
@@ -308,9 +308,8 @@ bool ResolutionDriver::isNew(const PlaylistEntry& entry, const DownloadItem& row
     return m_queue.countOfSong(entry.url, entry.playlistItem) == (isOwn ? 1 : 0);
 }
 
-void ResolutionDriver::applyResolution(const QueueResolution& resolution,
-                                       const FilesThatAreThere& files, const DownloadItem& item,
-                                       qsizetype index) {
+void ResolutionDriver::applyResolution(const QueueResolution& resolution, const DownloadItem& item,
+                                       qsizetype index, const FilesThatAreThere& files) {
     if (!resolution.remarks.trimmed().isEmpty())
         Q_EMIT logged(QStringLiteral("Reading %1:\n").arg(item.url) + resolution.remarks);
     const DownloadItem row = m_queue.rows().at(index);

@@ -69,8 +69,8 @@ public:
 
     /// Rewrites the queue by what reading `item`, the row at `index`, has yielded. A row that a run
     /// has taken meanwhile stays as it is.
-    void applyResolution(const QueueResolution& resolution, const FilesThatAreThere& files,
-                         const DownloadItem& item, qsizetype index);
+    void applyResolution(const QueueResolution& resolution, const DownloadItem& item,
+                         qsizetype index, const FilesThatAreThere& files = {});
 
     /// Looks which of these songs, whose rows have no link to read, are in the event's folder
     /// already. Where some are, the summary says so, and then `remark`.

@@ -2,7 +2,7 @@ import QtQuick
 import Reelcrate.Theme
 
 /// The large golden button.
-LargeActionButtonStyle {
+LargeActionButton {
     id: root
 
     objectName: "addSongs"

@@ -23,7 +23,7 @@ Flickable {
     boundsBehavior: Flickable.StopAtBounds
     ScrollBar.vertical: GlassScrollBar {}
 
-    TechSurfaceModifier {
+    TechSurface {
         x: 14
         y: 12
         width: root.width - 28

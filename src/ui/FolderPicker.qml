@@ -67,7 +67,7 @@ Dialog {
             Accessible.role: Accessible.StaticText
             Accessible.name: text
         }
-        SecondaryButtonStyle {
+        SecondaryButton {
             id: up
 
             anchors.top: message.bottom
@@ -156,7 +156,7 @@ Dialog {
                 Accessible.name: "Name of a new folder"
                 onAccepted: make.clicked()
             }
-            SecondaryButtonStyle {
+            SecondaryButton {
                 id: make
 
                 objectName: "newFolder"
@@ -180,11 +180,11 @@ Dialog {
             anchors.bottom: parent.bottom
             spacing: 10
 
-            SecondaryButtonStyle {
+            SecondaryButton {
                 text: "Cancel"
                 onClicked: root.reject()
             }
-            QueueDownloadButtonStyle {
+            QueueDownloadButton {
                 text: "Choose"
                 isDefault: true
                 onClicked: root.accept()

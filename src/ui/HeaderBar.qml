@@ -75,7 +75,7 @@ Item {
         spacing: 16
 
         // Comes and goes where no other button has to make way.
-        SecondaryButtonStyle {
+        SecondaryButton {
             objectName: "stopAll"
             anchors.verticalCenter: parent.verticalCenter
             visible: root.state.controls.canStopAll
@@ -88,7 +88,7 @@ Item {
                 root.state.stopAll();
             }
         }
-        SecondaryButtonStyle {
+        SecondaryButton {
             id: openOutput
 
             objectName: "openOutput"
@@ -101,7 +101,7 @@ Item {
             width: 48
             height: 38
 
-            QueueHeaderButtonStyle {
+            QueueHeaderButton {
                 id: clear
 
                 objectName: "clearQueue"
@@ -116,7 +116,7 @@ Item {
                 button: clear
             }
         }
-        QueueDownloadButtonStyle {
+        QueueDownloadButton {
             objectName: "downloadAll"
             anchors.verticalCenter: parent.verticalCenter
             width: Math.max(118, implicitWidth)

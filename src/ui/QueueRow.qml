@@ -50,7 +50,7 @@ Item {
 
     implicitHeight: 14 + line.height + (isRunning ? 10 + progressLine.height : 0) + 14
 
-    QueueSurfaceModifier {
+    QueueSurface {
         anchors.fill: parent
         cornerRadius: 13
         depth: root.isRaised ? SurfaceDepth.High : SurfaceDepth.Medium

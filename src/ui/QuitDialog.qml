@@ -51,12 +51,12 @@ Dialog {
             topPadding: 8
             spacing: 10
 
-            SecondaryButtonStyle {
+            SecondaryButton {
                 objectName: "quit"
                 text: "Quit"
                 onClicked: root.state.quitRequested()
             }
-            QueueDownloadButtonStyle {
+            QueueDownloadButton {
                 objectName: "keepDownloading"
                 text: "Keep Downloading"
                 focus: true

@@ -51,7 +51,7 @@ Column {
         Accessible.role: Accessible.StaticText
         Accessible.name: "Setup: " + text
     }
-    SecondaryButtonStyle {
+    SecondaryButton {
         objectName: "setup"
         width: parent.width
         text: root.controls.setupTitle
@@ -67,7 +67,7 @@ Column {
         log: root.state.toolLog
         isForcedOpen: root.controls.isSettingUp
     }
-    SecondaryButtonStyle {
+    SecondaryButton {
         objectName: "scanForUpdate"
         width: parent.width
         text: root.controls.updateTitle

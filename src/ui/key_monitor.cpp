@@ -1,6 +1,6 @@
 #include "ui/key_monitor.h"
 
-#include "app/content_view.h"
+#include "app/controller.h"
 
 #include <QCoreApplication>
 #include <QKeyEvent>
@@ -92,8 +92,8 @@ std::optional<Qt::Key> latinShortcutKey(const QKeyEvent& event) {
     }
 }
 
-KeyMonitor::KeyMonitor(ContentView& view, const TextEditing& textEditing, QQuickWindow& window)
-    : m_view(view), m_textEditing(textEditing), m_window(window) {
+KeyMonitor::KeyMonitor(Controller& controller, const TextEditing& textEditing, QQuickWindow& window)
+    : m_controller(controller), m_textEditing(textEditing), m_window(window) {
     QCoreApplication::instance()->installEventFilter(this);
 }
 
@@ -127,11 +127,11 @@ bool KeyMonitor::sendAsLatin(const QKeyEvent& event) {
 
 bool KeyMonitor::handle(const QKeyEvent& event) {
     if (event.matches(QKeySequence::Paste) && !m_textEditing.isEditing()) {
-        m_view.addSongsFromClipboard();
+        m_controller.addSongsFromClipboard();
         return true;
     }
     const KeyEvent key = queueKey(event);
-    if (!m_view.handleKeyDown(key))
+    if (!m_controller.editor().handleKeyDown(key))
         return false;
     if (key.code == KeyEvent::downArrow || key.code == KeyEvent::upArrow)
         Q_EMIT focusMoved();

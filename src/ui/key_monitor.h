@@ -15,7 +15,7 @@ class QQuickWindow;
 /// takes before the focused control sees them. Main thread.
 namespace reelcrate {
 
-class ContentView;
+class Controller;
 
 /// Tells of the window's focused control. Until there is a window, nothing is edited.
 class WindowTextEditing : public TextEditing {
@@ -40,7 +40,7 @@ class KeyMonitor : public QObject {
     Q_OBJECT
 
 public:
-    KeyMonitor(ContentView& view, const TextEditing& textEditing, QQuickWindow& window);
+    KeyMonitor(Controller& controller, const TextEditing& textEditing, QQuickWindow& window);
 
     bool eventFilter(QObject* receiver, QEvent* event) override;
 
@@ -55,7 +55,7 @@ private:
     bool sendAsLatin(const QKeyEvent& event);
     bool popupIsOpen() const;
 
-    ContentView& m_view;
+    Controller& m_controller;
     const TextEditing& m_textEditing;
     QQuickWindow& m_window;
 };

@@ -1,6 +1,6 @@
 #include "ui/queue_list_model.h"
 
-#include "app/content_view.h"
+#include "app/controller.h"
 #include "theme/tech_theme.h"
 #include "ui/thumbnail_provider.h"
 
@@ -56,20 +56,21 @@ QColor color(const Tint& tint) {
 }
 
 RowAction actionOf(const DownloadItem& item) {
-    return queueRowAction(item, ContentView::shouldRetryInfoForFailedItem(item));
+    return queueRowAction(item, ResolutionDriver::shouldRetryInfoForFailedItem(item));
 }
 
 }  // namespace
 
-QueueListModel::QueueListModel(ContentView& view, QObject* parent)
-    : QAbstractListModel(parent), m_view(view), m_queue(view.queue()) {
+QueueListModel::QueueListModel(Controller& controller, QObject* parent)
+    : QAbstractListModel(parent), m_controller(controller), m_queue(controller.queue()) {
     insert(0, m_queue.size());
     connect(&m_queue, &QueueStore::rowsInserted, this, &QueueListModel::insert);
     connect(&m_queue, &QueueStore::rowReplaced, this, &QueueListModel::replace);
     connect(&m_queue, &QueueStore::rowsRemoved, this, &QueueListModel::remove);
     connect(&m_queue, &QueueStore::rowChanged, this, &QueueListModel::changed);
-    connect(&view, &ContentView::selectionChanged, this, [this] { allChanged(selectionRoles); });
-    connect(&view, &ContentView::toolsChanged, this, &QueueListModel::updateDownloadsEnabled);
+    connect(&controller.editor(), &QueueEditor::selectionChanged, this,
+            [this] { allChanged(selectionRoles); });
+    connect(&controller, &Controller::toolsChanged, this, &QueueListModel::updateDownloadsEnabled);
     updateDownloadsEnabled();
 }
 
@@ -90,7 +91,7 @@ QHash<int, QByteArray> QueueListModel::roleNames() const {
 }
 
 bool QueueListModel::isSelected(const DownloadItem& item) const {
-    return m_view.selectedQueueItemIDs().contains(item.id);
+    return m_controller.editor().selection().ids.contains(item.id);
 }
 
 QVariant QueueListModel::data(const QModelIndex& index, int role) const {
@@ -249,7 +250,7 @@ void QueueListModel::allChanged(const QList<int>& roles) {
 }
 
 bool QueueListModel::isActionEnabled(RowAction action) const {
-    return rowActionEnabled(action, m_view.canDownload());
+    return rowActionEnabled(action, m_controller.canDownload());
 }
 
 int QueueListModel::firstOf(const QStringList& itemIDs) const {

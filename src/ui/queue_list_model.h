@@ -14,7 +14,7 @@
 /// row. Main thread. The controller outlives the model.
 namespace reelcrate {
 
-class ContentView;
+class Controller;
 
 class QueueListModel : public QAbstractListModel {
     Q_OBJECT
@@ -57,7 +57,7 @@ public:
     };
     Q_ENUM(Role)
 
-    explicit QueueListModel(ContentView& view, QObject* parent = nullptr);
+    explicit QueueListModel(Controller& controller, QObject* parent = nullptr);
 
     int rowCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;
@@ -80,7 +80,7 @@ private:
     void updateDownloadsEnabled();
     bool isSelected(const DownloadItem& item) const;
 
-    ContentView& m_view;
+    Controller& m_controller;
     const QueueStore& m_queue;
     QList<QUuid> m_ids;  ///< of the rows that the views have been told of
     bool m_downloadsEnabled = false;

@@ -54,14 +54,14 @@ TechTheme* theme(QQmlEngine& engine) {
 
 }  // namespace
 
-ReelcrateApp::ReelcrateApp(ProcessSupervisor& supervisor, ContentViewSetup setup, FirstLinks links)
+ReelcrateApp::ReelcrateApp(ProcessSupervisor& supervisor, ControllerSetup setup, FirstLinks links)
     : m_firstLinks(std::move(links)) {
     m_firstLinks.download = m_firstLinks.download && m_firstLinks.areWaiting();
     static const bool registered = (registerTypes(), true);
     Q_UNUSED(registered);
     const QString desktopFolder = setup.desktopFolder;
-    m_view = std::make_unique<ContentView>(supervisor, completed(std::move(setup)));
-    m_state = std::make_unique<WindowState>(*m_view, desktopFolder);
+    m_controller = std::make_unique<Controller>(supervisor, completed(std::move(setup)));
+    m_state = std::make_unique<WindowState>(*m_controller, desktopFolder);
     m_sizing.setSingleShot(true);
     connect(&m_sizing, &QTimer::timeout, this, &ReelcrateApp::sizeWindow);
     connect(m_state.get(), &WindowState::quitRequested, this, [this] { quit(); });
@@ -69,10 +69,10 @@ ReelcrateApp::ReelcrateApp(ProcessSupervisor& supervisor, ContentViewSetup setup
     connect(&m_state->runProgress(), &RunProgress::finished, this, &ReelcrateApp::announceEnd);
     // Later, so that each sees the outcome of a whole operation and not its middle, and what is
     // said of a list is not hidden by what is said of the tools.
-    connect(m_view.get(), &ContentView::toolsChanged, this, &ReelcrateApp::addFirstLinks,
+    connect(m_controller.get(), &Controller::toolsChanged, this, &ReelcrateApp::addFirstLinks,
             Qt::QueuedConnection);
     connect(m_state.get(), &WindowState::controlsChanged, this, &ReelcrateApp::downloadFirstLinks);
-    connect(m_view.get(), &ContentView::activeSummaryChanged, this,
+    connect(m_controller.get(), &Controller::activeSummaryChanged, this,
             &ReelcrateApp::downloadFirstLinks, Qt::QueuedConnection);
 }
 
@@ -81,7 +81,7 @@ ReelcrateApp::~ReelcrateApp() {
     m_engine.reset();
 }
 
-ContentViewSetup ReelcrateApp::completed(ContentViewSetup setup) {
+ControllerSetup ReelcrateApp::completed(ControllerSetup setup) {
     if (!setup.clipboardText)
         setup.clipboardText = [] { return QGuiApplication::clipboard()->text(); };
     if (!setup.openFolder)
@@ -118,8 +118,8 @@ bool ReelcrateApp::show() {
 }
 
 void ReelcrateApp::appear() {
-    if (m_view->toolStates().isEmpty())
-        m_view->checkTools();
+    if (m_controller->tools().toolStates().isEmpty())
+        m_controller->tools().checkTools();
     ensureReadableWindowSize();
     installDeleteKeyMonitor();
 }
@@ -129,20 +129,20 @@ void ReelcrateApp::disappear() {
 }
 
 void ReelcrateApp::addFirstLinks() {
-    if (m_view->isCheckingTools() || !m_firstLinks.areWaiting())
+    if (m_controller->tools().isCheckingTools() || !m_firstLinks.areWaiting())
         return;
     for (const QString& list : std::exchange(m_firstLinks.lists, {}))
-        m_view->addSongListFile(list);
+        m_controller->addSongListFile(list);
     if (!m_firstLinks.texts.isEmpty())
-        m_view->addSongs(std::exchange(m_firstLinks.texts, {}).join(u'\n'));
+        m_controller->addSongs(std::exchange(m_firstLinks.texts, {}).join(u'\n'));
     // Without a link or a song in the texts there is nothing to wait for.
-    m_firstLinks.download = m_firstLinks.download && m_view->queue().size() > 0;
+    m_firstLinks.download = m_firstLinks.download && m_controller->queue().size() > 0;
 }
 
 void ReelcrateApp::downloadFirstLinks() {
     if (!m_firstLinks.download || m_firstLinks.areWaiting())
         return;
-    const auto& rows = m_view->queue().rows();
+    const auto& rows = m_controller->queue().rows();
     // Who has stopped one of them does not want all to start by themselves.
     m_firstLinks.download = std::none_of(rows.begin(), rows.end(), [](const DownloadItem& row) {
         return row.reading == LinkReading::givenUp;
@@ -151,7 +151,7 @@ void ReelcrateApp::downloadFirstLinks() {
                                    [](const DownloadItem& row) { return row.isResolvingInfo; });
     if (m_firstLinks.download && !rows.isEmpty() && read) {
         m_firstLinks.download = false;
-        m_view->startDownloads();
+        m_controller->startDownloads();
     }
 }
 
@@ -176,7 +176,7 @@ void ReelcrateApp::sizeWindow() {
 void ReelcrateApp::installDeleteKeyMonitor() {
     if (m_deleteKeyMonitor)
         return;
-    m_deleteKeyMonitor = std::make_unique<KeyMonitor>(*m_view, m_textEditing, *m_window);
+    m_deleteKeyMonitor = std::make_unique<KeyMonitor>(*m_controller, m_textEditing, *m_window);
     connect(m_deleteKeyMonitor.get(), &KeyMonitor::focusMoved, m_state.get(),
             &WindowState::focusMoved);
     TechTheme* shown = theme(*m_engine);
@@ -197,7 +197,8 @@ void ReelcrateApp::announceEnd(int complete, int needAttention) {
     if (needAttention > 0)
         text += needAttention == 1 ? QStringLiteral(" 1 needs attention.")
                                    : QStringLiteral(" %1 need attention.").arg(needAttention);
-    if (const QString time = formatDuration(m_view->eventAccount().playingSeconds); !time.isEmpty())
+    if (const QString time = formatDuration(m_controller->eventAccount().playingSeconds);
+        !time.isEmpty())
         text += QStringLiteral(" Playing time of the event: %1.").arg(time);
     m_notifications.show(QStringLiteral("Download run finished"), text);
 }
@@ -212,7 +213,7 @@ void ReelcrateApp::followMotionSetting() {
 void ReelcrateApp::quit(int exitStatus) {
     if (m_window)
         m_window->hide();
-    m_view->shutDown();
+    m_controller->shutDown();
     QCoreApplication::exit(exitStatus);
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/content_view.h"
+#include "app/controller.h"
 #include "desktop/file_manager.h"
 #include "desktop/launcher_progress.h"
 #include "desktop/motion_setting.h"
@@ -35,10 +35,10 @@ class ReelcrateApp : public QObject {
 public:
     /// What `setup` leaves empty of the clipboard, the file manager and the text editing is the
     /// desktop's and the window's own.
-    ReelcrateApp(ProcessSupervisor& supervisor, ContentViewSetup setup, FirstLinks links = {});
+    ReelcrateApp(ProcessSupervisor& supervisor, ControllerSetup setup, FirstLinks links = {});
     ~ReelcrateApp() override;
 
-    ContentView& view() { return *m_view; }
+    Controller& controller() { return *m_controller; }
 
     /// Shows the window. False when it could not be made; the reason is on standard error.
     bool show();
@@ -55,7 +55,7 @@ public:
     void quit(int exitStatus = 0);
 
 private:
-    ContentViewSetup completed(ContentViewSetup setup);
+    ControllerSetup completed(ControllerSetup setup);
     void appear();
     void disappear();
     void addFirstLinks();
@@ -72,7 +72,7 @@ private:
     LauncherProgress m_launcherProgress;
     MotionSetting m_motionSetting;
     QTimer m_sizing;
-    std::unique_ptr<ContentView> m_view;
+    std::unique_ptr<Controller> m_controller;
     std::unique_ptr<WindowState> m_state;
     std::unique_ptr<QQmlApplicationEngine> m_engine;
     QQuickWindow* m_window = nullptr;

@@ -1,6 +1,6 @@
 #include "ui/run_progress.h"
 
-#include "app/content_view.h"
+#include "app/controller.h"
 
 #include <algorithm>
 #include <utility>
@@ -25,9 +25,10 @@ double shareOf(const DownloadItem& row) {
 
 }  // namespace
 
-RunProgress::RunProgress(ContentView& view, QObject* parent) : QObject(parent), m_view(view) {
-    connect(&view.queue(), &QueueStore::rowChanged, this, &RunProgress::followRow);
-    connect(&view, &ContentView::activeDownloadRunsChanged, this, &RunProgress::followRuns);
+RunProgress::RunProgress(Controller& controller, QObject* parent)
+    : QObject(parent), m_controller(controller) {
+    connect(&controller.queue(), &QueueStore::rowChanged, this, &RunProgress::followRow);
+    connect(&controller, &Controller::activeDownloadRunsChanged, this, &RunProgress::followRuns);
 }
 
 std::optional<double> RunProgress::fraction() const {
@@ -39,7 +40,7 @@ std::optional<double> RunProgress::fraction() const {
 void RunProgress::followRow(qsizetype index, QueueStore::Fields fields) {
     if (!(fields & (QueueStore::Status | QueueStore::Progress)))
         return;
-    const DownloadItem& row = m_view.queue().rows().at(index);
+    const DownloadItem& row = m_controller.queue().rows().at(index);
     const auto known = m_shares.find(row.id);
     if (known == m_shares.end() && !isUnderWay(row))
         return;
@@ -57,13 +58,13 @@ void RunProgress::followRow(qsizetype index, QueueStore::Fields fields) {
 }
 
 void RunProgress::followRuns() {
-    if (m_view.activeDownloadRuns() > 0 || m_shares.isEmpty())
+    if (m_controller.runs().activeDownloadRuns() > 0 || m_shares.isEmpty())
         return;
     int complete = 0;
     int needAttention = 0;
     const auto shares = std::exchange(m_shares, {});
     for (auto share = shares.keyBegin(); share != shares.keyEnd(); ++share) {
-        const DownloadItem* row = m_view.queue().find(*share);
+        const DownloadItem* row = m_controller.queue().find(*share);
         complete += row && row->status == QueueStatus::complete ? 1 : 0;
         needAttention += row && row->status == QueueStatus::failed ? 1 : 0;
     }

@@ -12,13 +12,13 @@
 /// Main thread. The controller outlives it.
 namespace reelcrate {
 
-class ContentView;
+class Controller;
 
 class RunProgress : public QObject {
     Q_OBJECT
 
 public:
-    explicit RunProgress(ContentView& view, QObject* parent = nullptr);
+    explicit RunProgress(Controller& controller, QObject* parent = nullptr);
 
     /// 0 to 1; absent while no run is under way.
     std::optional<double> fraction() const;
@@ -32,7 +32,7 @@ private:
     void followRow(qsizetype index, QueueStore::Fields fields);
     void followRuns();
 
-    ContentView& m_view;
+    Controller& m_controller;
     QHash<QUuid, double> m_shares;  ///< of each row, how much of it is done
     double m_sum = 0;
     double m_furthest = 0;  ///< rows that join later do not make it run backwards

@@ -1,56 +1,58 @@
 #include "ui/window_controls.h"
 
-#include "app/content_view.h"
+#include "app/controller.h"
 #include "theme/tech_theme.h"
 
 namespace reelcrate {
 
 namespace {
 
-bool isSettingUp(const ContentView& view) {
-    return view.isCheckingTools() || view.isInstallingTools();
+bool isSettingUp(const Controller& controller) {
+    return controller.tools().isCheckingTools() || controller.installer().isInstallingTools();
 }
 
-QString setupTitle(const ContentView& view) {
-    if (view.isInstallingTools())
+QString setupTitle(const Controller& controller) {
+    if (controller.installer().isInstallingTools())
         return QStringLiteral("Setting Up");
-    return view.isCheckingTools() ? QStringLiteral("Checking Setup") : QStringLiteral("Setup");
+    return controller.tools().isCheckingTools() ? QStringLiteral("Checking Setup")
+                                                : QStringLiteral("Setup");
 }
 
-QString selectedCount(const ContentView& view) {
-    const qsizetype selected = view.selectedVisibleQueueItemCount();
+QString selectedCount(const Controller& controller) {
+    const qsizetype selected = controller.selectedVisibleQueueItemCount();
     return selected > 0 ? QStringLiteral("%1 selected").arg(selected) : QString();
 }
 
 }  // namespace
 
-QColor setupStatusColor(const ContentView& view) {
-    if (view.coreToolsReady())
+QColor setupStatusColor(const Controller& controller) {
+    if (controller.tools().coreToolsReady())
         return TechTheme::green;
-    return isSettingUp(view) ? TechTheme::gold : TechTheme::amber;
+    return isSettingUp(controller) ? TechTheme::gold : TechTheme::amber;
 }
 
-WindowControls WindowControls::of(const ContentView& view) {
-    const bool downloading = view.activeDownloadRuns() > 0;
-    const bool empty = view.queue().size() == 0;
+WindowControls WindowControls::of(const Controller& controller) {
+    const bool downloading = controller.runs().activeDownloadRuns() > 0;
+    const bool empty = controller.queue().size() == 0;
     WindowControls controls;
-    controls.addingAllowed = view.canAdd();
+    controls.addingAllowed = controller.canAdd();
     controls.addTitle = downloading ? QStringLiteral("Downloading") : QStringLiteral("Add Songs");
-    controls.canClearQueue = view.canDelete() && !empty;
-    controls.canDownloadAll = view.canDownloadAll();
-    controls.canStopAll = view.canStopAll();
-    controls.canDelete = view.canDelete();
+    controls.canClearQueue = controller.canDelete() && !empty;
+    controls.canDownloadAll = controller.canDownloadAll();
+    controls.canStopAll = controller.canStopAll();
+    controls.canDelete = controller.canDelete();
     controls.isQueueEmpty = empty;
-    controls.songCount = QString::number(view.queue().size());
-    controls.activeCount = QStringLiteral("%1 active").arg(view.activeQueueDownloadCount());
-    controls.selectedCount = reelcrate::selectedCount(view);
-    controls.isSettingUp = reelcrate::isSettingUp(view);
-    controls.setupColor = setupStatusColor(view);
-    controls.setupDetail = view.setupDetailText();
-    controls.setupTitle = reelcrate::setupTitle(view);
-    controls.updateTitle = view.isScanningForUpdate() ? QStringLiteral("Checking Updates")
-                                                      : QStringLiteral("Scan for Update");
-    controls.updateMessage = view.updateMessage();
+    controls.songCount = QString::number(controller.queue().size());
+    controls.activeCount = QStringLiteral("%1 active").arg(controller.activeQueueDownloadCount());
+    controls.selectedCount = reelcrate::selectedCount(controller);
+    controls.isSettingUp = reelcrate::isSettingUp(controller);
+    controls.setupColor = setupStatusColor(controller);
+    controls.setupDetail = controller.tools().setupDetailText();
+    controls.setupTitle = reelcrate::setupTitle(controller);
+    controls.updateTitle = controller.update().isScanningForUpdate()
+                               ? QStringLiteral("Checking Updates")
+                               : QStringLiteral("Scan for Update");
+    controls.updateMessage = controller.update().updateMessage();
     return controls;
 }
 

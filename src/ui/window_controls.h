@@ -9,7 +9,7 @@
 /// controller's state. A plain value; made on the main thread.
 namespace reelcrate {
 
-class ContentView;
+class Controller;
 
 class WindowControls {
     Q_GADGET
@@ -33,7 +33,7 @@ class WindowControls {
     Q_PROPERTY(QString updateMessage MEMBER updateMessage CONSTANT)
 
 public:
-    static WindowControls of(const ContentView& view);
+    static WindowControls of(const Controller& controller);
 
     bool addingAllowed = false;
     QString addTitle;
@@ -56,6 +56,6 @@ public:
 };
 
 /// The colour of the setup label: ready, at work, or something is missing.
-QColor setupStatusColor(const ContentView& view);
+QColor setupStatusColor(const Controller& controller);
 
 }  // namespace reelcrate

@@ -1,6 +1,6 @@
 #include "ui/window_state.h"
 
-#include "app/content_view.h"
+#include "app/controller.h"
 #include "base/text.h"
 #include "queue/links.h"
 #include "queue/song_line.h"
@@ -67,39 +67,39 @@ QString linkOf(const DownloadItem& row) {
 
 }  // namespace
 
-WindowState::WindowState(ContentView& view, const QString& desktopFolder, QObject* parent)
+WindowState::WindowState(Controller& controller, const QString& desktopFolder, QObject* parent)
     : QObject(parent),
-      m_view(view),
+      m_controller(controller),
       m_desktopFolder(desktopFolder),
-      m_rows(view),
-      m_toolLog([&view] { return view.toolLog(); }),
-      m_runLog([&view] { return view.runLog(); }),
-      m_runProgress(view),
-      m_controls(WindowControls::of(view)) {
+      m_rows(controller),
+      m_toolLog([&controller] { return controller.tools().toolLog(); }),
+      m_runLog([&controller] { return controller.runs().runLog().text(); }),
+      m_runProgress(controller),
+      m_controls(WindowControls::of(controller)) {
     m_refresh.setSingleShot(true);
     connect(&m_refresh, &QTimer::timeout, this, &WindowState::refreshControls);
     const auto refreshSoon = qOverload<>(&QTimer::start);
-    connect(&view, &ContentView::toolsChanged, &m_refresh, refreshSoon);
-    connect(&view, &ContentView::updateChanged, &m_refresh, refreshSoon);
-    connect(&view, &ContentView::selectionChanged, &m_refresh, refreshSoon);
-    connect(&view, &ContentView::activeDownloadRunsChanged, &m_refresh, refreshSoon);
+    connect(&controller, &Controller::toolsChanged, &m_refresh, refreshSoon);
+    connect(&controller.update(), &UpdateScan::updateChanged, &m_refresh, refreshSoon);
+    connect(&controller.editor(), &QueueEditor::selectionChanged, &m_refresh, refreshSoon);
+    connect(&controller, &Controller::activeDownloadRunsChanged, &m_refresh, refreshSoon);
     followQueue();
 
-    connect(&view, &ContentView::activeSummaryChanged, this, &WindowState::summaryChanged);
-    connect(&view, &ContentView::eventNameChanged, this, &WindowState::eventNameChanged);
-    connect(&view, &ContentView::pastedLinksChanged, this, &WindowState::pastedLinksChanged);
-    connect(&view, &ContentView::outputFolderChanged, this, &WindowState::outputFolderChanged);
-    connect(&view, &ContentView::downloadModeChanged, this, &WindowState::modeChanged);
-    connect(&view, &ContentView::toolLogAppended, &m_toolLog, &LogTail::append);
-    connect(&view, &ContentView::toolLogCleared, &m_toolLog, &LogTail::clear);
-    connect(&view, &ContentView::runLogAppended, &m_runLog, &LogTail::append);
-    connect(&view, &ContentView::runLogCleared, &m_runLog, &LogTail::clear);
+    connect(&controller, &Controller::activeSummaryChanged, this, &WindowState::summaryChanged);
+    connect(&controller, &Controller::eventNameChanged, this, &WindowState::eventNameChanged);
+    connect(&controller, &Controller::pastedLinksChanged, this, &WindowState::pastedLinksChanged);
+    connect(&controller, &Controller::outputFolderChanged, this, &WindowState::outputFolderChanged);
+    connect(&controller, &Controller::downloadModeChanged, this, &WindowState::modeChanged);
+    connect(&controller.tools(), &ToolReadiness::toolLogAppended, &m_toolLog, &LogTail::append);
+    connect(&controller.tools(), &ToolReadiness::toolLogCleared, &m_toolLog, &LogTail::clear);
+    connect(&controller.runs(), &DownloadRuns::runLogAppended, &m_runLog, &LogTail::append);
+    connect(&controller.runs(), &DownloadRuns::runLogCleared, &m_runLog, &LogTail::clear);
     connect(&m_runProgress, &RunProgress::changed, this, &WindowState::refreshTitle);
 }
 
 void WindowState::followQueue() {
     const auto refreshSoon = qOverload<>(&QTimer::start);
-    const QueueStore& queue = m_view.queue();
+    const QueueStore& queue = m_controller.queue();
     connect(&queue, &QueueStore::rowsInserted, &m_refresh, refreshSoon);
     connect(&queue, &QueueStore::rowReplaced, &m_refresh, refreshSoon);
     connect(&queue, &QueueStore::rowsRemoved, &m_refresh, refreshSoon);
@@ -110,7 +110,7 @@ void WindowState::followQueue() {
 }
 
 void WindowState::refreshControls() {
-    const WindowControls controls = WindowControls::of(m_view);
+    const WindowControls controls = WindowControls::of(m_controller);
     if (controls == m_controls)
         return;
     m_controls = controls;
@@ -127,7 +127,7 @@ void WindowState::refreshTitle() {
 }
 
 QString WindowState::summary() const {
-    return m_view.activeSummary();
+    return m_controller.activeSummary();
 }
 
 QString WindowState::title() const {
@@ -136,23 +136,23 @@ QString WindowState::title() const {
 }
 
 QString WindowState::eventName() const {
-    return m_view.eventName();
+    return m_controller.eventName();
 }
 
 void WindowState::setEventName(const QString& name) {
-    m_view.setEventName(name);
+    m_controller.setEventName(name);
 }
 
 QString WindowState::pastedLinks() const {
-    return m_view.pastedLinks();
+    return m_controller.pastedLinks();
 }
 
 void WindowState::setPastedLinks(const QString& text) {
-    m_view.setPastedLinks(text);
+    m_controller.setPastedLinks(text);
 }
 
 QString WindowState::outputFolder() const {
-    return m_view.outputFolder();
+    return m_controller.outputFolder();
 }
 
 QStringList WindowState::modes() {
@@ -163,15 +163,15 @@ QStringList WindowState::modes() {
 }
 
 int WindowState::mode() const {
-    return static_cast<int>(m_view.downloadMode());
+    return static_cast<int>(m_controller.downloadMode());
 }
 
 void WindowState::setMode(int mode) {
-    m_view.setDownloadMode(allDownloadModes.at(static_cast<std::size_t>(mode)));
+    m_controller.setDownloadMode(allDownloadModes.at(static_cast<std::size_t>(mode)));
 }
 
 QString WindowState::version() {
-    return QStringLiteral("Version ") + ContentView::appVersion;
+    return QStringLiteral("Version ") + Controller::appVersion;
 }
 
 QUrl WindowState::folderPickerStart() const {
@@ -179,7 +179,7 @@ QUrl WindowState::folderPickerStart() const {
 }
 
 void WindowState::addSongsFromFieldOrClipboard() {
-    m_view.addSongsFromFieldOrClipboard();
+    m_controller.addSongsFromFieldOrClipboard();
 }
 
 void WindowState::addDropped(const QList<QUrl>& urls, const QString& text) {
@@ -200,14 +200,15 @@ void WindowState::addDropped(const QList<QUrl>& urls, const QString& text) {
         }
     }
     if (!links.isEmpty() || lists.isEmpty())
-        m_view.addSongs(links.isEmpty() ? text : links.join(u'\n'));
+        m_controller.addSongs(links.isEmpty() ? text : links.join(u'\n'));
     for (const QString& list : std::as_const(lists))
-        m_view.addSongListFile(list);
+        m_controller.addSongListFile(list);
     if (leftOut > 0)
-        m_view.noteList(QStringLiteral("Of what was dropped the links were taken, and %1 line%2 "
-                                       "without one left out. \"Paste Song List\" reads songs.")
-                            .arg(leftOut)
-                            .arg(pluralSuffix(leftOut)));
+        m_controller.noteList(
+            QStringLiteral("Of what was dropped the links were taken, and %1 line%2 "
+                           "without one left out. \"Paste Song List\" reads songs.")
+                .arg(leftOut)
+                .arg(pluralSuffix(leftOut)));
 }
 
 bool WindowState::takesDrop(const QList<QUrl>& urls, const QString& text) {
@@ -218,41 +219,41 @@ bool WindowState::takesDrop(const QList<QUrl>& urls, const QString& text) {
 }
 
 void WindowState::pasteIntoField() {
-    m_view.setPastedLinks(m_view.clipboardText());
+    m_controller.setPastedLinks(m_controller.clipboardText());
 }
 
 void WindowState::openOutput() {
-    m_view.openFolder(m_view.outputFolder());
+    m_controller.openFolder(m_controller.outputFolder());
 }
 
 void WindowState::clearQueue() {
-    m_view.clearQueue();
+    m_controller.clearQueue();
 }
 
 void WindowState::downloadAll() {
-    m_view.startDownloads();
+    m_controller.startDownloads();
 }
 
 void WindowState::stopAll() {
-    m_view.stopAll();
+    m_controller.stopAll();
 }
 
 void WindowState::setUp() {
-    if (m_view.isCheckingTools() || m_view.isInstallingTools())
+    if (m_controller.tools().isCheckingTools() || m_controller.installer().isInstallingTools())
         return;
-    if (m_view.missingInstallableTools().isEmpty())
-        m_view.checkTools();
+    if (m_controller.tools().missingInstallableTools().isEmpty())
+        m_controller.tools().checkTools();
     else
-        m_view.installMissingTools();
+        m_controller.installer().installMissingTools();
 }
 
 void WindowState::scanForUpdate() {
-    m_view.scanForUpdate();
+    m_controller.update().scanForUpdate();
 }
 
 void WindowState::chooseFolder(const QUrl& folder) {
     if (folder.isLocalFile())
-        m_view.setOutputFolder(folder.toLocalFile());
+        m_controller.setOutputFolder(folder.toLocalFile());
 }
 
 bool WindowState::isOfTheDesktop(const QObject* dialog) {
@@ -277,103 +278,104 @@ QUrl WindowState::makeFolder(const QUrl& parent, const QString& name) {
 }
 
 void WindowState::clickQueueArea() {
-    m_view.clickQueueArea();
+    m_controller.editor().clickQueueArea();
 }
 
 void WindowState::clickRow(const QString& itemID, int modifiers) {
     KeyModifiers keys;
     keys.setFlag(KeyModifier::shift, (modifiers & Qt::ShiftModifier) != 0);
     keys.setFlag(KeyModifier::command, (modifiers & Qt::ControlModifier) != 0);
-    m_view.updateQueueSelection(QUuid(itemID), keys);
+    m_controller.editor().updateQueueSelection(QUuid(itemID), keys);
 }
 
 void WindowState::actOnRow(const QString& itemID) {
-    const DownloadItem* row = m_view.queue().find(QUuid(itemID));
+    const DownloadItem* row = m_controller.queue().find(QUuid(itemID));
     if (!row)
         return;
     const DownloadItem item = *row;
-    const RowAction action = queueRowAction(item, ContentView::shouldRetryInfoForFailedItem(item));
+    const RowAction action =
+        queueRowAction(item, ResolutionDriver::shouldRetryInfoForFailedItem(item));
     if (!m_rows.isActionEnabled(action))
         return;
     switch (action) {
         case RowAction::busy:
             break;
         case RowAction::reveal:
-            m_view.revealOutput(item);
+            m_controller.revealOutput(item);
             break;
         case RowAction::readAgain:
-            m_view.retryResolveInfo(item);
+            m_controller.resolution().retryResolveInfo(item);
             break;
         case RowAction::tryAgain:
         case RowAction::download:
-            m_view.startDownloadRun({item.id});
+            m_controller.startDownloadRun({item.id});
             break;
     }
 }
 
 bool WindowState::takesSelection(const QString& itemID) const {
-    return m_view.selectedQueueItemIDs().contains(QUuid(itemID)) &&
-           m_view.selectedVisibleQueueItemCount() > 1;
+    return m_controller.editor().selection().ids.contains(QUuid(itemID)) &&
+           m_controller.selectedVisibleQueueItemCount() > 1;
 }
 
 QSet<QUuid> WindowState::rowsMeant(const QString& itemID, bool allSelected) const {
-    return allSelected ? m_view.selectedQueueItemIDs() : QSet{QUuid(itemID)};
+    return allSelected ? m_controller.editor().selection().ids : QSet{QUuid(itemID)};
 }
 
 void WindowState::deleteFromRow(const QString& itemID, bool allSelected) {
-    m_view.deleteQueueItems(rowsMeant(itemID, allSelected));
+    m_controller.editor().deleteQueueItems(rowsMeant(itemID, allSelected));
 }
 
 bool WindowState::canStop(const QString& itemID, bool allSelected) const {
-    return m_view.canStop(rowsMeant(itemID, allSelected));
+    return m_controller.canStop(rowsMeant(itemID, allSelected));
 }
 
 void WindowState::stopFromRow(const QString& itemID, bool allSelected) {
-    m_view.stopQueueItems(rowsMeant(itemID, allSelected));
+    m_controller.stopQueueItems(rowsMeant(itemID, allSelected));
 }
 
 bool WindowState::canPasteSongList() const {
-    return m_view.canAdd() && !m_view.clipboardText().trimmed().isEmpty();
+    return m_controller.canAdd() && !m_controller.clipboardText().trimmed().isEmpty();
 }
 
 void WindowState::pasteSongList() {
-    m_view.addSongListFromClipboard();
+    m_controller.addSongListFromClipboard();
 }
 
 bool WindowState::canSavePlaylist() const {
-    return m_view.queue().countWithStatus(QueueStatus::complete) > 0;
+    return m_controller.queue().countWithStatus(QueueStatus::complete) > 0;
 }
 
 void WindowState::savePlaylist() {
-    m_view.savePlaylist();
+    m_controller.savePlaylist();
 }
 
 bool WindowState::canTagLoudness() const {
-    return m_view.downloadMode() == DownloadMode::audio;
+    return m_controller.downloadMode() == DownloadMode::audio;
 }
 
 bool WindowState::tagsLoudness() const {
-    return m_view.tagsLoudness();
+    return m_controller.tagsLoudness();
 }
 
 void WindowState::setTagsLoudness(bool tags) {
-    m_view.setTagsLoudness(tags);
+    m_controller.setTagsLoudness(tags);
 }
 
 int WindowState::focusedIndex() const {
-    const auto focus = m_view.selectionFocusQueueItemID();
-    return focus ? static_cast<int>(m_view.queue().indexOf(*focus)) : -1;
+    const auto focus = m_controller.editor().selection().focus;
+    return focus ? static_cast<int>(m_controller.queue().indexOf(*focus)) : -1;
 }
 
 QString WindowState::focusedItemID() const {
     const int index = focusedIndex();
-    return index < 0 ? QString() : idText(m_view.queue().rows().at(index).id);
+    return index < 0 ? QString() : idText(m_controller.queue().rows().at(index).id);
 }
 
 void WindowState::actOnFocusedRow() {
     QList<DownloadItem> selected;
-    for (const DownloadItem& row : m_view.queue().rows()) {
-        if (m_view.selectedQueueItemIDs().contains(row.id))
+    for (const DownloadItem& row : m_controller.queue().rows()) {
+        if (m_controller.editor().selection().ids.contains(row.id))
             selected.append(row);
     }
     if (selected.size() == 1)
@@ -382,15 +384,15 @@ void WindowState::actOnFocusedRow() {
         return;
     QList<QUuid> ready;
     for (const DownloadItem& row : selected) {
-        if (row.status == QueueStatus::waiting && ContentView::isDownloadable(row))
+        if (row.status == QueueStatus::waiting && Controller::isDownloadable(row))
             ready.append(row.id);
     }
-    m_view.startDownloadRun(ready);
+    m_controller.startDownloadRun(ready);
 }
 
 bool WindowState::pressQueueKey(int key, int modifiers, int rowsInSight) {
     const bool extending = (modifiers & Qt::ShiftModifier) != 0;
-    const int all = static_cast<int>(m_view.queue().size());
+    const int all = static_cast<int>(m_controller.queue().size());
     const int page = std::max(1, rowsInSight - 1);
     int step = 0;
     switch (key) {
@@ -412,19 +414,19 @@ bool WindowState::pressQueueKey(int key, int modifiers, int rowsInSight) {
         default:
             return false;
     }
-    if (m_view.moveQueueSelection(step, extending))
+    if (m_controller.editor().moveQueueSelection(step, extending))
         Q_EMIT focusMoved();
     return true;
 }
 
 QString WindowState::errorOf(const QString& itemID) const {
-    const DownloadItem* row = m_view.queue().find(QUuid(itemID));
+    const DownloadItem* row = m_controller.queue().find(QUuid(itemID));
     return row ? queueRowError(*row) : QString();
 }
 
 QString WindowState::linksWhere(const std::function<bool(const DownloadItem&)>& isMeant) const {
     QStringList links;
-    for (const DownloadItem& row : m_view.queue().rows()) {
+    for (const DownloadItem& row : m_controller.queue().rows()) {
         if (isMeant(row))
             links.append(linkOf(row));
     }
@@ -433,7 +435,7 @@ QString WindowState::linksWhere(const std::function<bool(const DownloadItem&)>& 
 }
 
 bool WindowState::isSong(const QString& itemID) const {
-    const DownloadItem* row = m_view.queue().find(QUuid(itemID));
+    const DownloadItem* row = m_controller.queue().find(QUuid(itemID));
     return row && row->source == SourceType::song;
 }
 
@@ -451,8 +453,8 @@ void WindowState::copyText(const QString& text) const {
 }
 
 int WindowState::unfinishedCount() const {
-    return static_cast<int>(m_view.queue().countWithStatus(QueueStatus::running) +
-                            m_view.queue().countWithStatus(QueueStatus::queued));
+    return static_cast<int>(m_controller.queue().countWithStatus(QueueStatus::running) +
+                            m_controller.queue().countWithStatus(QueueStatus::queued));
 }
 
 QString WindowState::quitQuestion() const {

@@ -21,7 +21,7 @@
 /// of a turn. Main thread. The controller outlives it.
 namespace reelcrate {
 
-class ContentView;
+class Controller;
 
 class WindowState : public QObject {
     Q_OBJECT
@@ -46,7 +46,7 @@ class WindowState : public QObject {
 
 public:
     /// `desktopFolder` is where the folder picker starts; empty when the system names none.
-    WindowState(ContentView& view, const QString& desktopFolder, QObject* parent = nullptr);
+    WindowState(Controller& controller, const QString& desktopFolder, QObject* parent = nullptr);
 
     const WindowControls& controls() const { return m_controls; }
     QueueListModel* rows() { return &m_rows; }
@@ -151,7 +151,7 @@ private:
     void refreshControls();
     void refreshTitle();
 
-    ContentView& m_view;
+    Controller& m_controller;
     const QString m_desktopFolder;
     QueueListModel m_rows;
     LogTail m_toolLog;

@@ -52,13 +52,15 @@ WindowTest::~WindowTest() {
 
 void WindowTest::open(FirstLinks links) {
     app = std::make_unique<ReelcrateApp>(machine.supervisor, setup, std::move(links));
-    app->view().setEventName(QStringLiteral("Prom"));
+    app->controller().setEventName(QStringLiteral("Prom"));
     ASSERT_TRUE(app->show());
     ASSERT_TRUE(QTest::qWaitForWindowExposed(app->window()));
     app->window()->requestActivate();
     ASSERT_TRUE(QTest::qWaitForWindowActive(app->window()));
-    ASSERT_TRUE(
-        waitUntil([this] { return !view().toolStates().isEmpty() && !view().isCheckingTools(); }));
+    ASSERT_TRUE(waitUntil([this] {
+        return !controller().tools().toolStates().isEmpty() &&
+               !controller().tools().isCheckingTools();
+    }));
     settle();
 }
 
@@ -168,25 +170,26 @@ QString WindowTest::link(const char* kind, const QString& name) {
 }
 
 void WindowTest::addReadRows(const QStringList& links) {
-    for (const DownloadItem& added : view().addLinksToQueue(links)) {
+    for (const DownloadItem& added : controller().addLinksToQueue(links)) {
         const QString title = added.url.section(u'/', -1);
-        view().applyResolution({{{added.url, added.source, title, QStringLiteral("3:45"), {}}}, {}},
-                               added, view().queue().indexOf(added.id));
+        controller().resolution().applyResolution(
+            {{{added.url, added.source, title, QStringLiteral("3:45"), {}}}, {}}, added,
+            controller().queue().indexOf(added.id));
     }
     settle();
 }
 
 bool WindowTest::waitForEnd() const {
-    const bool ended = waitUntil([this] { return view().activeDownloadRuns() == 0; });
+    const bool ended = waitUntil([this] { return controller().runs().activeDownloadRuns() == 0; });
     settle();
     return ended;
 }
 
 std::vector<qsizetype> WindowTest::selectedRows() const {
     std::vector<qsizetype> rows;
-    for (const DownloadItem& each : view().queue().rows()) {
-        if (view().selectedQueueItemIDs().contains(each.id))
-            rows.push_back(view().queue().indexOf(each.id));
+    for (const DownloadItem& each : controller().queue().rows()) {
+        if (controller().editor().selection().ids.contains(each.id))
+            rows.push_back(controller().queue().indexOf(each.id));
     }
     return rows;
 }

@@ -34,8 +34,10 @@ protected:
     static QString text(const QQuickItem* item) { return item->property("text").toString(); }
     bool isEnabled(const char* objectName) const { return item(objectName)->isEnabled(); }
     bool isShown(const char* objectName) const { return item(objectName)->isVisible(); }
-    ContentView& view() const { return app->view(); }
-    const DownloadItem& record(qsizetype index) const { return view().queue().rows().at(index); }
+    Controller& controller() const { return app->controller(); }
+    const DownloadItem& record(qsizetype index) const {
+        return controller().queue().rows().at(index);
+    }
 
     // What assistive technology is told.
 
@@ -62,7 +64,7 @@ protected:
     static void settle() { QTest::qWait(30); }
 
     Machine machine;
-    ContentViewSetup setup;
+    ControllerSetup setup;
     QString clipboard;
     QStringList opened;  ///< what the desktop was asked to show
     std::unique_ptr<ReelcrateApp> app;

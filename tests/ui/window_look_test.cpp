@@ -115,10 +115,10 @@ TEST_F(WindowLookTest, MixedQueue) {
                  link("broken", QStringLiteral("b")),
                  QStringLiteral("https://open.spotify.com/song/c")});
     for (const int index : {0, 1})
-        view().startDownloadRun({record(index).id});
+        controller().startDownloadRun({record(index).id});
     EXPECT_TRUE(waitForEnd());
-    view().setPastedLinks(link("slowread", QStringLiteral("d")));
-    view().addSongsFromFieldOrClipboard();
+    controller().setPastedLinks(link("slowread", QStringLiteral("d")));
+    controller().addSongsFromFieldOrClipboard();
     addReadRows({link("song", QStringLiteral("A title that is far too long for the room there is, "
                                              "so that it has to be cut off somewhere"))});
     for (const QSize& size : {preferred, minimum}) {

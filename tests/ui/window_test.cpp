@@ -37,33 +37,33 @@ TEST_F(WindowTest, AnEmptyQueueSaysSoAndOffersWhatIsPossible) {
     EXPECT_EQ(text("activeCount"), QStringLiteral("0 active"));
     EXPECT_FALSE(isShown("selectedCount"));
     EXPECT_EQ(text("outputFolder"), machine.path(QStringLiteral("Desktop/Reelcrate Downloads")));
-    EXPECT_EQ(text("summary"), view().activeSummary());
+    EXPECT_EQ(text("summary"), controller().activeSummary());
     EXPECT_TRUE(app->hasDeleteKeyMonitor());
 
     click("openOutput");
-    EXPECT_THAT(opened, ElementsAre(QStringLiteral("folder ") + view().outputFolder()));
-    EXPECT_TRUE(QFileInfo::exists(view().outputFolder()));
+    EXPECT_THAT(opened, ElementsAre(QStringLiteral("folder ") + controller().outputFolder()));
+    EXPECT_TRUE(QFileInfo::exists(controller().outputFolder()));
 }
 
 TEST_F(WindowTest, LinksComeInByFieldButtonsClipboardDropAndCommandLine) {
     open({{link("song", QStringLiteral("first"))}});
-    EXPECT_TRUE(waitUntil([this] { return view().queue().size() == 1; }));
+    EXPECT_TRUE(waitUntil([this] { return controller().queue().size() == 1; }));
 
     click("linkField");
     type(link("song", QStringLiteral("typed")));
-    EXPECT_EQ(view().pastedLinks(), link("song", QStringLiteral("typed")));
+    EXPECT_EQ(controller().pastedLinks(), link("song", QStringLiteral("typed")));
     press(Qt::Key_Return);
-    EXPECT_EQ(view().queue().size(), 2);
+    EXPECT_EQ(controller().queue().size(), 2);
     EXPECT_EQ(text("linkField"), QString());
 
     clipboard = link("song", QStringLiteral("copied"));
     click("pasteLink");
     EXPECT_EQ(text("linkField"), clipboard);
     click("addLink");
-    EXPECT_EQ(view().queue().size(), 3);
+    EXPECT_EQ(controller().queue().size(), 3);
     clipboard = link("song", QStringLiteral("large"));
     click("addSongs");
-    EXPECT_EQ(view().queue().size(), 4);
+    EXPECT_EQ(controller().queue().size(), 4);
 
     // A list of links as a file, too; what holds none is not taken.
     const QString list = machine.path(QStringLiteral("list.url"));
@@ -72,19 +72,19 @@ TEST_F(WindowTest, LinksComeInByFieldButtonsClipboardDropAndCommandLine) {
     EXPECT_EQ(record(4).url, link("song", QStringLiteral("shortcut")));
     EXPECT_FALSE(WindowState::takesDrop({}, QStringLiteral("no link")));
     EXPECT_FALSE(WindowState::takesDrop({QUrl::fromLocalFile(QStringLiteral("/song.mp3"))}, {}));
-    view().deleteQueueItems({record(4).id});
+    controller().editor().deleteQueueItems({record(4).id});
 
     // What comes by these ways leaves the field alone.
-    view().setPastedLinks(QStringLiteral("half a link"));
+    controller().setPastedLinks(QStringLiteral("half a link"));
     drop(QStringLiteral("listen: %1").arg(link("song", QStringLiteral("text"))), false);
-    EXPECT_EQ(view().queue().size(), 5);
+    EXPECT_EQ(controller().queue().size(), 5);
     drop(link("song", QStringLiteral("url%20with%26more")), true);
     EXPECT_EQ(record(5).url, link("song", QStringLiteral("url%20with%26more")));
-    EXPECT_EQ(view().queue().size(), 6);
+    EXPECT_EQ(controller().queue().size(), 6);
     clipboard = link("song", QStringLiteral("key"));
     clickRow(0);
     press(Qt::Key_V, Qt::ControlModifier);
-    EXPECT_EQ(view().queue().size(), 7);
+    EXPECT_EQ(controller().queue().size(), 7);
     EXPECT_EQ(text("linkField"), QStringLiteral("half a link"));
 
     clipboard.clear();
@@ -122,11 +122,11 @@ TEST_F(WindowTest, RowsAreSelectedByPointerAndKeyboard) {
 
     clickRow(2);
     press(Qt::Key_Delete);
-    EXPECT_EQ(view().queue().size(), 7);
+    EXPECT_EQ(controller().queue().size(), 7);
     EXPECT_EQ(text(inRow(2, "title")), QStringLiteral("song4"));
     clickRow(2);
     press(Qt::Key_Backspace);
-    EXPECT_EQ(view().queue().size(), 6);
+    EXPECT_EQ(controller().queue().size(), 6);
 }
 
 TEST_F(WindowTest, KeysInATextAreTheTexts) {
@@ -137,15 +137,15 @@ TEST_F(WindowTest, KeysInATextAreTheTexts) {
     press(Qt::Key_A, Qt::ControlModifier);
     press(Qt::Key_Delete);
     type(QStringLiteral("Gala"));
-    EXPECT_EQ(view().eventName(), QStringLiteral("Gala"));
-    EXPECT_EQ(view().queue().size(), 3);
+    EXPECT_EQ(controller().eventName(), QStringLiteral("Gala"));
+    EXPECT_EQ(controller().queue().size(), 3);
     EXPECT_THAT(selectedRows(), ElementsAre(1));
 
     // A click on the queue, beside the rows too, gives the keyboard back to it.
     click("queueList");
     press(Qt::Key_Down);
     EXPECT_THAT(selectedRows(), ElementsAre(2));
-    EXPECT_EQ(view().eventName(), QStringLiteral("Gala"));
+    EXPECT_EQ(controller().eventName(), QStringLiteral("Gala"));
 }
 
 TEST_F(WindowTest, TheKeyboardReachesEveryControlAndTheRows) {
@@ -165,10 +165,10 @@ TEST_F(WindowTest, TheKeyboardReachesEveryControlAndTheRows) {
         EXPECT_TRUE(reached.contains(QString::fromLatin1(name))) << name;
 
     click("modeMP4");
-    EXPECT_EQ(view().downloadMode(), DownloadMode::video);
+    EXPECT_EQ(controller().downloadMode(), DownloadMode::video);
     item("modeMP3")->forceActiveFocus(Qt::TabFocusReason);
     press(Qt::Key_Return);
-    EXPECT_EQ(view().downloadMode(), DownloadMode::audio);
+    EXPECT_EQ(controller().downloadMode(), DownloadMode::audio);
 
     // A click on a row takes the keyboard from the button that had it.
     item("clearQueue")->forceActiveFocus(Qt::TabFocusReason);
@@ -202,7 +202,7 @@ TEST_F(WindowTest, TheKeyboardGoesThroughTheQueueInSteps) {
     press(Qt::Key_F10, Qt::ShiftModifier);
     EXPECT_TRUE(item("deleteFromRow")->property("highlighted").toBool());
     press(Qt::Key_Return);
-    EXPECT_EQ(view().queue().size(), 39);
+    EXPECT_EQ(controller().queue().size(), 39);
 }
 
 TEST_F(WindowTest, KeysStayTheQueuesThroughEmptyAndFull) {
@@ -216,7 +216,7 @@ TEST_F(WindowTest, KeysStayTheQueuesThroughEmptyAndFull) {
         } else {
             click("clearQueue");
         }
-        EXPECT_EQ(view().queue().size(), 0);
+        EXPECT_EQ(controller().queue().size(), 0);
         addReadRows(links("song", 3));
         press(Qt::Key_Down);
         EXPECT_THAT(selectedRows(), ElementsAre(0));
@@ -260,7 +260,7 @@ TEST_F(WindowTest, ShortcutsWorkWithoutLatinLetters) {
 TEST_F(WindowTest, ARowsErrorAndLinksCanBeCopied) {
     open();
     addReadRows({link("broken", QStringLiteral("a")), link("song", QStringLiteral("b"))});
-    view().startDownloadRun({record(0).id});
+    controller().startDownloadRun({record(0).id});
     EXPECT_TRUE(waitForEnd());
     const auto choose = [this](const char* entry) {
         click(inRow(0, "title"), Qt::RightButton);
@@ -282,7 +282,7 @@ TEST_F(WindowTest, ARunningRowsCardKeepsItsHeight) {
     const double height = row(0)->height();
     EXPECT_GT(height, 80);
     for (const char* detail : {"Downloading Song", "Something of its own", ""}) {
-        const_cast<QueueStore&>(view().queue()).update(record(0).id, [&](DownloadItem& row) {
+        const_cast<QueueStore&>(controller().queue()).update(record(0).id, [&](DownloadItem& row) {
             row.detail = QString::fromLatin1(detail);
         });
         settle();
@@ -304,9 +304,9 @@ TEST_F(WindowTest, TheMenuOfARowDeletesItOrTheSelection) {
         return offered;
     };
     EXPECT_EQ(chooseFrom(3), QStringLiteral("Delete Song"));
-    EXPECT_EQ(view().queue().size(), 4);
+    EXPECT_EQ(controller().queue().size(), 4);
     EXPECT_EQ(chooseFrom(1), QStringLiteral("Delete Selected Songs"));
-    EXPECT_EQ(view().queue().size(), 2);
+    EXPECT_EQ(controller().queue().size(), 2);
 
     addReadRows(links("hold", 1));
     click("downloadAll");
@@ -330,11 +330,11 @@ TEST_F(WindowTest, TheQueuesMenuSavesThePlaylistOfWhatIsComplete) {
     ASSERT_TRUE(waitForEnd());
     click(inRow(0, "title"), Qt::RightButton);
     click("savePlaylist");
-    const QString folder = view().eventFolder();
+    const QString folder = controller().eventFolder();
     const QByteArray playlist = readFile(folder + u'/' + playlistName(folder));
-    const QString song = view().queue().rows().first().outputPath.section(u'/', -1);
+    const QString song = controller().queue().rows().first().outputPath.section(u'/', -1);
     EXPECT_TRUE(playlist.endsWith('\n' + song.toUtf8() + '\n')) << playlist.toStdString();
-    EXPECT_EQ(view().activeSummary(), QStringLiteral("Saved playlist of 1 song"));
+    EXPECT_EQ(controller().activeSummary(), QStringLiteral("Saved playlist of 1 song"));
 }
 
 TEST_F(WindowTest, TheQueuesMenuSwitchesTheTagsOfLoudness) {
@@ -343,9 +343,9 @@ TEST_F(WindowTest, TheQueuesMenuSwitchesTheTagsOfLoudness) {
     for (const bool tags : {true, false}) {
         click(inRow(0, "title"), Qt::RightButton);
         click("tagLoudness");
-        EXPECT_EQ(view().tagsLoudness(), tags);
+        EXPECT_EQ(controller().tagsLoudness(), tags);
     }
-    view().setDownloadMode(DownloadMode::video);
+    controller().setDownloadMode(DownloadMode::video);
     click(inRow(0, "title"), Qt::RightButton);
     EXPECT_FALSE(isEnabled("tagLoudness"));
 }
@@ -354,10 +354,10 @@ TEST_F(WindowTest, SongListsComeInByMenuDropAndCommandLine) {
     const QString list = machine.path(QStringLiteral("list.txt"));
     EXPECT_TRUE(writeFile(list, "ABBA - Waterloo (2:46)\n"));
     open({.texts = {}, .lists = {list}});
-    EXPECT_TRUE(waitUntil([this] { return view().queue().size() == 1; }));
+    EXPECT_TRUE(waitUntil([this] { return controller().queue().size() == 1; }));
     settle();
     EXPECT_EQ(text(inRow(0, "title")), QStringLiteral("ABBA - Waterloo"));
-    view().clearQueue();
+    controller().clearQueue();
     settle();
 
     // The queue's menu is there without a row.
@@ -369,7 +369,7 @@ TEST_F(WindowTest, SongListsComeInByMenuDropAndCommandLine) {
     click(item("emptyQueue"), Qt::RightButton);
     EXPECT_FALSE(isShown("deleteFromRow"));
     click("pasteSongList");
-    EXPECT_EQ(view().queue().size(), 2);
+    EXPECT_EQ(controller().queue().size(), 2);
     EXPECT_EQ(record(1).source, SourceType::song);
 
     // By the ways of links come links alone.
@@ -377,16 +377,17 @@ TEST_F(WindowTest, SongListsComeInByMenuDropAndCommandLine) {
     clickRow(0);
     press(Qt::Key_V, Qt::ControlModifier);
     click("addSongs");
-    EXPECT_EQ(view().queue().size(), 2);
-    EXPECT_EQ(view().activeSummary(), QStringLiteral("Copy a share link, then click Add Songs"));
+    EXPECT_EQ(controller().queue().size(), 2);
+    EXPECT_EQ(controller().activeSummary(),
+              QStringLiteral("Copy a share link, then click Add Songs"));
 
     drop(QUrl::fromLocalFile(list).toString(), true);
-    EXPECT_EQ(view().queue().size(), 3);
+    EXPECT_EQ(controller().queue().size(), 3);
     EXPECT_EQ(record(2).title, QStringLiteral("ABBA - Waterloo"));
     // Beside a link, nothing is read as a song.
     EXPECT_TRUE(writeFile(list, "Title,Link\nA - B,http://site/song/inside\n"));
     drop(QUrl::fromLocalFile(list).toString(), true);
-    EXPECT_EQ(view().queue().size(), 4);
+    EXPECT_EQ(controller().queue().size(), 4);
     EXPECT_EQ(record(3).url, link("song", QStringLiteral("inside")));
 
     click(inRow(1, "title"), Qt::RightButton);
@@ -406,14 +407,14 @@ TEST_F(WindowTest, ARunDisablesWhatMustNotHappenMeanwhile) {
         auto* accessible = QAccessible::queryAccessibleInterface(item(name));
         accessible->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
     }
-    EXPECT_EQ(view().queue().size(), 8) << "pressed by assistive technology";
+    EXPECT_EQ(controller().queue().size(), 8) << "pressed by assistive technology";
     EXPECT_EQ(text("activeCount"), QStringLiteral("6 active"));
     EXPECT_TRUE(row(0)->property("isRunning").toBool());
     EXPECT_TRUE(row(0)->property("actionIsBusy").toBool());
     EXPECT_TRUE(row(6)->property("actionIsBusy").toBool());
     clickRow(0);
     press(Qt::Key_Delete);
-    EXPECT_EQ(view().queue().size(), 8);
+    EXPECT_EQ(controller().queue().size(), 8);
     EXPECT_TRUE(app->window()->title().contains(u'%'));
 
     machine.tell(QStringLiteral("go"));
@@ -455,7 +456,7 @@ TEST_F(WindowTest, WhatGoesOnIsStoppedByMenuKeyAndButton) {
 
     item("stopAll")->forceActiveFocus(Qt::TabFocusReason);
     press(Qt::Key_Return);
-    EXPECT_EQ(view().queue().countWithStatus(QueueStatus::waiting), 9);
+    EXPECT_EQ(controller().queue().countWithStatus(QueueStatus::waiting), 9);
     EXPECT_TRUE(waitForEnd());
     EXPECT_FALSE(isShown("stopAll"));
     EXPECT_TRUE(item("openOutput")->hasActiveFocus());
@@ -467,8 +468,8 @@ TEST_F(WindowTest, WhatGoesOnIsStoppedByMenuKeyAndButton) {
 TEST_F(WindowTest, AFailedRowIsReadOrDownloadedAgain) {
     open();
     addReadRows({link("broken", QStringLiteral("a"))});
-    view().setPastedLinks(link("unreadable", QStringLiteral("b")));
-    view().addSongsFromFieldOrClipboard();
+    controller().setPastedLinks(link("unreadable", QStringLiteral("b")));
+    controller().addSongsFromFieldOrClipboard();
     EXPECT_TRUE(waitUntil([this] { return record(1).status == QueueStatus::failed; }));
     click(inRow(0, "action"));
     EXPECT_TRUE(waitForEnd());
@@ -500,7 +501,7 @@ TEST_F(WindowTest, SetupShowsWhatIsMissingAndIsReadyAfterwards) {
     const auto pillColor = [this] { return item("setupLabel")->property("color").value<QColor>(); };
     EXPECT_EQ(text("setup"), QStringLiteral("Setup"));
     EXPECT_EQ(pillColor().rgb(), TechTheme::amber.rgb());
-    EXPECT_EQ(text("setupDetail"), view().setupDetailText());
+    EXPECT_EQ(text("setupDetail"), controller().tools().setupDetailText());
     EXPECT_FALSE(isEnabled("addSongs"));
     EXPECT_FALSE(isEnabled("addLink"));
     EXPECT_FALSE(isEnabled("downloadAll"));
@@ -516,7 +517,7 @@ TEST_F(WindowTest, SetupShowsWhatIsMissingAndIsReadyAfterwards) {
     EXPECT_EQ(pillColor().rgb(), TechTheme::amber.rgb());
 
     machine.install(QStringLiteral("yt-dlp"));
-    view().checkTools();
+    controller().tools().checkTools();
     EXPECT_TRUE(waitUntil([this] { return text("setup") == QStringLiteral("Checking Setup"); }));
     EXPECT_EQ(pillColor().rgb(), TechTheme::gold.rgb());
     EXPECT_TRUE(waitUntil([this] { return !app->state().controls().isSettingUp; }));
@@ -564,7 +565,7 @@ TEST_F(WindowTest, TheUpdateScanTellsItsOutcome) {
     EXPECT_TRUE(
         waitUntil([this] { return text("scanForUpdate") == QStringLiteral("Scan for Update"); }));
     EXPECT_TRUE(isShown("updateMessage"));
-    EXPECT_EQ(text("updateMessage"), view().updateMessage());
+    EXPECT_EQ(text("updateMessage"), controller().update().updateMessage());
 }
 
 TEST_F(WindowTest, ClosingOnUnfinishedSongsAsksOnce) {
@@ -578,7 +579,7 @@ TEST_F(WindowTest, ClosingOnUnfinishedSongsAsksOnce) {
     press(Qt::Key_A, Qt::ControlModifier);
     EXPECT_THAT(selectedRows(), ElementsAre()) << "keys belong to the question";
     click("keepDownloading");
-    EXPECT_EQ(view().activeQueueDownloadCount(), 6);
+    EXPECT_EQ(controller().activeQueueDownloadCount(), 6);
     app->window()->close();
     settle();
     click("quit");
@@ -594,19 +595,20 @@ TEST_F(WindowTest, LogsShowTheirEndAndGiveAllOfIt) {
     click("logDisclosure");
     LogTail* log = app->state().runLog();
     QTextDocument* shown = log->document()->textDocument();
-    QString readable = view().runLog();
+    QString readable = controller().runs().runLog().text();
     readable.remove(QRegularExpression(QStringLiteral("(?<=\n)1/1 RCR_PROGRESS:[^\n]*\n")));
     EXPECT_EQ(shown->toPlainText(), readable);
-    EXPECT_NE(readable, view().runLog()) << "the whole has the progress, too";
+    EXPECT_NE(readable, controller().runs().runLog().text()) << "the whole has the progress, too";
     const QString line = QString(150, u'x') + u'\n';
     for (int i = 0; i < 3000; ++i)
-        view().appendRunLog(line + QString::number(i) + u'\n');
+        controller().runs().appendRunLog(line + QString::number(i) + u'\n');
     EXPECT_TRUE(
         waitUntil([&] { return shown->toPlainText().endsWith(QStringLiteral("\n2999\n")); }));
     EXPECT_LE(shown->blockCount(), LogTail::mostLines);
     log->copyAll();
-    EXPECT_EQ(QGuiApplication::clipboard()->text().size(), view().runLog().size());
-    view().clearQueue();
+    EXPECT_EQ(QGuiApplication::clipboard()->text().size(),
+              controller().runs().runLog().text().size());
+    controller().clearQueue();
     EXPECT_TRUE(shown->isEmpty());
 }
 
@@ -647,7 +649,7 @@ TEST_F(WindowTest, AssistiveTechnologySeesTheRowsAndPressesWhatIsEnabled) {
     press(Qt::Key_Home);
     addReadRows({link("song", QStringLiteral("again"))});
     QStringList expected;
-    for (const DownloadItem& each : view().queue().rows())
+    for (const DownloadItem& each : controller().queue().rows())
         expected.append(rowAccessibleName(each));
     EXPECT_EQ(rowNames(), expected);
     EXPECT_TRUE(accessibleRow(0)->state().focused && accessibleRow(0)->state().selected);
@@ -660,19 +662,19 @@ TEST_F(WindowTest, AssistiveTechnologySeesTheRowsAndPressesWhatIsEnabled) {
     };
     using State = QAccessible::State;
     EXPECT_TRUE(becomes("modeMP4", [](const State& state) { return state.checked; }));
-    EXPECT_EQ(view().downloadMode(), DownloadMode::video);
+    EXPECT_EQ(controller().downloadMode(), DownloadMode::video);
     EXPECT_TRUE(becomes("logDisclosure", [](const State& state) { return state.expanded; }));
     EXPECT_TRUE(becomes("clearQueue", [](const State& state) { return state.disabled; }));
-    EXPECT_EQ(view().queue().size(), 0);
+    EXPECT_EQ(controller().queue().size(), 0);
     EXPECT_THAT(rowNames(), ElementsAre());
 }
 
 TEST_F(WindowTest, TenThousandRowsComeGoAndFollowTheKeyboard) {
     open();
-    view().addLinksToQueue(links("song", 10'000));
+    controller().addLinksToQueue(links("song", 10'000));
     settle();
     press(Qt::Key_Down);  // without the keyboard's attention: nothing
-    EXPECT_TRUE(view().selectedQueueItemIDs().isEmpty());
+    EXPECT_TRUE(controller().editor().selection().ids.isEmpty());
     click("songCount");  // the queue, beside its rows
     press(Qt::Key_Up);
     EXPECT_THAT(selectedRows(), ElementsAre(9999));
@@ -684,7 +686,7 @@ TEST_F(WindowTest, TenThousandRowsComeGoAndFollowTheKeyboard) {
     QSet<QUuid> odd;
     for (qsizetype i = 1; i < 10'000; i += 2)
         odd.insert(record(i).id);
-    view().deleteQueueItems(odd);
+    controller().editor().deleteQueueItems(odd);
     settle();
     EXPECT_NEAR(list->property("contentY").toDouble(), place / 2, 1000) << "the same rows in sight";
     settle();
