@@ -14,6 +14,11 @@ FieldSurface {
     TextEntry {
         id: field
 
+        // To lay out all of a long line takes longer than a key is held: it is shown by its
+        // beginning, and taken or dropped as a whole.
+        readonly property int longest: 4000
+        readonly property bool isLong: root.state.pastedLinks.length > longest
+
         objectName: "linkField"
         anchors.verticalCenter: parent.verticalCenter
         width: paste.x - 4
@@ -21,13 +26,18 @@ FieldSurface {
         rightPadding: 4
         font.pixelSize: 14
         maximumLength: 2147483647  // a whole set list may be pasted
-        text: root.state.pastedLinks
+        text: isLong ? root.state.pastedLinks.slice(0, 300) + " …" : root.state.pastedLinks
+        readOnly: isLong
         placeholderText: "Paste link here"
         Accessible.name: "Paste Link"
         // Also what assistive technology sets.
         onTextChanged: {
-            if (text !== root.state.pastedLinks)
+            if (root.state.pastedLinks.length <= longest && text !== root.state.pastedLinks)
                 root.state.pastedLinks = text;
+        }
+        Keys.onPressed: event => {
+            if (isLong && (event.key === Qt.Key_Backspace || event.key === Qt.Key_Delete))
+                root.state.pastedLinks = "";
         }
         onAccepted: root.state.addSongsFromFieldOrClipboard()
     }

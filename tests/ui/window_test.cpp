@@ -337,6 +337,26 @@ TEST_F(WindowTest, TheQueuesMenuSavesThePlaylistOfWhatIsComplete) {
     EXPECT_EQ(controller().activeSummary(), QStringLiteral("Saved playlist of 1 song"));
 }
 
+TEST_F(WindowTest, ALongListInTheFieldIsShownByItsBeginningAndTakenWhole) {
+    open();
+    clipboard = links("song", 10'000).join(u' ');
+    click("pasteLink");
+    EXPECT_LT(text("linkField").size(), 400);
+    click("linkField");
+    type(QStringLiteral("more"));
+    EXPECT_EQ(controller().pastedLinks(), clipboard);
+    press(Qt::Key_Backspace);
+    EXPECT_EQ(controller().pastedLinks(), QString());
+    type(QStringLiteral("x"));
+    EXPECT_EQ(controller().pastedLinks(), QStringLiteral("x"));
+
+    item("linkField")->setProperty("text", clipboard);  // as the field's own paste does
+    EXPECT_LT(text("linkField").size(), 400);
+    press(Qt::Key_Return);
+    EXPECT_EQ(controller().queue().size(), 10'000);
+    EXPECT_EQ(text("linkField"), QString());
+}
+
 TEST_F(WindowTest, TheQueuesMenuSwitchesTheTagsOfLoudness) {
     open();
     addReadRows(links("hold", 1));
