@@ -8,7 +8,8 @@ target_compile_definitions(
             QT_NO_KEYWORDS)
 if(REELCRATE_SANITIZERS)
   set(_sanitize -fsanitize=${REELCRATE_SANITIZERS} -fno-omit-frame-pointer)
-  target_compile_options(reelcrate_options INTERFACE ${_sanitize})
+  # Among its additions the compiler loses sight of what has a value.
+  target_compile_options(reelcrate_options INTERFACE ${_sanitize} -Wno-maybe-uninitialized)
   target_link_options(reelcrate_options INTERFACE ${_sanitize})
 endif()
 
