@@ -23,6 +23,8 @@ QList<std::optional<QString>> EventLibrary::existingDownloadedFiles(
     {
         const std::lock_guard lock(m_mutex);
         writers = m_writers;
+        // A copy that is shared would be read by this thread while others write to it.
+        writers.detach();
     }
     const FinishedFileIndex index(target.folder, target.mode, writers);
     QList<std::optional<QString>> files;
