@@ -15,6 +15,8 @@
 #include "resolve/song_search.h"
 #include "tools/tool_discovery.h"
 
+#include <QFile>
+
 #include <atomic>
 #include <memory>
 #include <utility>
@@ -176,20 +178,28 @@ void RowDownload::download(WorkingFolder& folder, const std::stop_token& stop) {
         folder.removeParts();
         tool = runTool(folder, Conversion::strict, stop);
     }
-    std::optional<double> sourceSeconds;
-    if (tool.output.conversionFailed() && !stop.stop_requested())
-        sourceSeconds = m_finisher.damagedLength(folder.unconvertedSource(), log);
-    if (sourceSeconds && !stop.stop_requested()) {
+    const auto isDone = [&] { return tool.succeeded || tool.output.onlyCoversFailed(); };
+    const bool isSong = m_plan.target.mode == DownloadMode::audio;
+    const QString sourceFile = isSong && !isDone() ? folder.unconvertedSource() : QString();
+    SongFinisher::SourceLook source;
+    if (!sourceFile.isEmpty() && !stop.stop_requested())
+        source = m_finisher.lookAtSource(sourceFile, log);
+    if (source.isDamaged && source.seconds && tool.output.conversionFailed() &&
+        !stop.stop_requested()) {
         folder.keepResumable(m_plan.target.mode);
         tool = runTool(folder, Conversion::lenient, stop);
     }
     if (stop.stop_requested())
         return;
-    const bool isDone = tool.succeeded || tool.output.onlyCoversFailed();
-    if (isDone && !tool.output.foundNothing())
-        finish(folder, sourceSeconds, stop);
-    else
-        fail(causeOf(tool.output, folder));
+    if (isDone() && !tool.output.foundNothing()) {
+        finish(folder, source.seconds, stop);
+        return;
+    }
+    const FailureCause cause = causeOf(tool.output, folder);
+    // It would be taken for the song's source the next time, too, and not be fetched again.
+    if (source.isDamaged)
+        QFile::remove(sourceFile);
+    fail(cause);
 }
 
 FailureCause RowDownload::causeOf(const OutputReader& output, const WorkingFolder& folder) const {
@@ -236,6 +246,8 @@ void RowDownload::finish(WorkingFolder& folder, std::optional<double> sourceSeco
             return;
         if (song)
             songs.append(*std::move(song));
+        else
+            QFile::remove(file);  // or the next time it would be taken for what was fetched
     }
     enterStage(isSong ? row_text::savingSong : row_text::savingVideo, 0.99, 1);
     if (!pauseFor(stop, isSong ? m_plan.timing.savingAudio : m_plan.timing.savingVideo))

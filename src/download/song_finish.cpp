@@ -119,16 +119,19 @@ std::optional<QString> SongFinisher::enter(const QString& file, const QString& s
     return arrival.path;
 }
 
-std::optional<double> SongFinisher::damagedLength(const QString& source, const Log& log) const {
-    if (source.isEmpty())
-        return std::nullopt;
+SongFinisher::SourceLook SongFinisher::lookAtSource(const QString& source, const Log& log) const {
     const SongMeasure measure = m_measurer.measure(source);
-    if (measure.complaint.isEmpty() || measure.decodedSeconds <= 0)
-        return std::nullopt;
+    if (measure.complaint.isEmpty())
+        return {};
+    if (measure.decodedSeconds <= 0) {
+        log(about(source,
+                  QStringLiteral("What was downloaded is no song (%1).").arg(measure.complaint)));
+        return {true, std::nullopt};
+    }
     log(about(source, QStringLiteral("The source is damaged (%1); what can be heard of it is "
                                      "converted.")
                           .arg(measure.complaint)));
-    return measure.headerSeconds.value_or(measure.decodedSeconds);
+    return {true, measure.headerSeconds.value_or(measure.decodedSeconds)};
 }
 
 SongFinisher::Look SongFinisher::lookAt(const QString& file, DownloadMode mode) const {

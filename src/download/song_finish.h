@@ -56,9 +56,14 @@ public:
 
     Look lookAt(const QString& file, DownloadMode mode) const;
 
-    /// The length in seconds of what can be heard of a source that was not converted, if something
-    /// in it is damaged, and the log says so. Absent when it is sound, or when there is nothing.
-    std::optional<double> damagedLength(const QString& source, const Log& log) const;
+    /// What a source is worth that was not converted.
+    struct SourceLook {
+        bool isDamaged = false;         ///< somewhere, or throughout
+        std::optional<double> seconds;  ///< of a damaged one of which something can be heard
+    };
+
+    /// The log says what is damaged.
+    SourceLook lookAtSource(const QString& source, const Log& log) const;
 
 private:
     std::optional<Prepared> prepareSong(const QString& file, const EventTarget& target,

@@ -56,7 +56,8 @@ class Sources(FaultTest):
         media.write_bytes(content)
         # All that its beginning announces is not there, though the transfer is complete.
         media = cls.site.media_file(HALF.name)
-        media.write_bytes(media.read_bytes()[: media.stat().st_size // 2])
+        cls.whole = media.read_bytes()
+        media.write_bytes(cls.whole[: len(cls.whole) // 2])
         (cls.site.folder / COVERLESS.cover).write_text("There is no picture.\n")
 
     def run_song(self, song, fault, detail):
@@ -70,6 +71,16 @@ class Sources(FaultTest):
 
     def test_half(self):
         self.run_song(HALF, "a source that ends half-way, though its transfer is complete", FAILED)
+
+    def test_mended(self):
+        """What could not be converted is not taken for the source when the site has a whole one."""
+        media = self.site.media_file(HALF.name)
+        for content in (self.whole[: len(self.whole) // 2], b"<p>Busy.</p>" * 3000):
+            media.write_bytes(content)
+            link = self.site.link(HALF.name)
+            self.assertDetails(self.run_event(link, event=str(len(content))), FAILED)
+            media.write_bytes(self.whole)
+            self.assertDetails(self.run_event(link, event=str(len(content))), TRIMMED)
 
     def test_cover_that_is_no_picture(self):
         outcome = self.run_song(COVERLESS, "a cover that is no picture", TRIMMED)
