@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/finished_file_index.h"
+#include "library/place_file.h"
 #include "records/download_mode.h"
 #include "records/media_records.h"
 
@@ -58,7 +59,9 @@ public:
                   const IsSameSong& isSameSong);
 
 private:
+    FileWriters writers() const;
     std::optional<QString> writerOf(const QString& path) const;
+    Placement placeAs(const QString& file, const QString& path, const QString& songKey);
 
     mutable std::mutex m_mutex;
     FileWriters m_writers;  ///< of the files that entered since the program started

@@ -87,11 +87,11 @@ QString keyOf(const PlaylistEntry& entry) {
 }  // namespace
 
 FinishedFileIndex::FinishedFileIndex(const QString& eventFolder, DownloadMode mode,
-                                     FileWriters writers)
-    : m_writers(std::move(writers)),
-      m_paths(finishedFilesNewestFirst(eventFolder, mode)),
-      m_loweredNames(loweredNames(m_paths)) {
-    for (const QString& path : std::as_const(m_paths))
+                                     const std::function<FileWriters()>& writers)
+    : m_paths(finishedFilesNewestFirst(eventFolder, mode)),
+      m_loweredNames(loweredNames(m_paths)),
+      m_writers(writers ? writers() : FileWriters()) {
+    for (const QString& path : m_paths)
         m_titleKeys.push_back(usableKey(nameWithoutExtension(path)));
 }
 

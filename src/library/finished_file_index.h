@@ -20,7 +20,9 @@ using FileWriters = QHash<QString, QString>;
 
 class FinishedFileIndex {
 public:
-    FinishedFileIndex(const QString& eventFolder, DownloadMode mode, FileWriters writers = {});
+    /// `writers` is asked after the walk, so that it knows of each file that was seen.
+    FinishedFileIndex(const QString& eventFolder, DownloadMode mode,
+                      const std::function<FileWriters()>& writers = {});
 
     /// The absolute path of the file that the same song is known to have written, or of the newest
     /// with the entry's identifier in its name, or else of the newest whose name matches the
@@ -34,9 +36,9 @@ private:
     std::optional<qsizetype> firstFile(const PlaylistEntry& entry, const IsAnswer& isAnswer) const;
     std::optional<qsizetype> findByTitle(const PlaylistEntry& entry) const;
 
-    FileWriters m_writers;
-    QStringList m_paths;         // newest first; the other members name files by
-    QStringList m_loweredNames;  // their position in this list
+    const QStringList m_paths;         // newest first; other members name files by
+    const QStringList m_loweredNames;  // their position in this list
+    const FileWriters m_writers;
     std::vector<std::optional<QString>> m_titleKeys;
 };
 

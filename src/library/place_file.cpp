@@ -55,35 +55,34 @@ bool isNotKnownToTheDrive(int error) {
            error == EMLINK;
 }
 
-/// The errno of a failure, or 0.
-int writeThrough(const char* path) {
-    const int file = ::open(path, O_RDONLY | O_CLOEXEC);
-    if (file < 0)
-        return errno;
-    const int result = ::fsync(file);
-    const int error = errno;
-    ::close(file);
-    return result == 0 || error == EINVAL || error == EROFS ? 0 : error;
+QString systemText(int error) {
+    return error == 0 ? QString() : QString::fromLocal8Bit(std::strerror(error));
 }
 
 }  // namespace
 
+QString writeThrough(const QString& path) {
+    const int file = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+    if (file < 0)
+        return systemText(errno);
+    const int error = ::fsync(file) == 0 ? 0 : errno;
+    ::close(file);
+    return systemText(error == EINVAL || error == EROFS ? 0 : error);
+}
+
 Placement placeFile(const QString& from, const QString& to) {
     const QByteArray source = QFile::encodeName(from);
     const QByteArray target = QFile::encodeName(to);
-    int error = writeThrough(source.constData());
-    if (error == 0) {
-        error = renameWithoutReplacing(source.constData(), target.constData());
-        if (isNotKnownToTheDrive(error))
-            error = linkAndUnlink(source.constData(), target.constData());
-        if (isNotKnownToTheDrive(error))
-            error = reserveAndRename(source.constData(), target.constData());
-    }
+    int error = renameWithoutReplacing(source.constData(), target.constData());
+    if (isNotKnownToTheDrive(error))
+        error = linkAndUnlink(source.constData(), target.constData());
+    if (isNotKnownToTheDrive(error))
+        error = reserveAndRename(source.constData(), target.constData());
     if (error == 0)
         return {};
     if (error == EEXIST)
         return {Outcome::taken, {}};
-    return {Outcome::failed, QString::fromLocal8Bit(std::strerror(error))};
+    return {Outcome::failed, systemText(error)};
 }
 
 QString temporaryBeside(const QString& path, const QString& kind, const QString& extension) {
@@ -92,9 +91,9 @@ QString temporaryBeside(const QString& path, const QString& kind, const QString&
 }
 
 QString replaceFile(const QString& from, const QString& to) {
-    return ::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0
-               ? QString()
-               : QString::fromLocal8Bit(std::strerror(errno));
+    const int result =
+        ::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData());
+    return systemText(result == 0 ? 0 : errno);
 }
 
 }  // namespace reelcrate

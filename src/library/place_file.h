@@ -2,8 +2,7 @@
 
 #include <QString>
 
-/// Gives a file its place by one step that never replaces another. Background threads: it waits for
-/// the drive.
+/// Gives files their places on the drive. Background threads: it waits for the drive.
 namespace reelcrate {
 
 struct Placement {
@@ -13,8 +12,12 @@ struct Placement {
     QString reason;  ///< the system's, when it failed
 };
 
-/// Writes the file through to the drive and renames it; both paths are on one drive. Two programs
-/// that want one name at once get it in turn: one is placed, to the other it is taken.
+/// Waits until all of the file is on the drive. Comes back with the system's reason; empty when
+/// done.
+QString writeThrough(const QString& path);
+
+/// Renames the file, in one step that never replaces another; both paths are on one drive. Two
+/// programs that want one name at once get it in turn: one is placed, to the other it is taken.
 Placement placeFile(const QString& from, const QString& to);
 
 /// A hidden name beside the file, ".KIND-IDENTIFIER.EXTENSION", for what is made of it.

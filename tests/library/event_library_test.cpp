@@ -99,6 +99,25 @@ TEST_F(EventLibraryTest, ManyAtOnceReplaceNothing) {
     EXPECT_EQ(songs.size(), count);
 }
 
+TEST_F(EventLibraryTest, WhoSeesASongKnowsWhoseItIs) {
+    std::atomic<int> found = 0;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 8; ++i) {
+        threads.emplace_back([this, i, &found] {
+            const EventTarget target{event(), DownloadMode::video};
+            const PlaylistEntry other{text("https://youtu.be/x"), SourceType::youtube, {}, {}, {}};
+            for (int song = 0; song < 60; ++song) {
+                const QByteArray name = QByteArray::number(100 * i + song);
+                enter((name + " [x].mp4").constData(), name, name.constData());
+                found += library.existingDownloadedFiles({other}, target).first() ? 1 : 0;
+            }
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(found, 0);
+}
+
 TEST(NumberedFileName, PutsTheNumberBehindTheTitle) {
     const auto second = [](const QString& name) { return numberedFileName(name, 2); };
     expectTexts(second, {{"Song [id].mp3", "Song (2) [id].mp3"},

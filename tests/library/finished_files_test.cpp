@@ -213,7 +213,7 @@ TEST_F(FinishedFiles, AreTheirWritersAlone) {
     const QString url = text("https://site.example/song#part");
     const PlaylistEntry entry{url, SourceType::link, text("Same Name"), {}, {}};
     const auto findWith = [&](const FileWriters& writers, const PlaylistEntry& wanted) {
-        return FinishedFileIndex(folder(), DownloadMode::audio, writers)
+        return FinishedFileIndex(folder(), DownloadMode::audio, [&] { return writers; })
             .existingDownloadedFile(wanted)
             .value_or(QString());
     };
