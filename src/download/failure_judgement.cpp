@@ -100,6 +100,9 @@ std::optional<FailureCause> causeInOwnWords(const QString& message) {
                  R"(^(?:unable to download video data: |\[download\] Got error: )(?!HTTP Error)"
                  R"().*(?:timed out|\[Errno -?\d+\]|Connection|bytes read|Downloaded \d+ bytes))")),
              FailureCause::noConnection},
+        // So ends a transfer of which more was announced, when a further try brings nothing.
+        Form{QRegularExpression(QStringLiteral("^Did not get any data blocks$")),
+             FailureCause::noConnection},
     };
     for (const Form& each : forms) {
         if (each.form.match(message).hasMatch())

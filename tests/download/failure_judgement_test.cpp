@@ -117,6 +117,9 @@ TEST(JudgedCause, OfFormsAndNotOfWhatIsQuoted) {
         {"ERROR: [site] 1: You've been rate-limited; please report this issue on  https://x",
          siteLimit},
         {"ERROR: [Errno 28] No space left on device", cannotWrite},
+        {"[download] Got error: Downloaded 28551 bytes, expected 57103 bytes. Retrying (1/10)...\n"
+         "ERROR: Did not get any data blocks",
+         noConnection},
         {"", other},
     };
     for (const auto& [output, cause] : cases) {
