@@ -26,15 +26,6 @@ struct ReadLine {
 /// Which of two names with a dash between comes first.
 enum class NameOrder { artistFirst, titleFirst };
 
-/// The line without control characters and turns of the writing direction, and with single blanks.
-QString cleanLine(const QString& line);
-
-/// Whether a line says anything: it has a letter or a digit.
-bool hasWords(const QString& line);
-
-/// The whole text's quotation marks go, and what encloses it likewise.
-QString withoutQuotes(const QString& text);
-
 ReadLine readSongLine(const QString& line, NameOrder order = NameOrder::artistFirst);
 
 /// The two parts of a line with one dash, in their order; absent without such a dash.

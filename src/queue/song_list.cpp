@@ -1,6 +1,7 @@
 #include "queue/song_list.h"
 
 #include "base/text.h"
+#include "queue/line_ornaments.h"
 #include "queue/separated_values.h"
 #include "queue/song_columns.h"
 

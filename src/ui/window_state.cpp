@@ -2,8 +2,8 @@
 
 #include "app/controller.h"
 #include "base/text.h"
+#include "queue/line_ornaments.h"
 #include "queue/links.h"
-#include "queue/song_line.h"
 
 #include <QClipboard>
 #include <QDir>
