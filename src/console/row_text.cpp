@@ -1,8 +1,9 @@
 #include "console/row_text.h"
 
+#include "records/progress_text.h"
+
 #include <QJsonObject>
 
-#include <algorithm>
 #include <cmath>
 #include <cwchar>
 
@@ -59,12 +60,11 @@ QString statusLine(const DownloadItem& row) {
 }
 
 QString progressLine(const DownloadItem& row, int columns) {
-    const double fraction = std::clamp(row.progress, 0.0, 1.0);
-    const int done = static_cast<int>(std::lround(fraction * barColumns));
+    const int done = static_cast<int>(std::lround(progressBarValue(row.progress) * barColumns));
     const QString bar = QString(done, u'#') + QString(barColumns - done, u'-');
-    const int percent = static_cast<int>(fraction * 100);
-    const QString line = QStringLiteral("[%1] %2%  ").arg(bar).arg(percent, 3) + row.detail +
-                         QStringLiteral("  ") + headline(row);
+    const QString line =
+        QStringLiteral("[%1] %2  ").arg(bar).arg(progressPercentage(row.progress), 4) + row.detail +
+        QStringLiteral("  ") + headline(row);
     return fitted(printable(line), columns);
 }
 

@@ -1,6 +1,7 @@
 #include "ui/queue_list_model.h"
 
 #include "app/controller.h"
+#include "records/progress_text.h"
 #include "theme/tech_theme.h"
 #include "ui/thumbnail_provider.h"
 

@@ -2,6 +2,7 @@
 
 #include "base/duration_text.h"
 #include "queue/links.h"
+#include "records/progress_text.h"
 #include "records/row_texts.h"
 #include "theme/tech_theme.h"
 
@@ -9,7 +10,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 
 namespace reelcrate {
 
@@ -257,14 +257,6 @@ QColor queueStatusShadowColor(QueueStatus status) {
 
 QColor queueStatusStrokeColor(QueueStatus status) {
     return windowColors(status).stroke;
-}
-
-QString progressPercentage(double progress) {
-    return QStringLiteral("%1%").arg(std::lround(progressBarValue(progress) * 100));
-}
-
-double progressBarValue(double progress) {
-    return std::isnan(progress) ? 0.0 : std::clamp(progress, 0.0, 1.0);
 }
 
 RowAction queueRowAction(const DownloadItem& item, bool shouldRetryInfo) {

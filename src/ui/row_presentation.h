@@ -59,12 +59,6 @@ QueueStatusBackground queueStatusBackground(QueueStatus status);
 QColor queueStatusShadowColor(QueueStatus status);
 QColor queueStatusStrokeColor(QueueStatus status);
 
-/// Whole percents such as "13%", never fewer than 0 or more than 100.
-QString progressPercentage(double progress);
-
-/// The part of the bar that is filled, 0 to 1.
-double progressBarValue(double progress);
-
 /// What the control at the row's trailing end does.
 enum class RowAction {
     busy,       ///< nothing: it shows that work is under way

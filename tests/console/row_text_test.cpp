@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <clocale>
+#include <limits>
 
 namespace reelcrate {
 namespace {
@@ -25,6 +26,20 @@ TEST(RowText, ATitleIsNoCommandToTheTerminal) {
         for (QChar c : line)
             EXPECT_TRUE(c.isPrint() && c != QChar(0x202e)) << static_cast<int>(c.unicode());
     }
+}
+
+TEST(RowText, ProgressIsRoundedAsInTheWindow) {
+    struct Case {
+        double progress;
+        const char* shown;
+    };
+    for (const auto& [progress, shown] : {
+             Case{0.004, "[--------------------]   0%  "},
+             Case{0.576, "[############--------]  58%  "},
+             Case{0.996, "[####################] 100%  "},
+             Case{std::numeric_limits<double>::quiet_NaN(), "[--------------------]   0%  "},
+         })
+        EXPECT_EQ(progressLine(runningRow(QString(), progress), 29), QString::fromLatin1(shown));
 }
 
 TEST(RowText, ProgressFitsTheTerminal) {

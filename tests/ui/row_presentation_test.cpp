@@ -1,5 +1,6 @@
 #include "ui/row_presentation.h"
 
+#include "records/progress_text.h"
 #include "support/rows.h"
 #include "support/texts.h"
 #include "theme/tech_theme.h"
