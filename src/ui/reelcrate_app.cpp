@@ -113,6 +113,8 @@ bool ReelcrateApp::show() {
     // What the desktop puts around a window is known once the window is there.
     connect(m_window, &QQuickWindow::frameSwapped, this, &ReelcrateApp::ensureReadableWindowSize,
             static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
+    // What a window grows by after that is white until it is drawn anew.
+    m_window->resize(fittingGeometry().size());
     m_window->show();
     return true;
 }
@@ -162,15 +164,20 @@ void ReelcrateApp::ensureReadableWindowSize() {
 void ReelcrateApp::sizeWindow() {
     if (!m_window->isVisible())
         return;
+    const QRect fitting = fittingGeometry();
+    if (fitting != m_window->geometry())
+        m_window->setGeometry(fitting);
+}
+
+QRect ReelcrateApp::fittingGeometry() {
     const QScreen* screen = m_window->screen();
     const ReadableWindow readable =
         readableWindow(m_window->frameGeometry(),
                        screen ? std::optional<QRectF>(screen->availableGeometry()) : std::nullopt);
-    // The rule speaks of frames, the toolkit of what is inside them.
-    const QMargins frame = m_window->frameMargins();
-    m_window->setMinimumSize(readable.minimumSize.toSize().shrunkBy(frame));
-    if (readable.frame)
-        m_window->setGeometry(readable.frame->toRect().marginsRemoved(frame));
+    // The least size is the content's; the rule for the window's own speaks of its frame.
+    m_window->setMinimumSize(readable.minimumSize.toSize());
+    return readable.frame ? readable.frame->toRect().marginsRemoved(m_window->frameMargins())
+                          : m_window->geometry();
 }
 
 void ReelcrateApp::installDeleteKeyMonitor() {

@@ -61,6 +61,8 @@ private:
     void addFirstLinks();
     void downloadFirstLinks();
     void sizeWindow();
+    /// Of the window on its screen, inside the frame; sets its least size.
+    QRect fittingGeometry();
     void showRunProgress();
     void announceEnd(int complete, int needAttention);
     void followMotionSetting();
