@@ -11,9 +11,10 @@ ThemedButton {
     rightPadding: 16
     topPadding: 15
     bottomPadding: 15
-    opacity: enabled ? 1 : 0.5
 
+    // Its label tells what goes on meanwhile, and stays readable.
     background: Surface {
+        opacity: root.enabled ? 1 : 0.62
         radius: root.cornerRadius
         fillFrom: root.down ? TechTheme.pressedGoldTop : TechTheme.actionGoldTop
         fillTo: root.down ? TechTheme.pressedGoldBottom : TechTheme.actionGoldBottom

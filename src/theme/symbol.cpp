@@ -17,7 +17,7 @@ namespace reelcrate {
 
 namespace {
 
-/// The icon of the set that stands for a symbol; CMakeLists.txt embeds them.
+/// The icon that stands for a symbol, of the set but for one; CMakeLists.txt embeds them.
 QString iconName(const QString& symbol) {
     static const QHash<QString, QString> icons{
         {QStringLiteral("arrow.clockwise"), QStringLiteral("arrow-clockwise")},
@@ -45,7 +45,7 @@ QString iconName(const QString& symbol) {
         {QStringLiteral("square.and.arrow.down"), QStringLiteral("save")},
         {QStringLiteral("stop.fill"), QStringLiteral("stop-fill")},
         {QStringLiteral("trash"), QStringLiteral("trash")},
-        {QStringLiteral("tray.and.arrow.down.fill"), QStringLiteral("inbox-fill")},
+        {QStringLiteral("tray.and.arrow.down.fill"), QStringLiteral("tray-arrow-down-fill")},
         {QStringLiteral("wrench.and.screwdriver"), QStringLiteral("tools")},
         {QStringLiteral("wrench.and.screwdriver.fill"), QStringLiteral("tools")},
     };

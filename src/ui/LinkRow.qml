@@ -68,11 +68,11 @@ FieldSurface {
         help: "Add pasted link"
         labelColor: TechTheme.ink
         labelWeight: Font.Bold
-        opacity: enabled ? 1 : 0.5
         enabled: root.state.controls.addingAllowed
         onClicked: root.state.addSongsFromFieldOrClipboard()
 
         background: Surface {
+            opacity: add.enabled ? 1 : 0.62
             radius: add.cornerRadius
             fillFrom: TechTheme.goldTop
             fillTo: TechTheme.goldBottom

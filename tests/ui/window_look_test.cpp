@@ -7,6 +7,9 @@
 #include <QDir>
 #include <QImage>
 
+#include <algorithm>
+#include <cmath>
+
 namespace reelcrate {
 namespace {
 
@@ -68,6 +71,26 @@ protected:
         }
         expectNear(colorAt(button, 4, 6), TechTheme::actionGoldTop, name);
         expectNear(colorAt(button, -5, -7), TechTheme::actionGoldBottom, name);
+    }
+
+    /// Text that goes on from this place of the item, beside what it stands on.
+    void expectReadable(const char* name, qreal x, qreal y) {
+        double darkest = 1;
+        for (int right = 0; right < 60; ++right) {
+            for (int down = -5; down <= 5; ++down)
+                darkest = std::min(darkest, luminance(colorAt(item(name), x + right, y + down)));
+        }
+        const double ground = luminance(colorAt(item(name), x - 3, y));
+        EXPECT_GE((ground + 0.05) / (darkest + 0.05), 4.5) << name;
+    }
+
+    /// As the contrast of texts is measured by.
+    static double luminance(const QColor& color) {
+        const auto linear = [](double part) {
+            return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) +
+               0.0722 * linear(color.blueF());
     }
 
     void expectRow(int index, const QColor& accent, QueueStatus status, bool selected) {
@@ -150,6 +173,8 @@ TEST_F(WindowLookTest, RunInProgress) {
         expectBackgrounds();
         expectGoldButton("addSongs", false);
         expectGoldButton("downloadAll", false);
+        expectReadable("addSongs", 58, item("addSongs")->height() / 2 - 7);
+        expectReadable("addLink", 28, item("addLink")->height() / 2);
         expectRow(0, TechTheme::gold, QueueStatus::running, false);
         expectRow(2, TechTheme::gold, QueueStatus::running, false);
     }
