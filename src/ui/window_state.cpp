@@ -1,13 +1,10 @@
 #include "ui/window_state.h"
 
 #include "app/controller.h"
-#include "base/text.h"
-#include "queue/line_ornaments.h"
-#include "queue/links.h"
+#include "ui/dropped_text.h"
 
 #include <QClipboard>
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QGuiApplication>
 
@@ -18,44 +15,6 @@
 namespace reelcrate {
 
 namespace {
-
-bool isOfKind(const QUrl& file, const QStringList& kinds) {
-    return file.isLocalFile() && kinds.contains(QFileInfo(file.toLocalFile()).suffix().toLower());
-}
-
-/// Whether a file is of a kind that people keep links in.
-bool holdsLinks(const QUrl& file) {
-    static const QStringList kinds{QStringLiteral("txt"), QStringLiteral("csv"),
-                                   QStringLiteral("m3u"), QStringLiteral("webloc"),
-                                   QStringLiteral("url")};
-    return isOfKind(file, kinds);
-}
-
-/// Whether a file is of a kind that people write songs into.
-bool mayNameSongs(const QUrl& file) {
-    static const QStringList kinds{QStringLiteral("txt"), QStringLiteral("csv")};
-    return isOfKind(file, kinds);
-}
-
-qsizetype linesWithoutLinks(const QString& text) {
-    const QStringList lines = text.split(u'\n');
-    return std::count_if(lines.begin(), lines.end(), [](const QString& line) {
-        return hasWords(line) && extractLinks(line).isEmpty();
-    });
-}
-
-/// The file's beginning, with what encloses an address in a markup made space.
-QString textOf(const QUrl& fileUrl) {
-    constexpr qint64 most = 1 << 20;
-    QFile file(fileUrl.toLocalFile());
-    // Not a pipe, which might never end.
-    if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly))
-        return {};
-    QString text = QString::fromUtf8(file.read(most));
-    for (const QChar enclosing : {u'<', u'>', u'"', u','})
-        text.replace(enclosing, u' ');
-    return text.replace(QStringLiteral("&amp;"), QStringLiteral("&"));
-}
 
 /// What brings the row into a queue again.
 QString linkOf(const DownloadItem& row) {
@@ -183,39 +142,17 @@ void WindowState::addSongsFromFieldOrClipboard() {
 }
 
 void WindowState::addDropped(const QList<QUrl>& urls, const QString& text) {
-    QStringList links;
-    QStringList lists;
-    qsizetype leftOut = 0;
-    for (const QUrl& url : urls) {
-        // Encoded, since a link ends at a space.
-        if (url.scheme() == QStringLiteral("http") || url.scheme() == QStringLiteral("https"))
-            links.append(QString::fromLatin1(url.toEncoded()));
-        else if (holdsLinks(url))
-            links.append(textOf(url));
-        if (mayNameSongs(url) && extractLinks(links.last()).isEmpty()) {
-            links.removeLast();
-            lists.append(url.toLocalFile());
-        } else if (mayNameSongs(url)) {
-            leftOut += linesWithoutLinks(links.last());
-        }
-    }
-    if (!links.isEmpty() || lists.isEmpty())
-        m_controller.addSongs(links.isEmpty() ? text : links.join(u'\n'));
-    for (const QString& list : std::as_const(lists))
+    const DroppedText dropped = droppedText(urls, text);
+    if (dropped.links)
+        m_controller.addSongs(*dropped.links);
+    for (const QString& list : dropped.lists)
         m_controller.addSongListFile(list);
-    if (leftOut > 0)
-        m_controller.noteList(
-            QStringLiteral("Of what was dropped the links were taken, and %1 line%2 "
-                           "without one left out. \"Paste Song List\" reads songs.")
-                .arg(leftOut)
-                .arg(pluralSuffix(leftOut)));
+    if (dropped.linesLeftOut > 0)
+        m_controller.noteList(leftOutRemark(dropped.linesLeftOut));
 }
 
 bool WindowState::takesDrop(const QList<QUrl>& urls, const QString& text) {
-    const bool hasLink = std::any_of(urls.begin(), urls.end(), [](const QUrl& url) {
-        return url.scheme().startsWith(QStringLiteral("http")) || holdsLinks(url);
-    });
-    return hasLink || (urls.isEmpty() && !extractLinks(text).isEmpty());
+    return reelcrate::takesDrop(urls, text);
 }
 
 void WindowState::pasteIntoField() {
