@@ -45,6 +45,7 @@ Menu {
     }
 
     implicitWidth: 260
+    margins: 8
     padding: 5
     background: Surface {
         radius: 9
@@ -61,6 +62,7 @@ Menu {
         text: root.takesSelection ? "Stop Selected Songs" : "Stop Song"
         symbol: "stop.fill"
         enabled: root.canStop
+        visible: root.hasRow
         onTriggered: root.state.stopFromRow(root.itemID, root.takesSelection)
     }
     RowMenuItem {
@@ -108,13 +110,12 @@ Menu {
         enabled: root.canSavePlaylist
         onTriggered: root.state.savePlaylist()
     }
-    RowMenuItem {
-        readonly property bool isChosen: root.tagsLoudness
-
+    RowMenuSwitch {
         objectName: "tagLoudness"
         text: "Tag Loudness"
-        symbol: isChosen ? "checkmark.circle.fill" : "speaker.wave.2.fill"
+        symbol: "speaker.wave.2.fill"
         enabled: root.canTagLoudness
+        isChosen: root.tagsLoudness
         onTriggered: root.state.setTagsLoudness(!isChosen)
     }
 }

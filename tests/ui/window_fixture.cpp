@@ -169,6 +169,13 @@ QString WindowTest::link(const char* kind, const QString& name) {
     return QStringLiteral("http://site/%1/%2").arg(QString::fromLatin1(kind), name);
 }
 
+QStringList WindowTest::links(const char* kind, int count) {
+    QStringList all;
+    for (int i = 1; i <= count; ++i)
+        all.append(QStringLiteral("http://site/%1/song%2").arg(QLatin1String(kind)).arg(i));
+    return all;
+}
+
 void WindowTest::addReadRows(const QStringList& links) {
     for (const DownloadItem& added : controller().addLinksToQueue(links)) {
         const QString title = added.url.section(u'/', -1);

@@ -57,6 +57,7 @@ protected:
     // What the tests need besides.
 
     static QString link(const char* kind, const QString& name);
+    static QStringList links(const char* kind, int count);
     void addReadRows(const QStringList& links);
     bool waitForEnd() const;
     std::vector<qsizetype> selectedRows() const;

@@ -19,13 +19,6 @@ namespace {
 
 using testing::ElementsAre;
 
-QStringList links(const char* kind, int count) {
-    QStringList all;
-    for (int i = 1; i <= count; ++i)
-        all.append(QStringLiteral("http://site/%1/song%2").arg(QLatin1String(kind)).arg(i));
-    return all;
-}
-
 TEST_F(WindowTest, AnEmptyQueueSaysSoAndOffersWhatIsPossible) {
     open();
     EXPECT_TRUE(isShown("emptyQueue"));
@@ -43,57 +36,6 @@ TEST_F(WindowTest, AnEmptyQueueSaysSoAndOffersWhatIsPossible) {
     click("openOutput");
     EXPECT_THAT(opened, ElementsAre(QStringLiteral("folder ") + controller().outputFolder()));
     EXPECT_TRUE(QFileInfo::exists(controller().outputFolder()));
-}
-
-TEST_F(WindowTest, LinksComeInByFieldButtonsClipboardDropAndCommandLine) {
-    open({{link("song", QStringLiteral("first"))}});
-    EXPECT_TRUE(waitUntil([this] { return controller().queue().size() == 1; }));
-
-    click("linkField");
-    type(link("song", QStringLiteral("typed")));
-    EXPECT_EQ(controller().pastedLinks(), link("song", QStringLiteral("typed")));
-    press(Qt::Key_Return);
-    EXPECT_EQ(controller().queue().size(), 2);
-    EXPECT_EQ(text("linkField"), QString());
-
-    clipboard = link("song", QStringLiteral("copied"));
-    click("pasteLink");
-    EXPECT_EQ(text("linkField"), clipboard);
-    click("addLink");
-    EXPECT_EQ(controller().queue().size(), 3);
-    clipboard = link("song", QStringLiteral("large"));
-    click("addSongs");
-    EXPECT_EQ(controller().queue().size(), 4);
-
-    // A list of links as a file, too; what holds none is not taken.
-    const QString list = machine.path(QStringLiteral("list.url"));
-    EXPECT_TRUE(writeFile(list, "[InternetShortcut]\nURL=http://site/song/shortcut\n"));
-    drop(QUrl::fromLocalFile(list).toString(), true);
-    EXPECT_EQ(record(4).url, link("song", QStringLiteral("shortcut")));
-    EXPECT_FALSE(WindowState::takesDrop({}, QStringLiteral("no link")));
-    EXPECT_FALSE(WindowState::takesDrop({QUrl::fromLocalFile(QStringLiteral("/song.mp3"))}, {}));
-    controller().editor().deleteQueueItems({record(4).id});
-
-    // What comes by these ways leaves the field alone.
-    controller().setPastedLinks(QStringLiteral("half a link"));
-    drop(QStringLiteral("listen: %1").arg(link("song", QStringLiteral("text"))), false);
-    EXPECT_EQ(controller().queue().size(), 5);
-    drop(link("song", QStringLiteral("url%20with%26more")), true);
-    EXPECT_EQ(record(5).url, link("song", QStringLiteral("url%20with%26more")));
-    EXPECT_EQ(controller().queue().size(), 6);
-    clipboard = link("song", QStringLiteral("key"));
-    clickRow(0);
-    press(Qt::Key_V, Qt::ControlModifier);
-    EXPECT_EQ(controller().queue().size(), 7);
-    EXPECT_EQ(text("linkField"), QStringLiteral("half a link"));
-
-    clipboard.clear();
-    click("pasteLink");
-    EXPECT_EQ(text("linkField"), QString());
-    EXPECT_TRUE(waitUntil([this] { return record(6).title == QStringLiteral("key"); }));
-    settle();
-    EXPECT_EQ(text(inRow(6, "title")), QStringLiteral("key"));
-    EXPECT_EQ(text(inRow(6, "headline")), QStringLiteral("Ready to Download"));
 }
 
 TEST_F(WindowTest, RowsAreSelectedByPointerAndKeyboard) {
@@ -257,24 +199,6 @@ TEST_F(WindowTest, ShortcutsWorkWithoutLatinLetters) {
     EXPECT_THAT(selectedRows(), ElementsAre(0, 1, 2));
 }
 
-TEST_F(WindowTest, ARowsErrorAndLinksCanBeCopied) {
-    open();
-    addReadRows({link("broken", QStringLiteral("a")), link("song", QStringLiteral("b"))});
-    controller().startDownloadRun({record(0).id});
-    EXPECT_TRUE(waitForEnd());
-    const auto choose = [this](const char* entry) {
-        click(inRow(0, "title"), Qt::RightButton);
-        click(entry);
-        return QGuiApplication::clipboard()->text();
-    };
-    EXPECT_EQ(choose("copyError"), record(0).detail);
-    EXPECT_EQ(choose("copyLinks"), record(0).url);
-    clickRow(0);
-    press(Qt::Key_A, Qt::ControlModifier);
-    EXPECT_EQ(choose("copyLinks"), record(0).url + u'\n' + record(1).url);
-    EXPECT_EQ(choose("copyLinksInNeed"), record(0).url);
-}
-
 TEST_F(WindowTest, ARunningRowsCardKeepsItsHeight) {
     open();
     addReadRows(links("hold", 1));
@@ -290,130 +214,6 @@ TEST_F(WindowTest, ARunningRowsCardKeepsItsHeight) {
     }
     machine.tell(QStringLiteral("go"));
     EXPECT_TRUE(waitForEnd());
-}
-
-TEST_F(WindowTest, TheMenuOfARowDeletesItOrTheSelection) {
-    open();
-    addReadRows(links("song", 5));
-    clickRow(0);
-    clickRow(1, Qt::ControlModifier);
-    const auto chooseFrom = [this](int index) {
-        click(inRow(index, "title"), Qt::RightButton);
-        QString offered = text("deleteFromRow");
-        click("deleteFromRow");
-        return offered;
-    };
-    EXPECT_EQ(chooseFrom(3), QStringLiteral("Delete Song"));
-    EXPECT_EQ(controller().queue().size(), 4);
-    EXPECT_EQ(chooseFrom(1), QStringLiteral("Delete Selected Songs"));
-    EXPECT_EQ(controller().queue().size(), 2);
-
-    addReadRows(links("hold", 1));
-    click("downloadAll");
-    click(inRow(0, "title"), Qt::RightButton);
-    EXPECT_FALSE(isEnabled("deleteFromRow"));
-    press(Qt::Key_Escape);
-    machine.tell(QStringLiteral("go"));
-    EXPECT_TRUE(waitForEnd());
-    click("clearQueue");
-    EXPECT_TRUE(isShown("emptyQueue"));
-}
-
-TEST_F(WindowTest, TheQueuesMenuSavesThePlaylistOfWhatIsComplete) {
-    open();
-    addReadRows(links("hold", 1));
-    click("downloadAll");
-    click(inRow(0, "title"), Qt::RightButton);
-    EXPECT_FALSE(isEnabled("savePlaylist"));
-    press(Qt::Key_Escape);
-    machine.tell(QStringLiteral("go"));
-    ASSERT_TRUE(waitForEnd());
-    click(inRow(0, "title"), Qt::RightButton);
-    click("savePlaylist");
-    const QString folder = controller().eventFolder();
-    const QByteArray playlist = readFile(folder + u'/' + playlistName(folder));
-    const QString song = controller().queue().rows().first().outputPath.section(u'/', -1);
-    EXPECT_TRUE(playlist.endsWith('\n' + song.toUtf8() + '\n')) << playlist.toStdString();
-    EXPECT_EQ(controller().activeSummary(), QStringLiteral("Saved playlist of 1 song"));
-}
-
-TEST_F(WindowTest, ALongListInTheFieldIsShownByItsBeginningAndTakenWhole) {
-    open();
-    clipboard = links("song", 10'000).join(u' ');
-    click("pasteLink");
-    EXPECT_LT(text("linkField").size(), 400);
-    click("linkField");
-    type(QStringLiteral("more"));
-    EXPECT_EQ(controller().pastedLinks(), clipboard);
-    press(Qt::Key_Backspace);
-    EXPECT_EQ(controller().pastedLinks(), QString());
-    type(QStringLiteral("x"));
-    EXPECT_EQ(controller().pastedLinks(), QStringLiteral("x"));
-
-    item("linkField")->setProperty("text", clipboard);  // as the field's own paste does
-    EXPECT_LT(text("linkField").size(), 400);
-    press(Qt::Key_Return);
-    EXPECT_EQ(controller().queue().size(), 10'000);
-    EXPECT_EQ(text("linkField"), QString());
-}
-
-TEST_F(WindowTest, TheQueuesMenuSwitchesTheTagsOfLoudness) {
-    open();
-    addReadRows(links("hold", 1));
-    for (const bool tags : {true, false}) {
-        click(inRow(0, "title"), Qt::RightButton);
-        click("tagLoudness");
-        EXPECT_EQ(controller().tagsLoudness(), tags);
-    }
-    controller().setDownloadMode(DownloadMode::video);
-    click(inRow(0, "title"), Qt::RightButton);
-    EXPECT_FALSE(isEnabled("tagLoudness"));
-}
-
-TEST_F(WindowTest, SongListsComeInByMenuDropAndCommandLine) {
-    const QString list = machine.path(QStringLiteral("list.txt"));
-    EXPECT_TRUE(writeFile(list, "ABBA - Waterloo (2:46)\n"));
-    open({.texts = {}, .lists = {list}});
-    EXPECT_TRUE(waitUntil([this] { return controller().queue().size() == 1; }));
-    settle();
-    EXPECT_EQ(text(inRow(0, "title")), QStringLiteral("ABBA - Waterloo"));
-    controller().clearQueue();
-    settle();
-
-    // The queue's menu is there without a row.
-    clipboard.clear();
-    click(item("emptyQueue"), Qt::RightButton);
-    EXPECT_FALSE(isEnabled("pasteSongList"));
-    press(Qt::Key_Escape);
-    clipboard = QStringLiteral("1. Queen - Bicycle Race\n2. Toto - Africa (4:55)\nhello");
-    click(item("emptyQueue"), Qt::RightButton);
-    EXPECT_FALSE(isShown("deleteFromRow"));
-    click("pasteSongList");
-    EXPECT_EQ(controller().queue().size(), 2);
-    EXPECT_EQ(record(1).source, SourceType::song);
-
-    // By the ways of links come links alone.
-    clipboard = QStringLiteral("ABBA - Waterloo");
-    clickRow(0);
-    press(Qt::Key_V, Qt::ControlModifier);
-    click("addSongs");
-    EXPECT_EQ(controller().queue().size(), 2);
-    EXPECT_EQ(controller().activeSummary(),
-              QStringLiteral("Copy a share link, then click Add Songs"));
-
-    drop(QUrl::fromLocalFile(list).toString(), true);
-    EXPECT_EQ(controller().queue().size(), 3);
-    EXPECT_EQ(record(2).title, QStringLiteral("ABBA - Waterloo"));
-    // Beside a link, nothing is read as a song.
-    EXPECT_TRUE(writeFile(list, "Title,Link\nA - B,http://site/song/inside\n"));
-    drop(QUrl::fromLocalFile(list).toString(), true);
-    EXPECT_EQ(controller().queue().size(), 4);
-    EXPECT_EQ(record(3).url, link("song", QStringLiteral("inside")));
-
-    click(inRow(1, "title"), Qt::RightButton);
-    EXPECT_EQ(text("copyLinks"), QStringLiteral("Copy Song"));
-    click("copyLinks");
-    EXPECT_EQ(QGuiApplication::clipboard()->text(), QStringLiteral("Toto - Africa (4:55)"));
 }
 
 TEST_F(WindowTest, ARunDisablesWhatMustNotHappenMeanwhile) {
