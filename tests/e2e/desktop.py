@@ -3,6 +3,7 @@ small window manager, a message bus, and assistive technology's way in."""
 
 import os
 import shutil
+import struct
 import subprocess
 import sys
 import time
@@ -10,7 +11,7 @@ from pathlib import Path
 
 from stage import FAKES, ROOT, eventually
 
-TOOLS = ("Xvfb", "openbox", "xdotool", "dbus-daemon")
+TOOLS = ("Xvfb", "openbox", "xdotool", "dbus-daemon", "setxkbmap")
 ACCESSIBILITY = Path("/usr/share/dbus-1/services/org.a11y.Bus.service")
 
 
@@ -109,6 +110,15 @@ class Desktop:
     def write(self, text):
         self.xdotool("type", "--delay", "5", text)
 
+    def shortcut(self, place):
+        """Control with the key at a place of the keyboard, whatever its layout has there."""
+        self.xdotool("keydown", "Control_L", "key", place, "keyup", "Control_L")
+        time.sleep(0.15)
+
+    def layout(self, name):
+        subprocess.run(["setxkbmap", name], env=self.environment, check=True)
+        time.sleep(0.3)
+
     def click(self, x, y, button=1, held=()):
         self.xdotool("mousemove", x, y)
         for key in held:
@@ -117,6 +127,14 @@ class Desktop:
         for key in held:
             self.xdotool("keyup", key)
         time.sleep(0.15)
+
+    def column(self, x):
+        """The screen's pixels from top to bottom: blue, green, red."""
+        screen = (self.folder / "Xvfb_screen0").read_bytes()
+        header = struct.unpack(">25I", screen[:100])
+        height, line = header[5], header[12]
+        first = header[0] + header[19] * 12 + x * 4
+        return [screen[at : at + 3] for at in range(first, first + height * line, line)]
 
     def picture(self, file):
         subprocess.run(

@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
-"""Takes pictures of the running program, step by step: window_check.py FOLDER.
+"""Takes pictures of the running program, step by step: window_check.py FOLDER [SEQUENCE...].
 
-Each step prints what its picture should show."""
+Each step prints what its picture should show. What can be told without eyes is
+asserted."""
 
 import os
 import subprocess
@@ -14,47 +15,106 @@ from stage import PROGRAM, Stage, eventually
 
 # Places of the window at its preferred size on this screen, in pixels of it.
 SCREEN = (1480, 1070)
-ROW = (700, 200)
-ROW_STEP = 92
+ROW = (700, 205)
+ROW_STEP = 90
+NAME_FIELD = (200, 387)
+CHOOSE_FOLDER = (338, 433)
+STOP_ALL = (1046, 62)
+LOG = (144, 1019)
+FAILURE = (1150, 300)  # the second row's
+LONG_TITLE = "x" * 400
+
+# Places of the keyboard.
+KEY_A, KEY_PERIOD = 38, 60
+
+# Of the entries of a row's menu.
+STOP, COPY_ERROR, COPY_LINKS = 0, 2, 2
 
 
 def link(kind, name):
     return f"http://site/{kind}/{name}"
 
 
+def links(kind, count):
+    return [link(kind, f"song{i}") for i in range(1, count + 1)]
+
+
 class Check:
-    def __init__(self, folder):
+    def __init__(self, folder, first_picture, screen=SCREEN):
         self.folder = Path(folder)
         self.stage = Stage()
         desktop.install_stand_ins(self.stage)
-        self.desktop = desktop.Desktop(self.stage.scratch, SCREEN)
-        self.step = 0
+        self.desktop = desktop.Desktop(self.stage.scratch, screen)
+        self.step = first_picture
 
-    def start(self, *arguments, seconds=8):
+    def launch(self, *arguments):
         self.program = subprocess.Popen(
             [PROGRAM, "--event", "Party", "--output", str(self.stage.output), *arguments],
             env=self.stage.environment | self.desktop.environment | {"HOME": str(self.stage.home)},
             cwd=self.stage.working,
             stderr=subprocess.DEVNULL,
         )
-        eventually(lambda: self.desktop.xdotool("search", "--onlyvisible", "--name", "Reelcrate"), 30)
+
+    def start(self, *arguments, seconds=8):
+        self.launch(*arguments)
+        eventually(self.window, 30)
         time.sleep(seconds)
+
+    def window(self):
+        found = self.desktop.xdotool("search", "--onlyvisible", "--name", "Reelcrate")
+        return found.splitlines()[-1] if found else None
 
     def picture(self, shows):
         self.step += 1
         file = self.folder / f"check-{self.step}.png"
         time.sleep(0.5)
         self.desktop.picture(file)
-        print(f"{file.name}: {shows}")
+        print(f"{file.name}: {shows}", flush=True)
 
-    def row(self, index, **more):
-        self.desktop.click(ROW[0], ROW[1] + index * ROW_STEP, **more)
+    def take(self, steps):
+        """Steps are operations of this class or of the desktop, and what the picture then shows."""
+        for operations, shows in steps:
+            for name, *arguments in operations:
+                (getattr(self, name, None) or getattr(self.desktop, name))(*arguments)
+            self.picture(shows)
 
     def close(self):
         self.program.kill()
         self.program.wait()
         self.desktop.close()
         self.stage.close()
+
+    # What steps are made of.
+
+    def wait(self, seconds):
+        time.sleep(seconds)
+
+    def row(self, index, button=1, held=()):
+        self.desktop.click(ROW[0], ROW[1] + index * ROW_STEP, button, held)
+
+    def choose(self, index, entry):
+        """From a row's menu."""
+        self.row(index, button=3)
+        time.sleep(0.4)
+        self.desktop.click(ROW[0] + 60, ROW[1] + index * ROW_STEP + 20 + 30 * entry)
+
+    def leave_and_return(self):
+        window = self.window()
+        self.desktop.xdotool("windowminimize", window)
+        time.sleep(1)
+        self.desktop.xdotool("windowactivate", "--sync", window)
+        time.sleep(0.5)
+
+    def hover(self, x, y):
+        self.desktop.xdotool("mousemove", x, y)
+        time.sleep(1.5)
+
+    def shrink(self):
+        """As far as the window lets itself be."""
+        self.desktop.xdotool("windowsize", self.window(), 600, 400)
+        time.sleep(1)
+        size = self.desktop.xdotool("getwindowgeometry", self.window()).split()[-1]
+        assert size == "1080x620", size
 
     def load(self, seconds=5):
         """Of a core, in percent, and megabytes."""
@@ -70,52 +130,133 @@ class Check:
         return (used() - before) / seconds * 100, int(memory) / 1024
 
 
-def keyboard_and_menu(check):
-    check.start(link("song", "song1"), link("broken", "song2"), link("song", "x" * 400))
-    check.row(0)
-    # To another window and back.
-    check.desktop.xdotool("search", "--name", "Reelcrate", "windowminimize")
-    time.sleep(1)
-    window = check.desktop.xdotool("search", "--name", "Reelcrate").splitlines()[-1]
-    check.desktop.xdotool("windowactivate", "--sync", window)
-    check.picture("the first row is selected; no golden ring around the queue")
-    check.desktop.keys("Down")
-    check.picture("the second row is selected; a golden ring around the queue")
-    check.desktop.keys("Return")
-    time.sleep(6)
-    check.picture("the second row needs attention")
-    check.desktop.keys("shift+F10")
-    check.picture("its menu, with the first entry highlighted and entries that begin at the left")
-    check.desktop.keys("Escape")
-    check.desktop.xdotool("mousemove", 1150, 300)
-    time.sleep(1.5)
-    check.picture("the whole error in a tooltip")
-    check.desktop.keys("ctrl+a", "Delete")
-    check.picture("an empty queue")
-    check.desktop.click(330, 435)
-    time.sleep(1)
-    check.desktop.keys("Down")
-    check.picture("the folder dialog in the window's own colours; what is highlighted is named above")
+def first_frames(check):
+    """The window of a large screen has nothing white in its dark column, from the start."""
+    check.launch()
+    for _ in range(100):
+        white = [pixel for pixel in check.desktop.column(200) if min(pixel) > 240]
+        assert len(white) < 20, f"{len(white)} white pixels"  # the frame has some
+        time.sleep(0.03)
+    check.picture("the window as high as a large screen")
+
+
+def ring_and_menu(check):
+    check.start(link("song", "song1"), link("private", "song2"), link("song", LONG_TITLE))
+    check.take(
+        [
+            (
+                [("row", 0), ("leave_and_return",)],
+                "the first row is selected; no golden ring around the queue",
+            ),
+            (
+                [("row", 0, 3), ("wait", 0.5), ("keys", "Escape")],
+                "the same: neither a menu nor a ring",
+            ),
+            ([("keys", "Down")], "the second row is selected; a golden ring around the queue"),
+            ([("keys", "Return"), ("wait", 6)], "the second row needs attention"),
+            (
+                [("keys", "shift+F10")],
+                "its menu, with the first entry highlighted that can be chosen; entries lead",
+            ),
+            ([("keys", "Escape"), ("hover", *FAILURE)], "an error with an end that is cut off, and the whole of it in a tooltip"),
+            (
+                [("choose", 1, COPY_ERROR), ("click", *NAME_FIELD), ("keys", "ctrl+a", "ctrl+v")],
+                "the folder's name is the error: its end is in sight",
+            ),
+            ([("click", 1400, 1000, 3), ("wait", 0.5)], "the queue's menu, whole, at its corner"),
+            (
+                [("keys", "Escape"), ("shrink",), ("click", 1000, 590, 3), ("wait", 0.5)],
+                "the same in a window of 1080 x 620",
+            ),
+            ([("keys", "Escape"), ("row", 1, 3), ("wait", 0.5)], "the second row's menu, whole"),
+        ]
+    )
+
+
+def links_and_layouts(check):
+    check.start(*links("song", 4))
+    check.take(
+        [
+            (
+                [("row", 0), ("keys", "ctrl+a"), ("choose", 0, COPY_LINKS), ("keys", "Delete")],
+                "an empty queue",
+            ),
+            ([("keys", "ctrl+v"), ("wait", 8)], "the four songs again"),
+            ([("keys", "Down")], "the first row is selected: the keys are still the queue's"),
+            (
+                [("keys", "Escape"), ("layout", "ru"), ("shortcut", KEY_A)],
+                "all rows are selected, on a Russian keyboard",
+            ),
+            (
+                [("keys", "Escape"), ("layout", "gr"), ("shortcut", KEY_A)],
+                "the same on a Greek one",
+            ),
+            ([("layout", "us"), ("keys", "Delete")], "an empty queue; its tray has an arrow"),
+        ]
+    )
+
+
+def folder_dialog(check):
+    (check.stage.home / "Desktop" / "Music").mkdir(parents=True)
+    check.start()
+    check.take(
+        [
+            (
+                [("click", *CHOOSE_FOLDER), ("wait", 1), ("keys", "Down")],
+                "the dialog in the window's own colours; what is highlighted is named above",
+            ),
+            (
+                [("keys", "Tab"), ("write", "New one"), ("keys", "Return"), ("wait", 0.5)],
+                "the new folder is named above, and has none in it",
+            ),
+            (
+                [("keys", "Tab", "Tab", "Return"), ("wait", 0.5)],
+                "no dialog; the new folder is the output location",
+            ),
+        ]
+    )
 
 
 def running(check):
-    names = [f"song{i}" for i in range(1, 8)]
-    check.start("--download", *[link("hold", name) for name in names], seconds=20)
+    check.start("--download", *links("hold", 8), seconds=20)
     load, memory = check.load()
-    check.picture(f"six rows run, one waits ({load:.1f} % of a core, {memory:.0f} MB)")
-    check.desktop.keys("alt+F4")
-    check.picture("the question before quitting; its golden button has a ring")
+    check.picture(f"six rows run, two wait ({load:.1f} % of a core, {memory:.0f} MB)")
+    check.take(
+        [
+            ([("wait", 3)], "the same, further on; each card has kept its height"),
+            ([("choose", 0, STOP), ("wait", 1)], "the first row is ready, the seventh runs"),
+            (
+                [("row", 1), ("row", 2, 1, ("shift",)), ("shortcut", KEY_PERIOD), ("wait", 1)],
+                "the second and the third are ready, the eighth runs",
+            ),
+            ([("click", *LOG), ("wait", 1)], "the log, whose lines begin with the row's number"),
+            (
+                [("shrink",), ("keys", "alt+F4")],
+                "a small window with a shorter log; the question before quitting, with its ring",
+            ),
+        ]
+    )
+
+
+def stopping_all(check):
+    check.start("--download", *links("hold", 8), seconds=20)
+    check.take([([("click", *STOP_ALL), ("wait", 2)], "all rows are ready; no button to stop")])
+
+
+SEQUENCES = (first_frames, ring_and_menu, links_and_layouts, folder_dialog, running, stopping_all)
 
 
 def main():
     lacking = desktop.missing()
     if lacking:
         sys.exit(f"missing: {', '.join(lacking)}")
-    for steps in (keyboard_and_menu, running):
-        check = Check(sys.argv[1])
-        check.step = 0 if steps is keyboard_and_menu else 20
+    for number, sequence in enumerate(SEQUENCES):
+        if sys.argv[2:] and sequence.__name__ not in sys.argv[2:]:
+            continue
+        screen = (1920, 1200) if sequence is first_frames else SCREEN
+        check = Check(sys.argv[1], 20 * number, screen)
         try:
-            steps(check)
+            sequence(check)
         finally:
             check.close()
 
