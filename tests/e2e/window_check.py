@@ -15,13 +15,15 @@ from stage import PROGRAM, Stage, eventually
 
 # Places of the window at its preferred size on this screen, in pixels of it.
 SCREEN = (1480, 1070)
+LARGE, SMALL = (1920, 1200), (1020, 660)
 ROW = (700, 205)
 ROW_STEP = 90
 NAME_FIELD = (200, 387)
 CHOOSE_FOLDER = (338, 433)
 STOP_ALL = (1046, 62)
 LOG = (144, 1019)
-FAILURE = (1150, 300)  # the second row's
+LOG_OF_SMALL = (140, 624)
+FAILURE = (810, 207)  # the first row's
 LONG_TITLE = "x" * 400
 
 # Places of the keyboard.
@@ -141,7 +143,7 @@ def first_frames(check):
 
 
 def ring_and_menu(check):
-    check.start(link("song", "song1"), link("private", "song2"), link("song", LONG_TITLE))
+    check.start(link("song", "song1"), link("broken", "song2"), link("song", LONG_TITLE))
     check.take(
         [
             (
@@ -158,17 +160,32 @@ def ring_and_menu(check):
                 [("keys", "shift+F10")],
                 "its menu, with the first entry highlighted that can be chosen; entries lead",
             ),
-            ([("keys", "Escape"), ("hover", *FAILURE)], "an error with an end that is cut off, and the whole of it in a tooltip"),
             (
-                [("choose", 1, COPY_ERROR), ("click", *NAME_FIELD), ("keys", "ctrl+a", "ctrl+v")],
-                "the folder's name is the error: its end is in sight",
+                [("keys", "Escape"), ("click", 1400, 1000, 3), ("wait", 0.5)],
+                "the queue's menu, whole, at its corner",
             ),
-            ([("click", 1400, 1000, 3), ("wait", 0.5)], "the queue's menu, whole, at its corner"),
             (
                 [("keys", "Escape"), ("shrink",), ("click", 1000, 590, 3), ("wait", 0.5)],
                 "the same in a window of 1080 x 620",
             ),
             ([("keys", "Escape"), ("row", 1, 3), ("wait", 0.5)], "the second row's menu, whole"),
+        ]
+    )
+
+
+def small_screen(check):
+    check.start(link("private", "song1"), *links("song", 3))
+    check.take(
+        [
+            (
+                [("row", 0), ("keys", "Return"), ("wait", 6), ("hover", *FAILURE)],
+                "an error whose end is cut off, and the whole of it in a tooltip",
+            ),
+            (
+                [("choose", 0, COPY_ERROR), ("click", *NAME_FIELD), ("keys", "ctrl+a", "ctrl+v")],
+                "the folder's name is the error: its end is in sight",
+            ),
+            ([("click", *LOG_OF_SMALL), ("wait", 1)], "a short log, apart from the queue"),
         ]
     )
 
@@ -243,17 +260,24 @@ def stopping_all(check):
     check.take([([("click", *STOP_ALL), ("wait", 2)], "all rows are ready; no button to stop")])
 
 
-SEQUENCES = (first_frames, ring_and_menu, links_and_layouts, folder_dialog, running, stopping_all)
+SEQUENCES = {
+    first_frames: LARGE,
+    ring_and_menu: SCREEN,
+    small_screen: SMALL,
+    links_and_layouts: SCREEN,
+    folder_dialog: SCREEN,
+    running: SCREEN,
+    stopping_all: SCREEN,
+}
 
 
 def main():
     lacking = desktop.missing()
     if lacking:
         sys.exit(f"missing: {', '.join(lacking)}")
-    for number, sequence in enumerate(SEQUENCES):
+    for number, (sequence, screen) in enumerate(SEQUENCES.items()):
         if sys.argv[2:] and sequence.__name__ not in sys.argv[2:]:
             continue
-        screen = (1920, 1200) if sequence is first_frames else SCREEN
         check = Check(sys.argv[1], 20 * number, screen)
         try:
             sequence(check)
