@@ -431,10 +431,12 @@ void measureIdle(ProcessSupervisor& supervisor, const QString& folder, int runni
     const double start = now(CLOCK_MONOTONIC);
     const Cpu before;
     runEventLoopFor(idleTime);
-    report({{"cpu"_L1, Cpu().since(before)},
+    const QJsonArray cpu = Cpu().since(before);
+    report({{"cpu"_L1, cpu},
             {"seconds"_L1, now(CLOCK_MONOTONIC) - start},
             {"frames"_L1, shown.frames().count() - formerFrames},
-            {"changes"_L1, changes - formerChanges}});
+            {"changes"_L1, changes - formerChanges},
+            {"rss"_L1, memory().value("rss"_L1)}});
 }
 
 }  // namespace

@@ -18,6 +18,7 @@ SCREEN = (1480, 1070)
 LARGE, SMALL = (1920, 1200), (1020, 660)
 ROW = (700, 205)
 ROW_STEP = 90
+LINK_FIELD = (140, 311)
 NAME_FIELD = (200, 387)
 CHOOSE_FOLDER = (338, 433)
 STOP_ALL = (1046, 62)
@@ -27,7 +28,7 @@ FAILURE = (810, 207)  # the first row's
 LONG_TITLE = "x" * 400
 
 # Places of the keyboard.
-KEY_A, KEY_PERIOD = 38, 60
+KEY_A, KEY_V, KEY_PERIOD = 38, 55, 60
 
 # Of the entries of a row's menu.
 STOP, COPY_ERROR, COPY_LINKS = 0, 2, 2
@@ -208,7 +209,11 @@ def links_and_layouts(check):
                 [("keys", "Escape"), ("layout", "gr"), ("shortcut", KEY_A)],
                 "the same on a Greek one",
             ),
-            ([("layout", "us"), ("keys", "Delete")], "an empty queue; its tray has an arrow"),
+            ([("click", *LINK_FIELD), ("shortcut", KEY_V)], "the four links in the field"),
+            (
+                [("layout", "us"), ("row", 0), ("keys", "ctrl+a", "Delete")],
+                "an empty queue; its tray has an arrow",
+            ),
         ]
     )
 
