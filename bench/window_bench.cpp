@@ -11,8 +11,8 @@
 
 #include "measure.h"
 #include "theme/tech_theme.h"
-#include "ui/reelcrate_app.h"
-#include "ui/renderer.h"
+#include "ui/window/reelcrate_app.h"
+#include "ui/window/renderer.h"
 
 #include <QEventLoop>
 #include <QGuiApplication>

@@ -42,7 +42,7 @@ endfunction()
 # a link to the folder, so that an include against the direction of the arrows does not compile.
 function(reelcrate_library name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "USES")
-  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.cpp
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.cpp
        ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.h)
   set(root ${PROJECT_BINARY_DIR}/include-roots/${name})
   file(MAKE_DIRECTORY ${root})
@@ -61,12 +61,12 @@ endfunction()
 
 # reelcrate_qml_library(NAME URI [USES FOLDER...])
 #
-# The same with the QML types that the folder holds, as the module URI. Whoever makes an engine
-# calls the module's qml_register_types_URI() first: a static library's linker drops what nobody
-# names.
+# The same with the QML types that the folder holds, as the module URI; folders inside it are not
+# part of their names. Whoever makes an engine calls the module's qml_register_types_URI() first: a
+# static library's linker drops what nobody names.
 function(reelcrate_qml_library name uri)
   reelcrate_library(${name} ${ARGN})
-  file(GLOB qml CONFIGURE_DEPENDS RELATIVE ${CMAKE_CURRENT_SOURCE_DIR}
+  file(GLOB_RECURSE qml CONFIGURE_DEPENDS RELATIVE ${CMAKE_CURRENT_SOURCE_DIR}
        ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.qml)
   foreach(file IN LISTS qml)
     get_filename_component(alias ${file} NAME)
@@ -84,5 +84,8 @@ function(reelcrate_qml_library name uri)
   list(REMOVE_ITEM roots ${CMAKE_CURRENT_SOURCE_DIR})
   set_target_properties(reelcrate_${name} PROPERTIES INCLUDE_DIRECTORIES "${roots}")
   # The generated registration names headers without their folder.
-  target_include_directories(reelcrate_${name} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/${name})
+  file(GLOB_RECURSE headers CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.h)
+  list(TRANSFORM headers REPLACE "/[^/]+$" "" OUTPUT_VARIABLE folders)
+  list(REMOVE_DUPLICATES folders)
+  target_include_directories(reelcrate_${name} PRIVATE ${folders})
 endfunction()

@@ -10,7 +10,7 @@
 #include "tools/tool_versions.h"
 
 #ifdef REELCRATE_WINDOW
-#include "ui/reelcrate_app.h"
+#include "ui/window/reelcrate_app.h"
 
 #include <QGuiApplication>
 #endif

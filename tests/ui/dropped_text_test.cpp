@@ -1,4 +1,4 @@
-#include "ui/dropped_text.h"
+#include "ui/window/dropped_text.h"
 
 #include "support/machine.h"
 #include "support/printers.h"
@@ -29,8 +29,7 @@ TEST_P(DroppedTextTest, AFileGivesItsLinksOrElseItsSongs) {
     ASSERT_TRUE(writeFile(path, contents));
     const DroppedText dropped = droppedText({QUrl::fromLocalFile(path)}, {});
     ASSERT_EQ(dropped.links.has_value(), links.has_value());
-    EXPECT_EQ(dropped.links.value_or(QString()).trimmed(),
-              QString::fromLatin1(links.value_or("")));
+    EXPECT_EQ(dropped.links.value_or(QString()).trimmed(), QString::fromLatin1(links.value_or("")));
     EXPECT_EQ(dropped.lists, isList ? QStringList{path} : QStringList());
     EXPECT_EQ(dropped.linesLeftOut, linesLeftOut);
 }

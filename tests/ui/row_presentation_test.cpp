@@ -1,4 +1,4 @@
-#include "ui/row_presentation.h"
+#include "ui/queue/row_presentation.h"
 
 #include "records/progress_text.h"
 #include "support/rows.h"

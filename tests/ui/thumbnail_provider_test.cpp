@@ -1,4 +1,4 @@
-#include "ui/thumbnail_provider.h"
+#include "ui/queue/thumbnail_provider.h"
 
 #include "support/machine.h"
 

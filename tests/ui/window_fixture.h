@@ -2,7 +2,7 @@
 
 #include "support/machine.h"
 #include "support/printers.h"
-#include "ui/reelcrate_app.h"
+#include "ui/window/reelcrate_app.h"
 
 #include <QAccessible>
 #include <QQuickItem>

@@ -1,4 +1,4 @@
-#include "ui/window_sizing.h"
+#include "ui/window/window_sizing.h"
 
 #include "support/printers.h"
 

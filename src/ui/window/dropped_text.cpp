@@ -1,4 +1,4 @@
-#include "ui/dropped_text.h"
+#include "ui/window/dropped_text.h"
 
 #include "base/text.h"
 #include "queue/links.h"

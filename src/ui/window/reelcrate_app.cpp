@@ -1,12 +1,12 @@
-#include "ui/reelcrate_app.h"
+#include "ui/window/reelcrate_app.h"
 
 #include "base/duration_text.h"
 #include "theme/tech_theme.h"
-#include "ui/accessible_button.h"
-#include "ui/queue_outline.h"
-#include "ui/renderer.h"
-#include "ui/thumbnail_provider.h"
-#include "ui/window_sizing.h"
+#include "ui/queue/queue_outline.h"
+#include "ui/queue/thumbnail_provider.h"
+#include "ui/window/accessible_button.h"
+#include "ui/window/renderer.h"
+#include "ui/window/window_sizing.h"
 
 #include <QAccessible>
 #include <QClipboard>

@@ -1,4 +1,4 @@
-#include "ui/accessible_button.h"
+#include "ui/window/accessible_button.h"
 
 #include <QAccessible>
 #include <QAccessibleObject>

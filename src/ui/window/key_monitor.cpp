@@ -1,4 +1,4 @@
-#include "ui/key_monitor.h"
+#include "ui/window/key_monitor.h"
 
 #include "app/controller.h"
 

@@ -1,4 +1,4 @@
-#include "ui/row_presentation.h"
+#include "ui/queue/row_presentation.h"
 
 #include "base/duration_text.h"
 #include "queue/links.h"

@@ -1,9 +1,9 @@
-#include "ui/queue_list_model.h"
+#include "ui/queue/queue_list_model.h"
 
 #include "app/controller.h"
 #include "records/progress_text.h"
 #include "theme/tech_theme.h"
-#include "ui/thumbnail_provider.h"
+#include "ui/queue/thumbnail_provider.h"
 
 #include <QMetaEnum>
 

@@ -1,4 +1,4 @@
-#include "ui/renderer.h"
+#include "ui/window/renderer.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,4 +1,4 @@
-#include "ui/window_controls.h"
+#include "ui/window/window_controls.h"
 
 #include "app/controller.h"
 #include "theme/tech_theme.h"

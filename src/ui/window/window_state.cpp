@@ -1,7 +1,7 @@
-#include "ui/window_state.h"
+#include "ui/window/window_state.h"
 
 #include "app/controller.h"
-#include "ui/dropped_text.h"
+#include "ui/window/dropped_text.h"
 
 #include <QClipboard>
 #include <QDir>

@@ -5,8 +5,8 @@
 #include "desktop/launcher_progress.h"
 #include "desktop/motion_setting.h"
 #include "desktop/notifications.h"
-#include "ui/key_monitor.h"
-#include "ui/window_state.h"
+#include "ui/window/key_monitor.h"
+#include "ui/window/window_state.h"
 
 #include <QObject>
 #include <QQmlApplicationEngine>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "queue/queue_store.h"
-#include "ui/row_presentation.h"
+#include "ui/queue/row_presentation.h"
 
 #include <QAbstractListModel>
 #include <QColor>

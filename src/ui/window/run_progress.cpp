@@ -1,4 +1,4 @@
-#include "ui/run_progress.h"
+#include "ui/window/run_progress.h"
 
 #include "app/controller.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/window_state.h"
+#include "ui/window/window_state.h"
 
 #include <QAccessible>
 #include <QHash>

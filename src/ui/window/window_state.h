@@ -1,9 +1,9 @@
 #pragma once
 
-#include "ui/log_tail.h"
-#include "ui/queue_list_model.h"
-#include "ui/run_progress.h"
-#include "ui/window_controls.h"
+#include "ui/logs/log_tail.h"
+#include "ui/queue/queue_list_model.h"
+#include "ui/window/run_progress.h"
+#include "ui/window/window_controls.h"
 
 #include <QObject>
 #include <QSet>

@@ -1,4 +1,4 @@
-#include "ui/log_tail.h"
+#include "ui/logs/log_tail.h"
 
 #include <QClipboard>
 #include <QGuiApplication>

@@ -1,6 +1,6 @@
-#include "ui/queue_outline.h"
+#include "ui/queue/queue_outline.h"
 
-#include "ui/accessible_button.h"
+#include "ui/window/accessible_button.h"
 
 #include <QAccessibleObject>
 #include <QQuickWindow>
