@@ -53,6 +53,10 @@ TEST_F(WindowTest, LinksComeInByFieldButtonsClipboardDropAndCommandLine) {
     EXPECT_EQ(controller().queue().size(), 7);
     EXPECT_EQ(text("linkField"), QStringLiteral("half a link"));
 
+    clipboard = QStringLiteral("http://a/1\nhttp://a/2");
+    click("pasteLink");
+    EXPECT_EQ(text("linkField"), QStringLiteral("http://a/1 http://a/2"));
+    EXPECT_EQ(controller().pastedLinks(), clipboard);
     clipboard.clear();
     click("pasteLink");
     EXPECT_EQ(text("linkField"), QString());

@@ -97,6 +97,8 @@ Dialog {
             anchors.bottomMargin: 10
             width: parent.width
             clip: true
+            topMargin: 3
+            bottomMargin: 3
             activeFocusOnTab: true
             boundsBehavior: Flickable.StopAtBounds
             ScrollBar.vertical: GlassScrollBar {}
@@ -114,17 +116,34 @@ Dialog {
                 required property string fileName
                 required property url fileUrl
 
-                width: ListView.view.width
+                x: 3
+                width: ListView.view.width - 6
                 height: 32
                 focusPolicy: Qt.NoFocus
                 text: fileName
-                symbol: "folder"
+                cornerRadius: 3  // the ring stays within the list
                 onClicked: list.currentIndex = index
                 onDoubleClicked: root.goTo(fileUrl)
                 // The list gives the keyboard to the highlighted one.
                 Keys.onReturnPressed: root.accept()
                 Keys.onEnterPressed: root.accept()
 
+                contentItem: Row {
+                    leftPadding: 10
+                    spacing: 8
+
+                    Symbol {
+                        anchors.verticalCenter: parent.verticalCenter
+                        name: "folder"
+                        color: TechTheme.text
+                    }
+                    PlainText {
+                        anchors.verticalCenter: parent.verticalCenter
+                        width: entry.width - 45
+                        text: entry.fileName
+                        font.weight: Font.DemiBold
+                    }
+                }
                 background: Rectangle {
                     radius: 6
                     color: TechTheme.faded(TechTheme.gold, entry.ListView.isCurrentItem ? 0.35 : 0)
@@ -134,10 +153,10 @@ Dialog {
             Accessible.name: "Folders"
             Keys.onRightPressed: root.goTo(root.selectedFolder)
             Keys.onLeftPressed: up.clicked()
-
-            FocusRing {
-                visible: list.activeFocus && TechTheme.keyboardLeads
-            }
+        }
+        FocusRing {
+            anchors.fill: list
+            visible: list.activeFocus && list.currentIndex < 0 && TechTheme.keyboardLeads
         }
         Item {
             id: making

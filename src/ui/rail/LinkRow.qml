@@ -18,6 +18,9 @@ FieldSurface {
         // beginning, and taken or dropped as a whole.
         readonly property int longest: 4000
         readonly property bool isLong: root.state.pastedLinks.length > longest
+        // In one line, which shows nothing where another ends.
+        readonly property string shownLinks: isLong ? root.state.pastedLinks.slice(0, 300) + " …"
+                                                    : root.state.pastedLinks.replace(/[\r\n]/g, " ")
 
         objectName: "linkField"
         anchors.verticalCenter: parent.verticalCenter
@@ -26,13 +29,13 @@ FieldSurface {
         rightPadding: 4
         font.pixelSize: 14
         maximumLength: 2147483647  // a whole set list may be pasted
-        text: isLong ? root.state.pastedLinks.slice(0, 300) + " …" : root.state.pastedLinks
+        text: shownLinks
         readOnly: isLong
         placeholderText: "Paste link here"
         Accessible.name: "Paste Link"
         // Also what assistive technology sets.
         onTextChanged: {
-            if (root.state.pastedLinks.length <= longest && text !== root.state.pastedLinks)
+            if (!isLong && text !== shownLinks)
                 root.state.pastedLinks = text;
         }
         Keys.onPressed: event => {
