@@ -9,8 +9,6 @@
 namespace reelcrate {
 namespace {
 
-using testing::ElementsAre;
-
 TEST_F(WindowTest, LinksComeInByFieldButtonsClipboardDropAndCommandLine) {
     open({{link("song", QStringLiteral("first"))}});
     EXPECT_TRUE(waitUntil([this] { return controller().queue().size() == 1; }));
