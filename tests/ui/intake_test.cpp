@@ -152,9 +152,8 @@ TEST_F(WindowTest, LinksOfTheCommandLineAreDownloadedUnlessOneIsStopped) {
             controller().stopQueueItems({record(0).id});
         machine.tell(QStringLiteral("go-read"));
         EXPECT_TRUE(waitUntil([this] { return !record(1).isResolvingInfo; }));
-        EXPECT_TRUE(waitUntil([this, isStopped] {
-            return isStopped || record(1).status == QueueStatus::complete;
-        }));
+        EXPECT_TRUE(waitUntil(
+            [this, isStopped] { return isStopped || record(1).status == QueueStatus::complete; }));
         settle();
         EXPECT_TRUE(waitForEnd());
         EXPECT_EQ(machine.calls().count(QStringLiteral("download %1b").arg(name)), !isStopped);

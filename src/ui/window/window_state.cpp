@@ -10,7 +10,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
 
 namespace reelcrate {
 
