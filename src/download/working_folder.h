@@ -36,8 +36,8 @@ public:
     const QString& failure() const { return m_failure; }
 
     /// Removes what an earlier download left and the next one would take for more than it is: half
-    /// conversions, covers, trims, streams in fragments. Other transfers that were cut off stay, and
-    /// sources that are whole.
+    /// conversions, covers, trims, streams in fragments. Other transfers that were cut off stay,
+    /// and sources that are whole.
     void keepResumable(DownloadMode mode) const;
 
     /// Removes transfers that were cut off.
