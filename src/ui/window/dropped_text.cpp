@@ -1,8 +1,8 @@
 #include "ui/window/dropped_text.h"
 
 #include "base/text.h"
-#include "queue/links.h"
 #include "queue/line_ornaments.h"
+#include "queue/links.h"
 
 #include <QFile>
 #include <QFileInfo>
