@@ -7,6 +7,7 @@
 #include <cmath>
 #include <memory>
 #include <taglib/fileref.h>
+#include <taglib/id3v2header.h>
 #include <taglib/id3v2tag.h>
 #include <taglib/mpegfile.h>
 #include <taglib/textidentificationframe.h>
@@ -45,13 +46,16 @@ void setUserText(TagLib::ID3v2::Tag& tag, const TagLib::String& name, const QStr
     tag.addFrame(frame.release());  // which the tag owns from now on
 }
 
-/// In the version that the downloader's ffmpeg writes and every player reads.
+/// In the version that they have, so that none of them is lost.
 bool writeTags(TagLib::MPEG::File& file, const Loudness& loudness) {
+    const bool hasTags = file.hasID3v2Tag();
     TagLib::ID3v2::Tag* tag = file.ID3v2Tag(true);
     setUserText(*tag, gainName,
                 QString::number(referenceLufs - loudness.lufs, 'f', 2) + QStringLiteral(" dB"));
     setUserText(*tag, peakName, QString::number(loudness.peak, 'f', 6));
-    return file.save(TagLib::MPEG::File::ID3v2, TagLib::File::StripNone, TagLib::ID3v2::v3);
+    const bool isNewest = hasTags && tag->header()->majorVersion() == 4;
+    return file.save(TagLib::MPEG::File::ID3v2, TagLib::File::StripNone,
+                     isNewest ? TagLib::ID3v2::v4 : TagLib::ID3v2::v3);
 }
 
 /// Of the same length, too. From the first frame on, since the tags stand before it.
