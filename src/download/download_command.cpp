@@ -34,18 +34,22 @@ QString progressOptions() {
 }
 
 /// What a configuration file of the user's may not change: that songs are downloaded, told of and
-/// left alone.
+/// left alone. What is still being sent would never end.
 QString guards() {
-    return QStringLiteral(" --no-simulate --no-quiet --no-download-archive --no-exec");
+    return QStringLiteral(
+               " --no-simulate --no-quiet --no-download-archive --no-exec --match-filters ") +
+           shellQuoted(QStringLiteral("!is_live"));
 }
 
 /// A file under its final name is to be whole, whatever a configuration file of the user's says: a
 /// transfer that is cut off keeps another name, and a stream that lacks a piece fails. One of
 /// several media that fails does not end the others; but after a conversion that failed the source
-/// is left alone, and not given tags under which it looks whole.
+/// is left alone, and not given tags under which it looks whole. A stream's pieces are kept to be
+/// looked at.
 QString transferOptions() {
     return QStringLiteral(
-        " --no-abort-on-error --part --abort-on-unavailable-fragments --concurrent-fragments ");
+        " --no-abort-on-error --part --abort-on-unavailable-fragments --keep-fragments "
+        "--concurrent-fragments ");
 }
 
 QString conversionOptions(Conversion conversion) {

@@ -199,7 +199,17 @@ void RowDownload::download(WorkingFolder& folder, const std::stop_token& stop) {
     // It would be taken for the song's source the next time, too, and not be fetched again.
     if (source.isDamaged)
         QFile::remove(sourceFile);
+    if (!isSong)
+        removeWhatIsNoMedia(folder);
     fail(cause);
+}
+
+/// A page that was sent in the place of a picture or its sound; likewise.
+void RowDownload::removeWhatIsNoMedia(const WorkingFolder& folder) const {
+    for (const QString& file : folder.fetchedMedia()) {
+        if (!m_finisher.isMedia(file))
+            QFile::remove(file);
+    }
 }
 
 FailureCause RowDownload::causeOf(const OutputReader& output, const WorkingFolder& folder) const {
@@ -230,6 +240,12 @@ void RowDownload::finish(WorkingFolder& folder, std::optional<double> sourceSeco
                          const std::stop_token& stop) {
     const auto log = [this](const QString& line) { logLine(line); };
     const bool isSong = m_plan.target.mode == DownloadMode::audio;
+    if (const QString page = folder.textAmongFragments(); !page.isEmpty()) {
+        log(QStringLiteral("A piece of the stream is a text: ") + page);
+        folder.empty();
+        fail(FailureCause::noConnection);
+        return;
+    }
     if (isSong) {
         enterStage(row_text::examiningSong, 0.9, 2);
         if (!pauseFor(stop, m_plan.timing.examining))

@@ -97,6 +97,7 @@ private:
                     const std::stop_token& stop);
     void finish(WorkingFolder& folder, std::optional<double> sourceSeconds,
                 const std::stop_token& stop);
+    void removeWhatIsNoMedia(const WorkingFolder& folder) const;
     std::optional<QString> fileThatIsThere() const;
     void complete(const SavedSong& saved);
     void fail(FailureCause cause);

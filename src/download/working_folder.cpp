@@ -197,6 +197,34 @@ void WorkingFolder::keepResumable(DownloadMode mode) const {
     }
 }
 
+QString WorkingFolder::textAmongFragments() const {
+    constexpr qint64 looked = 200;  // bytes; where a piece is encrypted, not even ten are text
+    const QDir folder(m_path);
+    for (const QString& name : folder.entryList(QDir::Files | QDir::Hidden)) {
+        QFile file(folder.filePath(name));
+        if (!name.contains(u".part-Frag") || !file.open(QIODevice::ReadOnly))
+            continue;
+        const QByteArray bytes = file.read(looked).trimmed();
+        const bool isText = std::all_of(bytes.begin(), bytes.end(), [](char byte) {
+            return static_cast<unsigned char>(byte) >= ' ' || byte == '\n' || byte == '\r' ||
+                   byte == '\t';
+        });
+        if (isText && (bytes.startsWith('<') || bytes.startsWith('{')))
+            return name;
+    }
+    return {};
+}
+
+QStringList WorkingFolder::fetchedMedia() const {
+    const QDir folder(m_path);
+    QStringList paths;
+    for (const QString& name : folder.entryList(QDir::Files | QDir::Hidden | QDir::NoSymLinks)) {
+        if (isMedia(name) && !isTemporary(name))
+            paths.append(folder.filePath(name));
+    }
+    return paths;
+}
+
 void WorkingFolder::removeParts() const {
     const QDir folder(m_path);
     for (const QString& name : folder.entryList(QDir::Files | QDir::Hidden)) {

@@ -40,6 +40,13 @@ public:
     /// and sources that are whole.
     void keepResumable(DownloadMode mode) const;
 
+    /// The name of a stream's piece that is text: a page that a network or a busy site has sent in
+    /// its place. Empty where there is none.
+    QString textAmongFragments() const;
+
+    /// What was fetched or merged in whole, as the names have it; absolute paths.
+    QStringList fetchedMedia() const;
+
     /// Removes transfers that were cut off.
     void removeParts() const;
 

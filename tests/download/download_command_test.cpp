@@ -23,7 +23,7 @@ protected:
     /// The output path and the target.
     QStringList lastTwo(const DownloadItem& row, const QString& eventFolder = folder) {
         const QString line = downloadCommand(row, eventFolder, DownloadMode::audio, tools);
-        return tool.run(line).arguments.mid(33);
+        return tool.run(line).arguments.mid(36);
     }
 
     ArgumentPrinter tool{QStringLiteral("yt-dlp")};
@@ -38,8 +38,8 @@ TEST_F(DownloadCommand, AsksForAnMP3OrAnMP4) {
     const QString progress = text(
         "--no-update --newline --no-colors --progress --progress-delta 0.2 "
         "--progress-template download:RCR_PROGRESS:%(progress._percent_str)s --no-simulate "
-        "--no-quiet --no-download-archive --no-exec --no-abort-on-error "
-        "--part --abort-on-unavailable-fragments");
+        "--no-quiet --no-download-archive --no-exec --match-filters !is_live --no-abort-on-error "
+        "--part --abort-on-unavailable-fragments --keep-fragments");
     EXPECT_EQ(arguments(DownloadMode::audio),
               progress + text(" --concurrent-fragments 8 -x --audio-format mp3 --audio-quality 0 "
                               "--embed-thumbnail --add-metadata --postprocessor-args "

@@ -105,6 +105,27 @@ TEST_F(WorkingFolderTest, KeepsWhatCanBeGoneOnWith) {
     EXPECT_EQ(left(), text("B [x].f137.mp4|B [x].f137.mp4.part|B [x].f140.m4a"));
 }
 
+TEST_F(WorkingFolderTest, FindsThePageAmongAStreamsPieces) {
+    WorkingFolder folder(event(), text("song"));
+    ASSERT_EQ(folder.lock(), Lock::held);
+    const std::pair<QByteArray, bool> cases[] = {
+        {QByteArray("G@\x11\x10", 4), false},
+        {"ID3\x04", false},
+        {"", false},
+        {QByteArray("<\x01\x80#1", 5) + QByteArray(300, 'x'), false},
+        {"\n <!DOCTYPE html>\r\n\t<p>Zugang gesperrt f\xc3\xbcr ...", true},
+        {"{\"error\": 1}", true},
+    };
+    for (const auto& [content, isPage] : cases) {
+        const QString piece = text("A [x].mp4.part-Frag12");
+        ASSERT_TRUE(writeFile(work("song") + u'/' + piece, content));
+        EXPECT_EQ(folder.textAmongFragments(), isPage ? piece : QString()) << content.toStdString();
+    }
+    folder.empty();
+    put("A [x].html|A [x].mp4.part");
+    EXPECT_EQ(folder.textAmongFragments(), QString());
+}
+
 TEST_F(WorkingFolderTest, TellsFinishedFilesFromPiecesAndSources) {
     WorkingFolder folder(event(), text("song"));
     ASSERT_EQ(folder.lock(), Lock::held);

@@ -222,6 +222,16 @@ class Streams(WebFaultTest):
         self.site.faults[f"/stream/{SHORT.name}-2.ts"] = 404
         self.run_stream("404 for a segment of a stream")
 
+    def test_page_in_place_of_a_segment(self):
+        segment = self.site.folder / f"{SHORT.name}-2.ts"
+        content = segment.read_bytes()
+        segment.write_text("<!DOCTYPE html>\n<p>Welcome to the hotel.</p>\n" * 9)
+        link = f"{self.site.address}/stream/{SHORT.name}.m3u8"
+        outcome = self.run_event(link)
+        segment.write_bytes(content)
+        self.assertDetails(outcome, NO_CONNECTION)
+        self.survived(outcome, "a page in place of a segment of a stream", rerun=True)
+
     @slow
     def test_cut_segment(self):
         self.site.faults[f"/stream/{SHORT.name}-2.ts"] = CUT
