@@ -90,23 +90,5 @@ TEST_F(DownloadCommand, DoublesPercentSignsOfTheFolder) {
     EXPECT_EQ(lastTwo(video, text("/")).value(0), text("/%(title).180B [%(id).40B].%(ext)s"));
 }
 
-TEST_F(DownloadCommand, HandsHostileLinksAndTitlesOverUnchanged) {
-    for (const QString& hostile : hostileTexts + QStringList(QString(300, QChar(0x4E2D)))) {
-        SCOPED_TRACE(hostile.toStdString());
-        EXPECT_EQ(lastTwo(makeRow(SourceType::link, hostile, hostile)),
-                  QStringList({text("/music/Event/%(title).180B [%(id).40B].%(ext)s"), hostile}));
-        EXPECT_EQ(tool.leftBehind, QStringList());
-
-        const QStringList call = lastTwo(makeRow(SourceType::spotify, hostile));
-        ASSERT_EQ(call.size(), 2);
-        EXPECT_EQ(call.last(), text("ytsearch1:") + hostile + text(" official audio"));
-        EXPECT_EQ(tool.leftBehind, QStringList());
-        const QRegularExpression form(text(R"(^/music/Event/([^/%\n]+) \[%\(id\)s\]\.%\(ext\)s$)"));
-        const QString stem = form.match(call.first()).captured(1);
-        EXPECT_FALSE(stem.isEmpty() || stem.contains(u"$H") || stem.contains(u"${"));
-        EXPECT_LE(stem.toUtf8().size(), 180);
-    }
-}
-
 }  // namespace
 }  // namespace reelcrate

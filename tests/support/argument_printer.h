@@ -48,17 +48,6 @@ private:
     QString m_path;
 };
 
-/// Texts that a shell takes apart, runs or expands unless they are quoted.
-inline const QStringList hostileTexts{
-    QStringLiteral("it's"),
-    QStringLiteral("$(touch harmed) `touch harmed` $HOME ${PATH}"),
-    QStringLiteral("a; touch harmed & touch harmed | touch harmed > harmed"),
-    QStringLiteral("line\nbreak\r\n\ttab"),
-    QStringLiteral("%(id)s 100% * ? [a-z] ~ ! # \\ \" '\"'"),
-    QStringLiteral("-o harmed --exec 'touch harmed'"),
-    QStringLiteral("\U0001F3B5\U0001F469\u200D\U0001F3A4 caf\u00E9 \u4E2D\u6587"),
-};
-
 /// What a shell could take for its own, line breaks and other controls, and a few of everything
 /// else; lone surrogates, which no encoding has, among them.
 inline QString randomText(std::mt19937& random) {

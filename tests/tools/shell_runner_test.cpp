@@ -3,7 +3,6 @@
 #include "base/background_tasks.h"
 #include "support/machine.h"
 #include "support/printers.h"
-#include "tools/shell_quote.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -251,18 +250,6 @@ TEST_F(ShellRunnerTest, APieceOfWorkIsStoppedAlone) {
         EXPECT_TRUE(pollUntil([&] { return !isAlive(process); }));
     EXPECT_EQ(part.runShellSync(QStringLiteral("true"), {}).status, CommandResult::couldNotStart);
     EXPECT_EQ(shell.runShellSync(QStringLiteral("true"), {}).status, 0);
-}
-
-TEST_F(ShellRunnerTest, QuotedTextIsOneUnchangedWord) {
-    for (const QString& text :
-         {QString(), QStringLiteral("it's"), QStringLiteral("a  b"),
-          QStringLiteral("$(id) `id` $HOME"), QStringLiteral("%(title)s * [x] ? ! \\ \" \n\t;&|<>"),
-          QStringLiteral("''"), QStringLiteral("日本 🎵")}) {
-        const CommandResult result =
-            shell.runShellSync(QStringLiteral("printf '<%s>' ") + shellQuoted(text), {});
-        EXPECT_EQ(result.output, u'<' + text + u'>');
-    }
-    EXPECT_EQ(shellQuoted(QStringLiteral("it's")), QStringLiteral("'it'\\''s'"));
 }
 
 }  // namespace
