@@ -5,8 +5,8 @@
 #include "download/working_folder.h"
 #include "library/song_key.h"
 #include "support/machine.h"
-#include "support/printers.h"
 #include "support/sample.h"
+#include "support/texts.h"
 
 #include <QDir>
 #include <QJsonArray>
@@ -31,7 +31,7 @@ using testing::ElementsAre;
 ControllerSetup quickSetup(const Machine& machine) {
     ControllerSetup setup;
     setup.toolPlaces = machine.places();
-    setup.desktopFolder = machine.path(QStringLiteral("Desktop"));
+    setup.desktopFolder = machine.path(text("Desktop"));
     setup.resolutionTiming = {10ms, 10ms, 1ms};
     setup.downloadTiming = {1ms, 1ms, 1ms, 20ms};
     return setup;
@@ -41,10 +41,10 @@ class EngineTest : public testing::Test {
 protected:
     EngineTest() {
         for (const char* tool : {"yt-dlp", "spotdl"})
-            machine.install(QString::fromLatin1(tool));
+            machine.install(text(tool));
         machine.linkConverter();
         machine.installSong();
-        controller.setEventName(QStringLiteral("Prom"));
+        controller.setEventName(text("Prom"));
         QObject::connect(&controller, &Controller::activeSummaryChanged,
                          [this] { summaries.append(controller.activeSummary()); });
         QObject::connect(&controller.queue(), &QueueStore::rowChanged, [this](qsizetype index) {
@@ -55,7 +55,23 @@ protected:
     }
 
     static QString link(const char* kind, const QString& name) {
-        return QStringLiteral("http://site/%1/%2").arg(QString::fromLatin1(kind), name);
+        return text("http://site/%1/%2").arg(text(kind), name);
+    }
+    static QString link(const char* kind, const char* name) { return link(kind, text(name)); }
+
+    static QStringList links(const char* kind, std::initializer_list<const char*> names) {
+        QStringList links;
+        for (const char* name : names)
+            links.append(link(kind, name));
+        return links;
+    }
+
+    /// Links to song1, song2 and so on.
+    static QStringList links(const char* kind, int count) {
+        QStringList links;
+        for (int i = 1; i <= count; ++i)
+            links.append(link(kind, text("song%1").arg(i)));
+        return links;
     }
 
     const DownloadItem& row(qsizetype index) const { return controller.queue().rows().at(index); }
@@ -107,9 +123,27 @@ protected:
                            [](const DownloadItem& row) { return row.isResolvingInfo; });
     }
 
+    void waitForEnd() const {
+        ASSERT_TRUE(waitUntil([this] { return controller.runs().activeDownloadRuns() == 0; }));
+    }
+
     void downloadAll() {
         controller.startDownloads();
-        ASSERT_TRUE(waitUntil([this] { return controller.runs().activeDownloadRuns() == 0; }));
+        waitForEnd();
+    }
+
+    void download(qsizetype index) {
+        controller.startDownloadRun({row(index).id});
+        waitForEnd();
+    }
+
+    QString log() const { return controller.runs().runLog().text(); }
+
+    QList<QUuid> allIds() const {
+        QList<QUuid> ids;
+        for (const DownloadItem& each : controller.queue().rows())
+            ids.append(each.id);
+        return ids;
     }
 
     QString eventFile(const QString& name) const { return controller.eventFolder() + u'/' + name; }
@@ -130,17 +164,16 @@ protected:
     /// Measures "measure-me" and trims "trim-me" for ever, the first time; "in-measure" and
     /// "in-trim" tell.
     void installHaltingConverter() {
-        const QString converter = machine.toolFolder() + QStringLiteral("/ffmpeg");
+        const QString converter = machine.toolFolder() + text("/ffmpeg");
         ASSERT_TRUE(QFile::remove(converter));
         machine.installScript(
-            QStringLiteral("ffmpeg"),
+            text("ffmpeg"),
             "#!/bin/bash\nhere=$(dirname \"$0\")\nstep=measure\n"
             "[[ \"$*\" == *.trim-* ]] && step=trim\n"
             "if [[ \"$*\" == */$step-me* ]] && mkdir \"$here/in-$step\" 2> /dev/null\n"
             "then [ $step = measure ] || echo half > \"${!#}\"; sleep 600; fi\n"
             "exec " +
-                QFile::encodeName(QStandardPaths::findExecutable(QStringLiteral("ffmpeg"))) +
-                " \"$@\"\n");
+                QFile::encodeName(QStandardPaths::findExecutable(text("ffmpeg"))) + " \"$@\"\n");
     }
 
     Machine machine;
@@ -150,47 +183,40 @@ protected:
 };
 
 TEST_F(EngineTest, ReadsALinkAndDownloadsIt) {
-    addAndRead(QStringLiteral("Our song: %1).").arg(link("song", QStringLiteral("first"))));
+    addAndRead(text("Our song: %1).").arg(link("song", "first")));
     ASSERT_EQ(controller.queue().size(), 1);
-    EXPECT_EQ(row(0).title, QStringLiteral("first"));
-    EXPECT_EQ(row(0).duration, QStringLiteral("3:45"));
-    EXPECT_EQ(row(0).detail, QStringLiteral("Ready to download"));
+    EXPECT_EQ(row(0).title, text("first"));
+    EXPECT_EQ(row(0).duration, text("3:45"));
+    EXPECT_EQ(row(0).detail, text("Ready to download"));
     EXPECT_TRUE(controller.pastedLinks().isEmpty());
 
     details.clear();
     downloadAll();
     EXPECT_EQ(row(0).status, QueueStatus::complete);
-    EXPECT_EQ(row(0).detail, QStringLiteral("Saved; trimmed silent start/end"));
-    EXPECT_EQ(row(0).outputPath, eventFile(QStringLiteral("first [first].mp3")));
+    EXPECT_EQ(row(0).detail, text("Saved; trimmed silent start/end"));
+    EXPECT_EQ(row(0).outputPath, eventFile(text("first [first].mp3")));
     EXPECT_EQ(row(0).progress, 1.0);
-    EXPECT_TRUE(
-        waitUntil([this] { return left() == QStringList(QStringLiteral("first [first].mp3")); }));
+    EXPECT_TRUE(waitUntil([this] { return left() == QStringList(text("first [first].mp3")); }));
     EXPECT_LT(QFileInfo(row(0).outputPath).size(),
-              QFileInfo(machine.toolFolder() + QStringLiteral("/song.mp3")).size());
-    const QStringList stages{QStringLiteral("Preparing Song for Download"),
-                             QStringLiteral("Downloading Song"),
-                             QStringLiteral("Examining Song to Trim"),
-                             QStringLiteral("Trimming Song"),
-                             QStringLiteral("Saving MP3"),
-                             QStringLiteral("Saved; trimmed silent start/end")};
+              QFileInfo(machine.toolFolder() + text("/song.mp3")).size());
+    const QStringList stages{text("Preparing Song for Download"),
+                             text("Downloading Song"),
+                             text("Examining Song to Trim"),
+                             text("Trimming Song"),
+                             text("Saving MP3"),
+                             text("Saved; trimmed silent start/end")};
     EXPECT_EQ(details, stages);
     EXPECT_TRUE(controller.runs().crawls().progressCrawlTokens().isEmpty());
-    EXPECT_TRUE(
-        controller.runs().runLog().text().startsWith(QStringLiteral("Running 1/1: PATH='~/share/")))
-        << controller.runs().runLog().text().toStdString();
-    EXPECT_TRUE(
-        controller.runs().runLog().text().contains(QStringLiteral("RCR_PROGRESS: 50.0%\n")));
-    const QStringList expected{
-        QStringLiteral("Reading 1 link"),         QStringLiteral("Added 1 song"),
-        QStringLiteral("Preparing event folder"), QStringLiteral("Downloading selected song"),
-        QStringLiteral("Finalizing downloads"),   QStringLiteral("Download run finished")};
+    EXPECT_TRUE(log().startsWith(text("Running 1/1: PATH='~/share/"))) << log().toStdString();
+    EXPECT_TRUE(log().contains(text("RCR_PROGRESS: 50.0%\n")));
+    const QStringList expected{text("Reading 1 link"),         text("Added 1 song"),
+                               text("Preparing event folder"), text("Downloading selected song"),
+                               text("Finalizing downloads"),   text("Download run finished")};
     EXPECT_EQ(summaries, expected);
 }
 
 TEST_F(EngineTest, RunsSixSideBySideInQueueOrder) {
-    QStringList links;
-    for (int i = 1; i <= 9; ++i)
-        links.append(link("hold", QStringLiteral("song%1").arg(i)));
+    const QStringList links = EngineTest::links("hold", 9);
     addReadRows(links);
     controller.tools().checkTools();
     ASSERT_TRUE(waitUntil([this] { return controller.canDownload(); }));
@@ -198,51 +224,45 @@ TEST_F(EngineTest, RunsSixSideBySideInQueueOrder) {
     EXPECT_EQ(countWith(QueueStatus::running), 6);
     EXPECT_EQ(countWith(QueueStatus::queued), 3);
     EXPECT_FALSE(controller.canDownload() || controller.canDownloadAll());
-    EXPECT_EQ(row(6).detail, QStringLiteral("Waiting for open download slot"));
-    EXPECT_EQ(controller.activeSummary(), QStringLiteral("Downloading up to 6 songs at once"));
+    EXPECT_EQ(row(6).detail, text("Waiting for open download slot"));
+    EXPECT_EQ(controller.activeSummary(), text("Downloading up to 6 songs at once"));
     controller.startDownloads();
-    EXPECT_EQ(controller.activeSummary(), QStringLiteral("Already downloading 6 songs at once"));
+    EXPECT_EQ(controller.activeSummary(), text("Already downloading 6 songs at once"));
     EXPECT_EQ(controller.runs().activeDownloadRuns(), 1);
 
     ASSERT_TRUE(waitUntil([this] { return machine.calls().size() == 6; }));
-    machine.tell(QStringLiteral("go"));
-    ASSERT_TRUE(waitUntil([this] { return controller.runs().activeDownloadRuns() == 0; }));
+    machine.tell(text("go"));
+    waitForEnd();
     EXPECT_EQ(countWith(QueueStatus::complete), 9);
     const QStringList calls = machine.calls();
-    EXPECT_THAT(calls.mid(6), testing::UnorderedElementsAre(QStringLiteral("download song7"),
-                                                            QStringLiteral("download song8"),
-                                                            QStringLiteral("download song9")));
-    EXPECT_TRUE(
-        summaries.contains(QStringLiteral("Finished 2 of 9; downloading up to 6 songs at once")));
-    EXPECT_EQ(summaries.last(), QStringLiteral("Download run finished"));
+    EXPECT_THAT(calls.mid(6),
+                testing::UnorderedElementsAre(text("download song7"), text("download song8"),
+                                              text("download song9")));
+    EXPECT_TRUE(summaries.contains(text("Finished 2 of 9; downloading up to 6 songs at once")));
+    EXPECT_EQ(summaries.last(), text("Download run finished"));
 }
 
 TEST_F(EngineTest, ASecondRunGetsTheSlotsThatAreLeft) {
-    QStringList links;
-    for (int i = 1; i <= 8; ++i)
-        links.append(link("hold", QStringLiteral("song%1").arg(i)));
+    const QStringList links = EngineTest::links("hold", 8);
     addReadRows(links);
-    QList<QUuid> ids;
-    for (const DownloadItem& each : controller.queue().rows())
-        ids.append(each.id);
+    const QList<QUuid> ids = allIds();
 
     controller.startDownloadRun(ids.first(4));
     controller.setDownloadMode(DownloadMode::video);
     controller.startDownloadRun(ids);  // of these, the four that are not running yet
-    EXPECT_EQ(controller.activeSummary(), QStringLiteral("Downloading up to 2 videos at once"));
+    EXPECT_EQ(controller.activeSummary(), text("Downloading up to 2 videos at once"));
     EXPECT_EQ(controller.runs().activeDownloadRuns(), 2);
     EXPECT_EQ(countWith(QueueStatus::running), 6);
     EXPECT_EQ(countWith(QueueStatus::queued), 2);
-    machine.tell(QStringLiteral("go"));
-    ASSERT_TRUE(waitUntil([this] { return controller.runs().activeDownloadRuns() == 0; }));
+    machine.tell(text("go"));
+    waitForEnd();
     EXPECT_EQ(countWith(QueueStatus::complete), 8);
-    EXPECT_EQ(row(7).detail, QStringLiteral("Saved to Prom"));
+    EXPECT_EQ(row(7).detail, text("Saved to Prom"));
 }
 
 TEST_F(EngineTest, ASongIsDownloadedByOneRowAtATimeAndFoundByTheOthers) {
-    QStringList links;
-    for (const char* name : {"a", "a#x", "b", "a#y", "c", "d", "e", "f", "g"})
-        links.append(link("hold", QString::fromLatin1(name)));
+    const QStringList links =
+        EngineTest::links("hold", {"a", "a#x", "b", "a#y", "c", "d", "e", "f", "g"});
     addReadRows(links);
     bool isTwice = false;
     QObject::connect(&controller.queue(), &QueueStore::rowChanged, [&] {
@@ -255,459 +275,358 @@ TEST_F(EngineTest, ASongIsDownloadedByOneRowAtATimeAndFoundByTheOthers) {
               QStringList({a}) + links.mid(2, 1) + links.mid(4, 4));
     EXPECT_EQ(linksWith(QueueStatus::queued),
               QStringList({links.at(1), links.at(3), links.last()}));
-    EXPECT_EQ(row(1).detail, QStringLiteral("Waiting for open download slot"));
-    machine.tell(QStringLiteral("go"));
-    ASSERT_TRUE(waitUntil([this] { return controller.runs().activeDownloadRuns() == 0; }));
+    EXPECT_EQ(row(1).detail, text("Waiting for open download slot"));
+    machine.tell(text("go"));
+    waitForEnd();
     EXPECT_EQ(countWith(QueueStatus::complete), 9);
     EXPECT_FALSE(isTwice);
-    EXPECT_EQ(machine.calls().count(QStringLiteral("download a")), 1);
-    EXPECT_EQ(row(1).detail, QStringLiteral("Already Downloaded"));
+    EXPECT_EQ(machine.calls().count(text("download a")), 1);
+    EXPECT_EQ(row(1).detail, text("Already Downloaded"));
     EXPECT_EQ(row(1).outputPath, row(0).outputPath);
     EXPECT_EQ(row(3).outputPath, row(0).outputPath);
 }
 
 TEST_F(EngineTest, RunsHoldEachOthersLinksAndShareTheSlots) {
-    QStringList links;
-    for (const char* name :
-         {"1", "2", "3", "4", "p", "q", "s", "t", "p#2", "q#2", "5", "6", "7", "8"})
-        links.append(link("gate", QString::fromLatin1(name)));
+    const QStringList links = EngineTest::links(
+        "gate", {"1", "2", "3", "4", "p", "q", "s", "t", "p#2", "q#2", "5", "6", "7", "8"});
     addReadRows(links);
-    QList<QUuid> ids;
-    for (const DownloadItem& each : controller.queue().rows())
-        ids.append(each.id);
+    const QList<QUuid> ids = allIds();
     qsizetype most = 0;
     QObject::connect(&controller.queue(), &QueueStore::rowChanged,
                      [&] { most = std::max(most, countWith(QueueStatus::running)); });
     const auto release = [this](const QString& names) {
         for (const QChar name : names)
-            machine.tell(QStringLiteral("go-") + name);
+            machine.tell(text("go-") + name);
     };
 
     controller.startDownloadRun(ids.mid(0, 4));
     controller.startDownloadRun(ids.mid(4, 4));
-    release(QStringLiteral("1234"));
+    release(text("1234"));
     ASSERT_TRUE(waitUntil([this] { return controller.runs().activeDownloadRuns() == 1; }));
     controller.startDownloadRun(ids.mid(8, 2));
     EXPECT_EQ(countWith(QueueStatus::running), 2);
     controller.startDownloadRun(ids.mid(10, 4));  // in the slots that the held rows leave
     EXPECT_EQ(countWith(QueueStatus::running), 6);
-    release(QStringLiteral("p"));
+    release(text("p"));
     ASSERT_TRUE(waitUntil([this] { return row(6).status == QueueStatus::running; }));
     EXPECT_EQ(row(8).status, QueueStatus::queued);
-    release(QStringLiteral("5"));
+    release(text("5"));
     ASSERT_TRUE(waitUntil([this] { return row(8).status == QueueStatus::complete; }));
-    release(QStringLiteral("qst678"));
-    ASSERT_TRUE(waitUntil([this] { return controller.runs().activeDownloadRuns() == 0; }));
+    release(text("qst678"));
+    waitForEnd();
     EXPECT_EQ(countWith(QueueStatus::complete), 14);
     EXPECT_EQ(most, 6);
 }
 
 TEST_F(EngineTest, AnotherProgramsSongIsWaitedForAndFound) {
-    const QStringList links{link("hold", QStringLiteral("both of us")),
-                            link("song", QStringLiteral("own"))};
+    const QStringList links{link("hold", "both of us"), link("song", "own")};
     addReadRows(links);
     Controller other(machine.supervisor, quickSetup(machine));
-    other.setEventName(QStringLiteral("Prom"));
+    other.setEventName(text("Prom"));
     addReadRows(other, {links.first()});
     other.startDownloads();
-    ASSERT_TRUE(waitUntil(
-        [this] { return machine.calls().contains(QStringLiteral("download both of us")); }));
+    ASSERT_TRUE(
+        waitUntil([this] { return machine.calls().contains(text("download both of us")); }));
     controller.startDownloads();
     // It holds no slot meanwhile, and a row behind it passes.
     ASSERT_TRUE(waitUntil([this] { return row(1).status == QueueStatus::complete; }));
     ASSERT_TRUE(waitUntil([this] { return row(0).status == QueueStatus::queued; }));
-    machine.tell(QStringLiteral("go"));
+    machine.tell(text("go"));
     ASSERT_TRUE(waitUntil([&] {
         return controller.runs().activeDownloadRuns() + other.runs().activeDownloadRuns() == 0;
     }));
-    EXPECT_EQ(row(0).detail, QStringLiteral("Already Downloaded"));
-    EXPECT_EQ(machine.calls().count(QStringLiteral("download both of us")), 1);
+    EXPECT_EQ(row(0).detail, text("Already Downloaded"));
+    EXPECT_EQ(machine.calls().count(text("download both of us")), 1);
     other.shutDown();
     EXPECT_TRUE(waitUntil([this] { return left().size() == 2; }));
 }
 
 TEST_F(EngineTest, SongsOfOneNameAllArriveUnlessTheyAreOneSong) {
-    addReadRows({link("same", QStringLiteral("1"))});
+    addReadRows({link("same", "1")});
     downloadAll();
     machine.installSong(3.0);
-    addReadRows({link("same", QStringLiteral("1#x")), link("same", QStringLiteral("2")),
-                 link("same", QStringLiteral("3")), link("same", QStringLiteral("3?x"))});
+    addReadRows(links("same", {"1#x", "2", "3", "3?x"}));
     machine.installSong(3.0);
     downloadAll();
     EXPECT_EQ(countWith(QueueStatus::complete), controller.queue().size());
     EXPECT_TRUE(waitUntil([this] { return left().size() == 2; }));
-    EXPECT_EQ(left(), QStringList({QStringLiteral("track (2) [track].mp3"),
-                                   QStringLiteral("track [track].mp3")}));
+    EXPECT_EQ(left(), QStringList({text("track (2) [track].mp3"), text("track [track].mp3")}));
     EXPECT_EQ(row(1).outputPath, row(0).outputPath);
     EXPECT_EQ(row(2).outputPath, row(3).outputPath);
     EXPECT_NE(row(2).outputPath, row(0).outputPath);
 }
 
 TEST_F(EngineTest, CompleteIsWhatIsThereAndPlays) {
-    addReadRows({link("nothing", QStringLiteral("a")), link("text", QStringLiteral("b")),
-                 link("cover", QStringLiteral("c")), link("stale", QStringLiteral("d")),
-                 link("both", QStringLiteral("e"))});
-    const QString failed = QStringLiteral("Download failed. Check the link or try again.");
-    const QString saved = QStringLiteral("Saved; trimmed silent start/end");
-    const QString stale = controller.eventFolder() + QStringLiteral("/.reelcrate/") +
-                          songKey(row(3).url, 0) + QStringLiteral(".mp3");
+    addReadRows({link("nothing", "a"), link("text", "b"), link("cover", "c"), link("stale", "d"),
+                 link("both", "e")});
+    const QString failed = text("Download failed. Check the link or try again.");
+    const QString saved = text("Saved; trimmed silent start/end");
+    const QString stale =
+        controller.eventFolder() + text("/.reelcrate/") + songKey(row(3).url, 0) + text(".mp3");
     QDir().mkpath(stale);
-    writeFile(stale + QStringLiteral("/d [d].mp3.part"), "of no use");
+    writeFile(stale + text("/d [d].mp3.part"), "of no use");
     downloadAll();
     EXPECT_EQ(allDetails(), QStringList({failed, failed, saved, saved, saved}));
     EXPECT_TRUE(waitUntil([this] { return left().size() == 5; }))
         << left().join(u'|').toStdString();
-    EXPECT_EQ(left().mid(1),
-              QStringList({QStringLiteral("c [c].mp3"), QStringLiteral("d [d].mp3"),
-                           QStringLiteral("first [1].mp3"), QStringLiteral("second [2].mp3")}));
-    EXPECT_TRUE(controller.runs().runLog().text().contains(QStringLiteral("there is no file")))
-        << controller.runs().runLog().text().toStdString();
-    EXPECT_EQ(row(4).outputPath, eventFile(QStringLiteral("second [2].mp3")));
+    EXPECT_EQ(left().mid(1), QStringList({text("c [c].mp3"), text("d [d].mp3"),
+                                          text("first [1].mp3"), text("second [2].mp3")}));
+    EXPECT_TRUE(log().contains(text("there is no file"))) << log().toStdString();
+    EXPECT_EQ(row(4).outputPath, eventFile(text("second [2].mp3")));
 }
 
 TEST_F(EngineTest, WhatIsThereIsLookedForAgainBeforeADownload) {
-    addReadRows(
-        {link("song", QStringLiteral("A Longer Title")), link("song", QStringLiteral("A Longer"))});
+    addReadRows(links("song", {"A Longer Title", "A Longer"}));
     QDir().mkpath(controller.eventFolder());
     // What looks like a song from outside, and like the song by its name, has to play as well.
-    const QString torn = eventFile(QStringLiteral("A Longer Title [y].mp3"));
-    const QString song = machine.toolFolder() + QStringLiteral("/song.mp3");
-    const QString whole = eventFile(QStringLiteral("A Longer Title [x].mp3"));
+    const QString torn = eventFile(text("A Longer Title [y].mp3"));
+    const QString song = machine.toolFolder() + text("/song.mp3");
+    const QString whole = eventFile(text("A Longer Title [x].mp3"));
     QFile::copy(song, whole);
     QByteArray bytes = readFile(song);
     const qsizetype third = bytes.size() / 3;
     writeFile(torn, bytes.replace(third, third, QByteArray(third, 'x')));
-    controller.startDownloadRun({row(0).id});
-    ASSERT_TRUE(waitUntil([this] { return controller.runs().activeDownloadRuns() == 0; }));
-    EXPECT_EQ(row(0).detail, QStringLiteral("Already Downloaded"));
+    download(0);
+    EXPECT_EQ(row(0).detail, text("Already Downloaded"));
     EXPECT_EQ(row(0).outputPath, whole);
-    EXPECT_TRUE(controller.runs().runLog().text().contains(
-        torn + QStringLiteral(" is there, but no whole song (")));
-    EXPECT_EQ(machine.calls().count(QStringLiteral("download A Longer Title")), 0);
+    EXPECT_TRUE(log().contains(torn + text(" is there, but no whole song (")));
+    EXPECT_EQ(machine.calls().count(text("download A Longer Title")), 0);
 
     // But not what another song has just written.
     QFile::remove(row(0).outputPath);
-    addReadRows({link("song", QStringLiteral("A Longer Title#2"))});
-    controller.startDownloadRun({row(2).id});
-    ASSERT_TRUE(waitUntil([this] { return controller.runs().activeDownloadRuns() == 0; }));
-    controller.startDownloadRun({row(1).id});
-    ASSERT_TRUE(waitUntil([this] { return controller.runs().activeDownloadRuns() == 0; }));
-    EXPECT_EQ(row(1).outputPath, eventFile(QStringLiteral("A Longer [A Longer].mp3")));
+    addReadRows({link("song", "A Longer Title#2")});
+    download(2);
+    download(1);
+    EXPECT_EQ(row(1).outputPath, eventFile(text("A Longer [A Longer].mp3")));
 }
 
 TEST_F(EngineTest, ReadingChangesNoRowThatARunHasTaken) {
-    controller.setPastedLinks(link("slowread", QStringLiteral("a")) + u' ' +
-                              link("unreadable", QStringLiteral("b")));
+    controller.setPastedLinks(link("slowread", "a") + u' ' + link("unreadable", "b"));
     controller.addSongsFromFieldOrClipboard();
-    controller.addSongs(link("slowread", QStringLiteral("c")));
+    controller.addSongs(link("slowread", "c"));
     ASSERT_TRUE(waitUntil([this] { return machine.calls().size() == 2; }));
     downloadAll();
     const QStringList after = allDetails();
     EXPECT_EQ(countWith(QueueStatus::complete), 3) << after.join(u'|').toStdString();
-    machine.tell(QStringLiteral("go-read"));
+    machine.tell(text("go-read"));
     ASSERT_TRUE(waitUntil([this] { return !isReading(); }));
     EXPECT_EQ(allDetails(), after);
     EXPECT_EQ(countWith(QueueStatus::complete), 3);
 }
 
-TEST_F(EngineTest, NoMoreThanSixDownloadHoweverOftenTheyAreAskedFor) {
-    QStringList links;
-    for (int i = 0; i < 8; ++i)
-        links.append(link("hold", QString::number(i)));
-    addReadRows(links);
-    controller.startDownloads();
-    controller.clearQueue();  // what runs goes on
-    addReadRows({link("hold", QStringLiteral("x"))});
-    controller.startDownloads();
-    EXPECT_EQ(controller.activeSummary(), QStringLiteral("Already downloading 6 songs at once"));
-    EXPECT_EQ(row(0).status, QueueStatus::waiting);
-    machine.tell(QStringLiteral("go"));
-    ASSERT_TRUE(waitUntil([this] { return controller.runs().activeDownloadRuns() == 0; }));
-    EXPECT_EQ(left().filter(QStringLiteral(".mp3")).size(), 8);
-}
-
 TEST_F(EngineTest, EachOfSeveralSongsOnAPageIsARow) {
-    addAndRead(link("three", QStringLiteral("p")) + u' ' + link("feed", QStringLiteral("f")));
-    EXPECT_EQ(titles(),
-              QStringList({QStringLiteral("p1"), QStringLiteral("p2"), QStringLiteral("p3"),
-                           QStringLiteral("f1"), QStringLiteral("Item 2 of http://site/feed/f"),
-                           QStringLiteral("f3")}));
+    addAndRead(link("three", "p") + u' ' + link("feed", "f"));
+    EXPECT_EQ(titles(), QStringList({text("p1"), text("p2"), text("p3"), text("f1"),
+                                     text("Item 2 of http://site/feed/f"), text("f3")}));
     EXPECT_EQ(row(4).status, QueueStatus::failed);
-    EXPECT_EQ(summaries.last(), QStringLiteral("Added 3 songs; 1 could not be read"));
-    EXPECT_TRUE(
-        controller.runs().runLog().text().contains(QStringLiteral("ERROR: the second is gone\n")));
+    EXPECT_EQ(summaries.last(), text("Added 3 songs; 1 could not be read"));
+    EXPECT_TRUE(log().contains(text("ERROR: the second is gone\n")));
     controller.resolution().retryResolveInfo(row(4));
     ASSERT_TRUE(waitUntil([this] { return !isReading(); }));
-    EXPECT_EQ(row(4).title, QStringLiteral("f2"));
+    EXPECT_EQ(row(4).title, text("f2"));
     downloadAll();
     EXPECT_EQ(countWith(QueueStatus::complete), 6);
-    EXPECT_TRUE(left().contains(QStringLiteral("p3 [p3].mp3")));
-    addAndRead(link("three", QStringLiteral("p")));
-    EXPECT_EQ(summaries.last(), QStringLiteral("No new links added"));
-}
-
-TEST_F(EngineTest, EachFailureHasItsText) {
-    addReadRows({link("broken", QStringLiteral("a")), link("private", QStringLiteral("b")),
-                 QStringLiteral("https://open.spotify.com/track/c")});
-    const QString failed = QStringLiteral("Download failed. Check the link or try again.");
-    downloadAll();
-    EXPECT_EQ(row(0).detail, failed);
-    EXPECT_EQ(row(0).status, QueueStatus::failed);
-    EXPECT_EQ(row(0).progress, 0.0);
-    EXPECT_EQ(row(1).detail,
-              QStringLiteral("This link may require a browser login or may not be public."));
-
-    // What failed can be tried again.
-    const QStringList before = machine.calls();
-    downloadAll();
-    EXPECT_EQ(machine.calls().size(), before.size() + 2);
+    EXPECT_TRUE(left().contains(text("p3 [p3].mp3")));
+    addAndRead(link("three", "p"));
+    EXPECT_EQ(summaries.last(), text("No new links added"));
 }
 
 TEST_F(EngineTest, ASpotifyRowIsSearchedForAndFailsInItsOwnWords) {
-    machine.tell(QStringLiteral("spotdl.txt"), sample("spotdl_playlist.txt").toUtf8());
-    addAndRead(QStringLiteral("https://open.spotify.com/playlist/x"));
+    machine.tell(text("spotdl.txt"), sample("spotdl_playlist.txt").toUtf8());
+    addAndRead(text("https://open.spotify.com/playlist/x"));
     ASSERT_GT(controller.queue().size(), 1);
     EXPECT_EQ(row(0).source, SourceType::spotify);
     machine.installScript(
-        QStringLiteral("yt-dlp"),
+        text("yt-dlp"),
         "#!/bin/bash\necho '[youtube:search] Playlist Login: Downloading 0 items'\n");
-    controller.startDownloadRun({row(0).id});
-    ASSERT_TRUE(waitUntil([this] { return controller.runs().activeDownloadRuns() == 0; }));
+    download(0);
     EXPECT_EQ(row(0).cause, FailureCause::noMatch);
-    EXPECT_EQ(
-        row(0).detail,
-        QStringLiteral("Could not find a matching YouTube result for this Spotify reference."));
-    EXPECT_TRUE(controller.runs().runLog().text().contains(
-        QStringLiteral("ytsearch1:") + row(0).title + QStringLiteral(" official audio")));
+    EXPECT_EQ(row(0).detail,
+              text("Could not find a matching YouTube result for this Spotify reference."));
+    EXPECT_TRUE(log().contains(text("ytsearch1:") + row(0).title + text(" official audio")));
 
     // That is said only of a search that was made.
-    machine.installScript(QStringLiteral("yt-dlp"), "#!/bin/bash\necho login \"$*\"; exit 1\n");
-    controller.startDownloadRun({row(0).id});
-    ASSERT_TRUE(waitUntil([this] { return controller.runs().activeDownloadRuns() == 0; }));
+    machine.installScript(text("yt-dlp"), "#!/bin/bash\necho login \"$*\"; exit 1\n");
+    download(0);
     EXPECT_EQ(row(0).cause, FailureCause::other);
-    EXPECT_EQ(row(0).detail, QStringLiteral("Download failed. Check the link or try again."));
+    EXPECT_EQ(row(0).detail, text("Download failed. Check the link or try again."));
 }
 
 TEST_F(EngineTest, ASiteThatLimitsDownloadsIsAskedNoMore) {
     QStringList links;
     for (int i = 1; i <= 15; ++i)
-        links.append(link("limited", QStringLiteral("song%1").arg(i)));
-    const QStringList others{QStringLiteral("http://other/song/x"),
-                             QStringLiteral("http://other/song/y")};
+        links.append(link("limited", text("song%1").arg(i)));
+    const QStringList others{text("http://other/song/x"), text("http://other/song/y")};
     addReadRows(links + others);
     controller.startDownloads();
     ASSERT_TRUE(waitUntil([this] { return machine.calls().size() == 6; }));
-    machine.tell(QStringLiteral("go"));
-    ASSERT_TRUE(waitUntil([this] { return controller.runs().activeDownloadRuns() == 0; }));
+    machine.tell(text("go"));
+    waitForEnd();
 
     // Each of the first two that failed made room for another.
     EXPECT_EQ(linksWith(QueueStatus::failed), links.first(8));
     EXPECT_EQ(linksWith(QueueStatus::waiting), links.last(7));
     EXPECT_EQ(linksWith(QueueStatus::complete), others);
-    EXPECT_EQ(machine.calls().filter(QStringLiteral("download song")).size(), 8);
-    EXPECT_EQ(row(0).detail, QStringLiteral("The site limits downloads. Try again in an hour."));
+    EXPECT_EQ(machine.calls().filter(text("download song")).size(), 8);
+    EXPECT_EQ(row(0).detail, text("The site limits downloads. Try again in an hour."));
     EXPECT_EQ(row(0).cause, FailureCause::siteLimit);
-    EXPECT_EQ(row(14).detail, QStringLiteral("Ready to download"));
+    EXPECT_EQ(row(14).detail, text("Ready to download"));
     EXPECT_EQ(row(14).progress, 0.0);
     EXPECT_EQ(controller.activeSummary(),
-              QStringLiteral("site asks to wait: try again in an hour (7 songs not started)"));
-    EXPECT_TRUE(controller.runs().runLog().text().contains(controller.activeSummary()));
+              text("site asks to wait: try again in an hour (7 songs not started)"));
+    EXPECT_TRUE(log().contains(controller.activeSummary()));
     EXPECT_TRUE(controller.runs().crawls().progressCrawlTokens().isEmpty());
 
     // The next run tries again.
-    controller.startDownloadRun({row(14).id});
-    ASSERT_TRUE(waitUntil([this] { return controller.runs().activeDownloadRuns() == 0; }));
+    download(14);
     EXPECT_EQ(row(14).status, QueueStatus::failed);
-    EXPECT_EQ(controller.activeSummary(), QStringLiteral("Download run finished"));
+    EXPECT_EQ(controller.activeSummary(), text("Download run finished"));
 }
 
 TEST_F(EngineTest, ARowThatWaitsForAnotherProgramGoesBackToo) {
-    const QString waiting = link("limited", QStringLiteral("waiting"));
+    const QString waiting = link("limited", "waiting");
     QDir().mkpath(controller.eventFolder());
-    WorkingFolder elsewhere(controller.eventFolder(), songKey(waiting, 0) + QStringLiteral(".mp3"));
+    WorkingFolder elsewhere(controller.eventFolder(), songKey(waiting, 0) + text(".mp3"));
     ASSERT_EQ(elsewhere.lock(), WorkingFolder::Lock::held);
-    addReadRows({waiting, link("limited", QStringLiteral("a")),
-                 link("limited", QStringLiteral("b")), link("limited", QStringLiteral("c"))});
+    addReadRows({waiting, link("limited", "a"), link("limited", "b"), link("limited", "c")});
     controller.startDownloads();
     ASSERT_TRUE(waitUntil([this] { return machine.calls().size() == 3; }));
     ASSERT_TRUE(waitUntil([this] { return row(0).status == QueueStatus::queued; }));
-    machine.tell(QStringLiteral("go"));
-    ASSERT_TRUE(waitUntil([this] { return controller.runs().activeDownloadRuns() == 0; }));
+    machine.tell(text("go"));
+    waitForEnd();
     EXPECT_EQ(linksWith(QueueStatus::waiting), QStringList(waiting));
     EXPECT_EQ(controller.activeSummary(),
-              QStringLiteral("site asks to wait: try again in an hour (1 song not started)"));
+              text("site asks to wait: try again in an hour (1 song not started)"));
 }
 
 TEST_F(EngineTest, AnOldDownloaderIsNamedOnceBehindAFailure) {
-    machine.tell(QStringLiteral("version"), "2025.04.30\n");
+    machine.tell(text("version"), "2025.04.30\n");
     controller.tools().checkTools();
     ASSERT_TRUE(waitUntil([this] { return !controller.tools().isCheckingTools(); }));
-    addReadRows({link("broken", QStringLiteral("a")), link("refused", QStringLiteral("b")),
-                 link("song", QStringLiteral("c"))});
-    const QString notice = QStringLiteral("yt-dlp 2025.04.30, ");
+    addReadRows({link("broken", "a"), link("refused", "b"), link("song", "c")});
+    const QString notice = text("yt-dlp 2025.04.30, ");
     downloadAll();
-    EXPECT_EQ(row(1).detail, QStringLiteral("yt-dlp is too old for this site. Run Setup."));
-    EXPECT_EQ(controller.runs().runLog().text().count(notice), 1);
-    EXPECT_GT(controller.runs().runLog().text().indexOf(notice),
-              controller.runs().runLog().text().indexOf(QStringLiteral("ERROR: ")));
+    EXPECT_EQ(row(1).detail, text("yt-dlp is too old for this site. Run Setup."));
+    EXPECT_EQ(log().count(notice), 1);
+    EXPECT_GT(log().indexOf(notice), log().indexOf(text("ERROR: ")));
 
-    controller.startDownloadRun({row(1).id});
-    ASSERT_TRUE(waitUntil([this] { return controller.runs().activeDownloadRuns() == 0; }));
-    EXPECT_EQ(controller.runs().runLog().text().count(notice), 1);  // the log of this run
-    machine.tell(QStringLiteral("version"), "2999.01.01\n");
+    download(1);
+    EXPECT_EQ(log().count(notice), 1);  // the log of this run
+    machine.tell(text("version"), "2999.01.01\n");
     controller.tools().checkTools();
     ASSERT_TRUE(waitUntil([this] { return !controller.tools().isCheckingTools(); }));
-    controller.startDownloadRun({row(1).id});
-    ASSERT_TRUE(waitUntil([this] { return controller.runs().activeDownloadRuns() == 0; }));
-    EXPECT_EQ(controller.runs().runLog().text().count(notice), 0);
+    download(1);
+    EXPECT_EQ(log().count(notice), 0);
     EXPECT_EQ(row(1).cause, FailureCause::other);
 }
 
 TEST_F(EngineTest, ASpotifyRowIsDownloadedFromTheBestHit) {
     QString listed = sample("spotdl_playlist.txt");
     listed.insert(listed.lastIndexOf(u']'),
-                  QStringLiteral(R"(, {"name": "Third", "artist": "Trio", "duration": 200,
+                  text(R"(, {"name": "Third", "artist": "Trio", "duration": 200,
                   "url": "https://open.spotify.com/track/3"})"));
-    machine.tell(QStringLiteral("spotdl.txt"), listed.toUtf8());
-    addAndRead(QStringLiteral("https://open.spotify.com/playlist/x"));
+    machine.tell(text("spotdl.txt"), listed.toUtf8());
+    addAndRead(text("https://open.spotify.com/playlist/x"));
     const auto hit = [&](const char* name, const char* suffix, double seconds) {
-        return QJsonObject{{QStringLiteral("url"), link("song", QString::fromLatin1(name))},
-                           {QStringLiteral("title"), row(0).title + QString::fromLatin1(suffix)},
-                           {QStringLiteral("duration"), seconds}};
+        return QJsonObject{{text("url"), link("song", text(name))},
+                           {text("title"), row(0).title + text(suffix)},
+                           {text("duration"), seconds}};
     };
     const double seconds = secondsOfDuration(row(0).duration).value();
     const QJsonArray hits{hit("sung", " (Karaoke)", seconds), hit("long", "", seconds + 40),
                           hit("right", "", seconds + 2), hit("sped", " sped up", seconds)};
-    machine.tell(QStringLiteral("playlist.json"),
-                 QJsonDocument(QJsonObject{{QStringLiteral("entries"), hits}}).toJson());
-    const auto calls = [&] { return machine.calls().filter(QStringLiteral("download ")); };
-    controller.startDownloadRun({row(0).id});
-    ASSERT_TRUE(waitUntil([this] { return controller.runs().activeDownloadRuns() == 0; }));
+    machine.tell(text("playlist.json"),
+                 QJsonDocument(QJsonObject{{text("entries"), hits}}).toJson());
+    const auto calls = [&] { return machine.calls().filter(text("download ")); };
+    download(0);
     EXPECT_EQ(row(0).status, QueueStatus::complete);
-    EXPECT_THAT(calls(), ElementsAre(QStringLiteral("download right")));
-    EXPECT_TRUE(
-        controller.runs().runLog().text().contains(QStringLiteral("3 of 4 hits: ") + row(0).title));
+    EXPECT_THAT(calls(), ElementsAre(text("download right")));
+    EXPECT_TRUE(log().contains(text("3 of 4 hits: ") + row(0).title));
 
     const auto listOnly = [&](const QJsonObject& only) {
-        machine.tell(
-            QStringLiteral("playlist.json"),
-            QJsonDocument(QJsonObject{{QStringLiteral("entries"), QJsonArray{only}}}).toJson());
+        machine.tell(text("playlist.json"),
+                     QJsonDocument(QJsonObject{{text("entries"), QJsonArray{only}}}).toJson());
     };
     // What is as long may still be another song.
     listOnly(hit("other", "", 200));
-    controller.startDownloadRun({row(2).id});
-    ASSERT_TRUE(waitUntil([this] { return controller.runs().activeDownloadRuns() == 0; }));
-    EXPECT_TRUE(controller.runs().runLog().text().contains(
-        QStringLiteral("1 of 1 hits (best match is uncertain): ")));
-    EXPECT_TRUE(row(2).note.startsWith(QStringLiteral("Best match is uncertain; ")));
-    EXPECT_TRUE(waitUntil([this] {
-        return controller.runs().runLog().text().contains(row(2).title + QStringLiteral(" - ") +
-                                                          row(2).note);
-    }));
+    download(2);
+    EXPECT_TRUE(log().contains(text("1 of 1 hits (best match is uncertain): ")));
+    EXPECT_TRUE(row(2).note.startsWith(text("Best match is uncertain; ")));
+    EXPECT_TRUE(
+        waitUntil([this] { return log().contains(row(2).title + text(" - ") + row(2).note); }));
     EXPECT_GT(row(2).playingSeconds, 0);
 
     // None is as long as this one.
     listOnly(hit("short", "", 1));
-    controller.startDownloadRun({row(1).id});
-    ASSERT_TRUE(waitUntil([this] { return controller.runs().activeDownloadRuns() == 0; }));
+    download(1);
     EXPECT_EQ(row(1).status, QueueStatus::complete);
-    EXPECT_TRUE(calls().last().startsWith(QStringLiteral("download ytsearch1:")));
+    EXPECT_TRUE(calls().last().startsWith(text("download ytsearch1:")));
 }
 
 TEST_F(EngineTest, ASongOfAListIsFoundLikeASpotifyRow) {
     QDir().mkpath(controller.eventFolder());
-    const QString there = eventFile(QStringLiteral("Queen - Bicycle Race [x].mp3"));
+    const QString there = eventFile(text("Queen - Bicycle Race [x].mp3"));
     writeFile(there, silentMp3());
     QSignalSpy noted(&controller, &Controller::songListNoted);
     const auto add = [&](const char* list) {
-        return controller.addSongList(textOfList(QByteArray(list)), QStringLiteral("The list"));
+        return controller.addSongList(textOfList(QByteArray(list)), text("The list"));
     };
     EXPECT_TRUE(add("ABBA - Waterloo (2:46)\nhello\nqueen – bicycle race\nNobody - Nothing"));
-    EXPECT_EQ(titles(), (QStringList{QStringLiteral("ABBA - Waterloo"),
-                                     QStringLiteral("queen - bicycle race"),
-                                     QStringLiteral("Nobody - Nothing")}));
+    EXPECT_EQ(titles(), (QStringList{text("ABBA - Waterloo"), text("queen - bicycle race"),
+                                     text("Nobody - Nothing")}));
     EXPECT_FALSE(isReading());
     ASSERT_TRUE(waitUntil([this] { return row(1).status == QueueStatus::complete; }));
     EXPECT_EQ(row(1).outputPath, there);
-    EXPECT_EQ(row(1).detail, QStringLiteral("Already Downloaded"));
-    EXPECT_EQ(controller.activeSummary(),
-              QStringLiteral("Added 2; 1 already downloaded; 1 line not read "
-                             "as a song (see the log)"));
-    EXPECT_TRUE(noted.first().first().toString().contains(QStringLiteral("line 2: hello")));
+    EXPECT_EQ(row(1).detail, text("Already Downloaded"));
+    EXPECT_EQ(controller.activeSummary(), text("Added 2; 1 already downloaded; 1 line not read "
+                                               "as a song (see the log)"));
+    EXPECT_TRUE(noted.first().first().toString().contains(text("line 2: hello")));
     EXPECT_TRUE(add("hello\nhello"));
     EXPECT_EQ(controller.eventAccount().unreadLines.size(), 2);  // each line once
 
     const auto hit = [](const char* name, double seconds) {
-        return QJsonObject{{QStringLiteral("url"), link("song", QString::fromLatin1(name))},
-                           {QStringLiteral("title"), QStringLiteral("ABBA - Waterloo")},
-                           {QStringLiteral("duration"), seconds}};
+        return QJsonObject{{text("url"), link("song", text(name))},
+                           {text("title"), text("ABBA - Waterloo")},
+                           {text("duration"), seconds}};
     };
     const QJsonArray hits{hit("long", 300), hit("right", 167)};
-    machine.tell(QStringLiteral("playlist.json"),
-                 QJsonDocument(QJsonObject{{QStringLiteral("entries"), hits}}).toJson());
-    controller.startDownloadRun({row(0).id});
-    ASSERT_TRUE(waitUntil([this] { return controller.runs().activeDownloadRuns() == 0; }));
+    machine.tell(text("playlist.json"),
+                 QJsonDocument(QJsonObject{{text("entries"), hits}}).toJson());
+    download(0);
     EXPECT_EQ(row(0).status, QueueStatus::complete);
-    EXPECT_THAT(machine.calls(), testing::Contains(QStringLiteral("download right")));
-    EXPECT_TRUE(QFileInfo(row(0).outputPath).fileName().startsWith(QStringLiteral("right")));
+    EXPECT_THAT(machine.calls(), testing::Contains(text("download right")));
+    EXPECT_TRUE(QFileInfo(row(0).outputPath).fileName().startsWith(text("right")));
     // What was not read stands in the run's log, too.
-    EXPECT_TRUE(
-        controller.runs().runLog().text().contains(QStringLiteral("No song, line 2: hello")));
+    EXPECT_TRUE(log().contains(text("No song, line 2: hello")));
 
-    machine.installScript(QStringLiteral("yt-dlp"),
+    machine.installScript(text("yt-dlp"),
                           "#!/bin/bash\necho '[youtube:search] Playlist x: Downloading 0 items'\n");
-    controller.startDownloadRun({row(2).id});
-    ASSERT_TRUE(waitUntil([this] { return controller.runs().activeDownloadRuns() == 0; }));
+    download(2);
     EXPECT_EQ(row(2).cause, FailureCause::noMatch);
-    EXPECT_EQ(row(2).detail,
-              QStringLiteral("Could not find a matching YouTube result for this song."));
-    EXPECT_TRUE(controller.runs().runLog().text().contains(
-        QStringLiteral("ytsearch1:Nobody - Nothing official audio")));
+    EXPECT_EQ(row(2).detail, text("Could not find a matching YouTube result for this song."));
+    EXPECT_TRUE(log().contains(text("ytsearch1:Nobody - Nothing official audio")));
     EXPECT_FALSE(ResolutionDriver::shouldRetryInfoForFailedItem(row(2)));
 
     EXPECT_TRUE(add("Waterloo by Abba"));
     EXPECT_EQ(controller.queue().size(), 3);
-    EXPECT_EQ(controller.activeSummary(), QStringLiteral("No new songs added; 1 named before"));
+    EXPECT_EQ(controller.activeSummary(), text("No new songs added; 1 named before"));
     EXPECT_FALSE(add(" "));
-    EXPECT_EQ(controller.activeSummary(), QStringLiteral("The list is empty."));
+    EXPECT_EQ(controller.activeSummary(), text("The list is empty."));
     controller.clearQueue();
     EXPECT_EQ(controller.eventAccount().unreadLines, QStringList());
 }
 
-TEST_F(EngineTest, ReadingIsTriedThreeTimesAndRetriedOnRequest) {
-    addAndRead(link("flaky", QStringLiteral("late")) + u' ' +
-               link("unreadable", QStringLiteral("never")));
-    EXPECT_EQ(row(0).title, QStringLiteral("late"));
-    EXPECT_EQ(row(1).status, QueueStatus::failed);
-    EXPECT_EQ(row(1).title, row(1).url);
-    EXPECT_EQ(row(1).detail,
-              QStringLiteral("Could not load link info. Check that the link is public."));
-    EXPECT_EQ(machine.calls().count(QStringLiteral("read never")), 3);
-    for (const char* notice : {"Temporary read issue. Trying again 2 of 3...",
-                               "Temporary read issue. Trying again 3 of 3..."})
-        EXPECT_TRUE(details.contains(QString::fromLatin1(notice)));
-    EXPECT_TRUE(summaries.contains(QStringLiteral("Trying link again")));
-    EXPECT_EQ(summaries.last(), QStringLiteral("Playlist needs attention"));
-
-    EXPECT_TRUE(ResolutionDriver::shouldRetryInfoForFailedItem(row(1)));
-    controller.resolution().retryResolveInfo(row(1));
-    EXPECT_EQ(row(1).detail, QStringLiteral("Reading link again..."));
-    ASSERT_TRUE(waitUntil([this] { return !isReading(); }));
-    EXPECT_EQ(machine.calls().count(QStringLiteral("read never")), 6);
-}
-
 TEST_F(EngineTest, ASpotifyLinkThatWasNotListedIsReadAgainAndNeverSearchedFor) {
-    machine.tell(QStringLiteral("spotdl.txt"), sample("spotdl_429.txt").toUtf8());
-    addAndRead(
-        QStringLiteral("https://open.spotify.com/playlist/x https://open.spotify.com/track/y"));
+    machine.tell(text("spotdl.txt"), sample("spotdl_429.txt").toUtf8());
+    addAndRead(text("https://open.spotify.com/playlist/x https://open.spotify.com/track/y"));
     controller.startDownloads();
     ASSERT_TRUE(waitUntil([this] { return !isReading(); }));
     EXPECT_EQ(countWith(QueueStatus::failed), 2);
-    EXPECT_EQ(machine.calls().filter(QStringLiteral("download")).size(), 0);
+    EXPECT_EQ(machine.calls().filter(text("download")).size(), 0);
     EXPECT_EQ(machine.calls().size(), 4);
 
     // When it can be listed, what it turns out to be is downloaded.
-    machine.tell(QStringLiteral("spotdl.txt"), sample("spotdl_playlist.txt").toUtf8());
+    machine.tell(text("spotdl.txt"), sample("spotdl_playlist.txt").toUtf8());
     controller.startDownloads();
     ASSERT_TRUE(
         waitUntil([this] { return !isReading() && controller.runs().activeDownloadRuns() == 0; }));
@@ -715,74 +634,34 @@ TEST_F(EngineTest, ASpotifyLinkThatWasNotListedIsReadAgainAndNeverSearchedFor) {
         return countWith(QueueStatus::waiting) + countWith(QueueStatus::complete) ==
                controller.queue().size();
     }));
-    EXPECT_GT(machine.calls().filter(QStringLiteral("download")).size(), 0);
-}
-
-TEST_F(EngineTest, PermanentFailuresAreNotTriedAgain) {
-    machine.tell(QStringLiteral("spotdl.txt"), sample("spotdl_429.txt").toUtf8());
-    addAndRead(QStringLiteral("https://open.spotify.com/album/x"));
-    EXPECT_EQ(row(0).status, QueueStatus::failed);
-    EXPECT_EQ(row(0).title, QStringLiteral("Spotify library playlist"));
-    EXPECT_EQ(machine.calls().size(), 1);
-}
-
-TEST_F(EngineTest, APlaylistMakesWayForItsSongs) {
-    machine.tell(QStringLiteral("playlist.json"), R"({"entries": [
-        {"title": "One Long Title", "url": "http://site/song/one"},
-        {"title": "Another Title", "url": "http://site/song/two"},
-        {"title": "In The Queue", "url": "http://site/song/queued"}]})");
-    QDir().mkpath(controller.eventFolder());
-    writeFile(eventFile(QStringLiteral("One Long Title [x].mp3")), silentMp3());
-    writeFile(eventFile(QStringLiteral("Another Title [y].mp3.part")), "sound");
-    const QString playlist = QStringLiteral("http://site/playlist/all?from=youtube.com");
-    addReadRows({link("song", QStringLiteral("before")), link("song", QStringLiteral("queued"))});
-    addAndRead(playlist + QStringLiteral(" ") + link("song", QStringLiteral("after")));
-    const QStringList expected{QStringLiteral("before"), QStringLiteral("queued"),
-                               QStringLiteral("One Long Title"), QStringLiteral("Another Title"),
-                               QStringLiteral("after")};
-    EXPECT_EQ(titles(), expected);
-    EXPECT_EQ(row(2).detail, QStringLiteral("Already Downloaded"));
-    EXPECT_EQ(row(2).status, QueueStatus::complete);
-    EXPECT_EQ(row(2).outputPath, eventFile(QStringLiteral("One Long Title [x].mp3")));
-    EXPECT_EQ(row(3).status, QueueStatus::waiting);
-    EXPECT_TRUE(summaries.contains(QStringLiteral("Added 1; 1 already downloaded")));
-
-    addAndRead(playlist);
-    EXPECT_EQ(controller.queue().size(), 6);
-    controller.startDownloadRun({row(5).id});
-    EXPECT_EQ(controller.runs().activeDownloadRuns(), 0);
-    EXPECT_EQ(row(5).title, QStringLiteral("Playlist link"));
-    EXPECT_EQ(row(5).status, QueueStatus::waiting);
-    EXPECT_EQ(row(5).detail, QStringLiteral("Those songs are already in the queue."));
-    EXPECT_EQ(summaries.last(), QStringLiteral("No new songs added"));
+    EXPECT_GT(machine.calls().filter(text("download")).size(), 0);
 }
 
 TEST_F(EngineTest, RowsThatAreGoneStayGone) {
     // One is deleted while it is read; the queue is cleared while another is downloaded.
-    addReadRows({link("song", QStringLiteral("stays"))});
-    controller.setPastedLinks(link("slowread", QStringLiteral("gone")));
+    addReadRows({link("song", "stays")});
+    controller.setPastedLinks(link("slowread", "gone"));
     controller.addSongsFromFieldOrClipboard();
-    ASSERT_TRUE(
-        waitUntil([this] { return machine.calls().contains(QStringLiteral("read gone")); }));
+    ASSERT_TRUE(waitUntil([this] { return machine.calls().contains(text("read gone")); }));
     EXPECT_TRUE(controller.editor().deleteQueueItems({row(1).id}));
-    machine.tell(QStringLiteral("go-read"));
-    addAndRead(link("song", QStringLiteral("next")));
-    EXPECT_EQ(titles(), (QStringList{QStringLiteral("stays"), QStringLiteral("next")}));
+    machine.tell(text("go-read"));
+    addAndRead(link("song", "next"));
+    EXPECT_EQ(titles(), (QStringList{text("stays"), text("next")}));
 
-    addReadRows({link("hold", QStringLiteral("held"))});
+    addReadRows({link("hold", "held")});
     controller.startDownloads();
     EXPECT_FALSE(controller.editor().deleteQueueItems({row(0).id}));
     controller.clearQueue();
-    EXPECT_EQ(controller.activeSummary(), QStringLiteral("Ready"));
-    machine.tell(QStringLiteral("go"));
-    ASSERT_TRUE(waitUntil([this] { return controller.runs().activeDownloadRuns() == 0; }));
+    EXPECT_EQ(controller.activeSummary(), text("Ready"));
+    machine.tell(text("go"));
+    waitForEnd();
     EXPECT_EQ(controller.queue().size(), 0);
-    EXPECT_EQ(summaries.last(), QStringLiteral("Download run finished"));
-    EXPECT_TRUE(QFile::exists(eventFile(QStringLiteral("held [held].mp3"))));
+    EXPECT_EQ(summaries.last(), text("Download run finished"));
+    EXPECT_TRUE(QFile::exists(eventFile(text("held [held].mp3"))));
 }
 
 TEST_F(EngineTest, AnEmptyListingIsReadAsTheVideoThatTheLinkNames) {
-    addAndRead(QStringLiteral("http://site/song/watched?list=x&from=youtube.com"));
+    addAndRead(text("http://site/song/watched?list=x&from=youtube.com"));
     EXPECT_EQ(machine.calls().size(), 2);
     EXPECT_EQ(row(0).source, SourceType::youtube);
     EXPECT_EQ(row(0).status, QueueStatus::waiting);
@@ -790,48 +669,46 @@ TEST_F(EngineTest, AnEmptyListingIsReadAsTheVideoThatTheLinkNames) {
 
 TEST_F(EngineTest, IntakeSaysWhatItFound) {
     controller.addSongsFromFieldOrClipboard();  // an empty field, and no clipboard here
-    EXPECT_EQ(controller.activeSummary(),
-              QStringLiteral("Copy a share link, then click Add Songs"));
-    controller.setPastedLinks(QStringLiteral("HTTPS://SITE/X no link"));
+    EXPECT_EQ(controller.activeSummary(), text("Copy a share link, then click Add Songs"));
+    controller.setPastedLinks(text("HTTPS://SITE/X no link"));
     controller.addSongsFromFieldOrClipboard();
     EXPECT_FALSE(controller.pastedLinks().isEmpty());
 
-    const QString song = link("song", QStringLiteral("a"));
+    const QString song = link("song", "a");
     EXPECT_EQ(controller.addLinksToQueue({song, song}).size(), 2);
-    EXPECT_EQ(controller.activeSummary(), QStringLiteral("Reading 2 links"));
+    EXPECT_EQ(controller.activeSummary(), text("Reading 2 links"));
     EXPECT_TRUE(controller.addLinksToQueue({song}).isEmpty());
-    EXPECT_EQ(controller.activeSummary(), QStringLiteral("No new links added"));
+    EXPECT_EQ(controller.activeSummary(), text("No new links added"));
     EXPECT_TRUE(controller.addLinksToQueue({}).isEmpty());
 }
 
 TEST_F(EngineTest, AFolderThatCannotBeMadeEndsTheRun) {
-    addReadRows({link("song", QStringLiteral("a"))});
-    const QString home = machine.path(QStringLiteral("out"));
+    addReadRows({link("song", "a")});
+    const QString home = machine.path(text("out"));
     ASSERT_TRUE(writeFile(home, "a file"));
-    for (const QString& folder : {home, machine.path(QStringLiteral("$HOME/x"))}) {
+    for (const QString& folder : {home, machine.path(text("$HOME/x"))}) {
         SCOPED_TRACE(folder.toStdString());
         controller.setOutputFolder(folder);
         controller.startDownloads();
         EXPECT_EQ(controller.runs().activeDownloadRuns(), 0);
-        EXPECT_EQ(controller.activeSummary(), QStringLiteral("Preparing event folder"));
-        EXPECT_TRUE(controller.runs().runLog().text().startsWith(
-            QStringLiteral("Could not create output folders: ")));
+        EXPECT_EQ(controller.activeSummary(), text("Preparing event folder"));
+        EXPECT_TRUE(log().startsWith(text("Could not create output folders: ")));
         EXPECT_EQ(row(0).status, QueueStatus::waiting);
     }
-    EXPECT_FALSE(QDir(machine.path(QStringLiteral("$HOME"))).exists());
+    EXPECT_FALSE(QDir(machine.path(text("$HOME"))).exists());
 }
 
 TEST_F(EngineTest, NothingStartsWithoutTheTools) {
-    const QString tool = machine.toolFolder() + QStringLiteral("/yt-dlp");
-    const QString old = machine.path(QStringLiteral("old"));
+    const QString tool = machine.toolFolder() + text("/yt-dlp");
+    const QString old = machine.path(text("old"));
     QDir().mkpath(old);
-    ASSERT_TRUE(QFile::rename(tool, old + QStringLiteral("/yt-dlp")));
+    ASSERT_TRUE(QFile::rename(tool, old + text("/yt-dlp")));
     ControllerSetup setup = quickSetup(machine);
     setup.toolPlaces.systemFolders.prepend(old);
     Controller own(machine.supervisor, setup);
-    addReadRows(own, {link("song", QStringLiteral("a"))});
+    addReadRows(own, {link("song", "a")});
     for (const bool isReady : {false, true}) {
-        writeFile(old + QStringLiteral("/yt-dlp"),
+        writeFile(old + text("/yt-dlp"),
                   isReady ? "#!/bin/sh\necho 2099.01.01\n" : "#!/bin/sh\necho 2020.01.01\n");
         own.tools().checkTools();
         ASSERT_TRUE(waitUntil([&] { return !own.tools().isCheckingTools(); }));
@@ -854,24 +731,23 @@ TEST_F(EngineTest, StoppedRowsAreReadyAndTheirSlotsGoToTheNext) {
     ASSERT_TRUE(waitUntil([this] { return machine.calls().size() == 6; }));
     EXPECT_TRUE(controller.canStop(firstAndLast));
     EXPECT_TRUE(controller.stopQueueItems(firstAndLast));
-    EXPECT_EQ(controller.activeSummary(), QStringLiteral("Stopped 2 songs"));
+    EXPECT_EQ(controller.activeSummary(), text("Stopped 2 songs"));
     EXPECT_FALSE(controller.canStop(firstAndLast));
     EXPECT_FALSE(controller.stopQueueItems(firstAndLast)) << "twice";
     EXPECT_EQ(linksWith(QueueStatus::waiting), QStringList({links.first(), links.last()}));
     EXPECT_EQ(linksWith(QueueStatus::running), links.mid(1, 6));
-    EXPECT_EQ(row(0).detail, QStringLiteral("Ready to download"));
+    EXPECT_EQ(row(0).detail, text("Ready to download"));
     EXPECT_EQ(row(0).progress, 0.0);
-    EXPECT_TRUE(controller.runs().runLog().text().endsWith(QStringLiteral("1/9 Stopped.\n")));
+    EXPECT_TRUE(log().endsWith(text("1/9 Stopped.\n")));
 
-    for (const QChar name : QStringLiteral("2345678"))
-        machine.tell(QStringLiteral("go-") + name);
-    ASSERT_TRUE(waitUntil([this] { return controller.runs().activeDownloadRuns() == 0; }));
+    for (const QChar name : text("2345678"))
+        machine.tell(text("go-") + name);
+    waitForEnd();
     EXPECT_EQ(linksWith(QueueStatus::complete), links.mid(1, 7));
     EXPECT_EQ(linksWith(QueueStatus::waiting), QStringList({links.first(), links.last()}));
-    EXPECT_FALSE(machine.calls().contains(QStringLiteral("download 9")));
-    EXPECT_TRUE(
-        summaries.contains(QStringLiteral("Finished 2 of 7; downloading up to 6 songs at once")));
-    EXPECT_EQ(summaries.last(), QStringLiteral("Download run finished"));
+    EXPECT_FALSE(machine.calls().contains(text("download 9")));
+    EXPECT_TRUE(summaries.contains(text("Finished 2 of 7; downloading up to 6 songs at once")));
+    EXPECT_EQ(summaries.last(), text("Download run finished"));
     EXPECT_TRUE(controller.runs().crawls().progressCrawlTokens().isEmpty());
 }
 
@@ -887,10 +763,10 @@ TEST_F(EngineTest, AStoppedDownloadLeavesNoStumpAndCanBeStartedAgainAtOnce) {
                  {"song", "trim-me", "in-trim"}};
     for (const auto& [kind, name, sign] : cases) {
         SCOPED_TRACE(name);
-        addReadRows({link(kind, QString::fromLatin1(name))});
+        addReadRows({link(kind, text(name))});
         const QUuid id = controller.queue().rows().last().id;
         const auto status = [&] { return controller.queue().find(id)->status; };
-        const QString isThere = machine.toolFolder() + u'/' + QString::fromLatin1(sign);
+        const QString isThere = machine.toolFolder() + u'/' + text(sign);
         const QStringList before = left();
         controller.startDownloadRun({id});
         ASSERT_TRUE(waitUntil([&] { return QFile::exists(isThere); }));
@@ -898,59 +774,55 @@ TEST_F(EngineTest, AStoppedDownloadLeavesNoStumpAndCanBeStartedAgainAtOnce) {
         EXPECT_EQ(status(), QueueStatus::waiting);
         controller.startDownloadRun({id});
         EXPECT_EQ(status(), QueueStatus::queued) << "until what was stopped has ended";
-        ASSERT_TRUE(waitUntil([this] { return controller.runs().activeDownloadRuns() == 0; }));
+        waitForEnd();
         EXPECT_EQ(status(), QueueStatus::complete);
-        EXPECT_EQ(controller.queue().find(id)->detail,
-                  QStringLiteral("Saved; trimmed silent start/end"));
-        const QString file = QString::fromLatin1(name) + QStringLiteral(" [%1].mp3");
-        QStringList expected = before + QStringList(file.arg(QString::fromLatin1(name)));
+        EXPECT_EQ(controller.queue().find(id)->detail, text("Saved; trimmed silent start/end"));
+        const QString file = text(name) + text(" [%1].mp3");
+        QStringList expected = before + QStringList(file.arg(text(name)));
         expected.sort();
         EXPECT_TRUE(waitUntil([&] { return left() == expected; }))
             << left().join(u' ').toStdString();
     }
-    EXPECT_TRUE(machine.calls().contains(QStringLiteral("resume half")));
+    EXPECT_TRUE(machine.calls().contains(text("resume half")));
 }
 
 TEST_F(EngineTest, NothingOfAStoppedDownloadArrivesLater) {
-    addReadRows({link("converting", QStringLiteral("a"))});
+    addReadRows({link("converting", "a")});
     controller.startDownloads();
-    const QString isThere = machine.toolFolder() + QStringLiteral("/converts");
+    const QString isThere = machine.toolFolder() + text("/converts");
     ASSERT_TRUE(pollUntil([&] { return QFile::exists(isThere); }));  // so much is on its way
     controller.stopAll();
-    ASSERT_TRUE(waitUntil([this] { return controller.runs().activeDownloadRuns() == 0; }));
-    EXPECT_EQ(row(0).detail, QStringLiteral("Ready to download"));
-    EXPECT_EQ(controller.runs().runLog().text(), QStringLiteral("1/1 Stopped.\n"));
+    waitForEnd();
+    EXPECT_EQ(row(0).detail, text("Ready to download"));
+    EXPECT_EQ(log(), text("1/1 Stopped.\n"));
 }
 
 TEST_F(EngineTest, ASongThatIsThereIsNotDoubtedForAStop) {
     installHaltingConverter();
-    addReadRows({link("song", QStringLiteral("measure-me"))});
+    addReadRows({link("song", "measure-me")});
     QDir().mkpath(controller.eventFolder());
-    const QString song = eventFile(QStringLiteral("measure-me [measure-me].mp3"));
-    ASSERT_TRUE(QFile::copy(machine.toolFolder() + QStringLiteral("/song.mp3"), song));
+    const QString song = eventFile(text("measure-me [measure-me].mp3"));
+    ASSERT_TRUE(QFile::copy(machine.toolFolder() + text("/song.mp3"), song));
     controller.startDownloads();
-    ASSERT_TRUE(waitUntil(
-        [this] { return QFile::exists(machine.toolFolder() + QStringLiteral("/in-measure")); }));
+    ASSERT_TRUE(
+        waitUntil([this] { return QFile::exists(machine.toolFolder() + text("/in-measure")); }));
     controller.stopAll();
     downloadAll();
-    EXPECT_EQ(row(0).detail, QStringLiteral("Already Downloaded"));
+    EXPECT_EQ(row(0).detail, text("Already Downloaded"));
     EXPECT_EQ(row(0).outputPath, song);
     EXPECT_TRUE(machine.calls().isEmpty());
 }
 
 TEST_F(EngineTest, StoppingAllEndsEveryRun) {
-    const QString elsewhereToo = link("hold", QStringLiteral("elsewhere"));
+    const QString elsewhereToo = link("hold", "elsewhere");
     QDir().mkpath(controller.eventFolder());
-    WorkingFolder elsewhere(controller.eventFolder(),
-                            songKey(elsewhereToo, 0) + QStringLiteral(".mp3"));
+    WorkingFolder elsewhere(controller.eventFolder(), songKey(elsewhereToo, 0) + text(".mp3"));
     ASSERT_EQ(elsewhere.lock(), WorkingFolder::Lock::held);
     QStringList links{elsewhereToo};
     for (const char* name : {"a", "a#x", "b", "c", "d", "e", "f", "g"})
-        links.append(link("hold", QString::fromLatin1(name)));
+        links.append(link("hold", text(name)));
     addReadRows(links);
-    QList<QUuid> ids;
-    for (const DownloadItem& each : controller.queue().rows())
-        ids.append(each.id);
+    const QList<QUuid> ids = allIds();
     controller.startDownloadRun(ids.first(4));
     controller.startDownloadRun(ids);
     ASSERT_TRUE(waitUntil([this] { return machine.calls().size() == 5; }));
@@ -960,79 +832,76 @@ TEST_F(EngineTest, StoppingAllEndsEveryRun) {
     controller.stopAll();
     EXPECT_FALSE(controller.canStopAll());
     EXPECT_EQ(countWith(QueueStatus::waiting), 9);
-    EXPECT_EQ(controller.activeSummary(), QStringLiteral("Stopped 9 songs"));
+    EXPECT_EQ(controller.activeSummary(), text("Stopped 9 songs"));
     controller.stopAll();
-    ASSERT_TRUE(waitUntil([this] { return controller.runs().activeDownloadRuns() == 0; }));
-    EXPECT_EQ(summaries.last(), QStringLiteral("Download run stopped"));
+    waitForEnd();
+    EXPECT_EQ(summaries.last(), text("Download run stopped"));
     EXPECT_EQ(machine.calls().size(), 5) << "nothing has started in the slots";
-    EXPECT_EQ(left(), QStringList(QStringLiteral(".reelcrate")));
+    EXPECT_EQ(left(), QStringList(text(".reelcrate")));
 }
 
 TEST_F(EngineTest, ARowThatIsHeldMayBeStoppedAlone) {
-    addReadRows({link("hold", QStringLiteral("a")), link("hold", QStringLiteral("a#x")),
-                 link("hold", QStringLiteral("a#y"))});
+    addReadRows(links("hold", {"a", "a#x", "a#y"}));
     controller.startDownloads();
     EXPECT_TRUE(controller.stopQueueItems({row(1).id}));
-    machine.tell(QStringLiteral("go"));
-    ASSERT_TRUE(waitUntil([this] { return controller.runs().activeDownloadRuns() == 0; }));
+    machine.tell(text("go"));
+    waitForEnd();
     EXPECT_EQ(row(0).status, QueueStatus::complete);
     EXPECT_EQ(row(1).status, QueueStatus::waiting);
-    EXPECT_EQ(row(2).detail, QStringLiteral("Already Downloaded"));
+    EXPECT_EQ(row(2).detail, text("Already Downloaded"));
 }
 
 TEST_F(EngineTest, AStopThatComesTooLateForASongShowsIt) {
-    addReadRows({link("song", QStringLiteral("late"))});
+    addReadRows({link("song", "late")});
     controller.startDownloads();
-    ASSERT_TRUE(waitUntil([this] { return row(0).detail == QStringLiteral("Trimming Song"); }));
-    const QString song = eventFile(QStringLiteral("late [late].mp3"));
+    ASSERT_TRUE(waitUntil([this] { return row(0).detail == text("Trimming Song"); }));
+    const QString song = eventFile(text("late [late].mp3"));
     ASSERT_TRUE(pollUntil([&] { return QFile::exists(song); }));  // and nobody has told the row
     EXPECT_TRUE(controller.stopQueueItems({row(0).id}));
     EXPECT_EQ(row(0).status, QueueStatus::waiting);
-    ASSERT_TRUE(waitUntil([this] { return controller.runs().activeDownloadRuns() == 0; }));
+    waitForEnd();
     EXPECT_EQ(row(0).status, QueueStatus::complete);
     EXPECT_EQ(row(0).outputPath, song);
-    EXPECT_EQ(summaries.last(), QStringLiteral("Download run finished"));
+    EXPECT_EQ(summaries.last(), text("Download run finished"));
 }
 
 TEST_F(EngineTest, AReadingThatIsStoppedIsMadeUpForAtTheStart) {
-    controller.setPastedLinks(link("slowread", QStringLiteral("a")) + u' ' +
-                              link("song", QStringLiteral("b")) + u' ' +
-                              link("song", QStringLiteral("c")));
+    controller.setPastedLinks(link("slowread", "a") + u' ' + link("song", "b") + u' ' +
+                              link("song", "c"));
     controller.addSongsFromFieldOrClipboard();
     const auto hasRead = [this](const char* name) {
-        return machine.calls().count(QStringLiteral("read ") + QString::fromLatin1(name));
+        return machine.calls().count(text("read ") + text(name));
     };
     ASSERT_TRUE(waitUntil([&] { return hasRead("a") == 1; }));
     EXPECT_TRUE(controller.stopQueueItems({row(0).id, row(2).id}));
-    EXPECT_EQ(controller.activeSummary(), QStringLiteral("Stopped 2 songs"));
+    EXPECT_EQ(controller.activeSummary(), text("Stopped 2 songs"));
     for (const int index : {0, 2}) {
         EXPECT_EQ(row(index).status, QueueStatus::waiting);
-        EXPECT_EQ(row(index).detail, QStringLiteral("Ready to download"));
+        EXPECT_EQ(row(index).detail, text("Ready to download"));
         EXPECT_EQ(row(index).title, row(index).url);
         EXPECT_TRUE(Controller::isDownloadable(row(index)));
     }
     ASSERT_TRUE(waitUntil([this] { return !isReading(); }));
-    EXPECT_EQ(row(1).title, QStringLiteral("b"));
+    EXPECT_EQ(row(1).title, text("b"));
 
     // To start it is to read it first; that can be stopped again, and nothing starts then.
     controller.startDownloadRun({row(0).id});
     ASSERT_TRUE(waitUntil([&] { return hasRead("a") == 2; }));
     EXPECT_TRUE(controller.canStopAll());
     controller.stopAll();
-    machine.tell(QStringLiteral("go-read"));
-    addAndRead(link("song", QStringLiteral("d")));
+    machine.tell(text("go-read"));
+    addAndRead(link("song", "d"));
     EXPECT_EQ(row(0).title, row(0).url);
     EXPECT_EQ(controller.runs().activeDownloadRuns(), 0);
     EXPECT_EQ(hasRead("c"), 0);
 
     controller.startDownloads();
     ASSERT_TRUE(waitUntil([this] { return countWith(QueueStatus::complete) == 4; }));
-    EXPECT_EQ(titles(), QStringList({QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c"),
-                                     QStringLiteral("d")}));
+    EXPECT_EQ(titles(), QStringList({text("a"), text("b"), text("c"), text("d")}));
 }
 
 TEST_F(EngineTest, ADownloadThatBeganBeforeItsReadingGoesOnWithoutIt) {
-    controller.addSongs(link("slowread", QStringLiteral("a")));
+    controller.addSongs(link("slowread", "a"));
     ASSERT_TRUE(waitUntil([this] { return machine.calls().size() == 1; }));
     controller.startDownloads();
     EXPECT_EQ(row(0).status, QueueStatus::running);
@@ -1041,25 +910,24 @@ TEST_F(EngineTest, ADownloadThatBeganBeforeItsReadingGoesOnWithoutIt) {
     EXPECT_EQ(row(0).status, QueueStatus::waiting);
     downloadAll();
     EXPECT_EQ(row(0).status, QueueStatus::complete);
-    EXPECT_EQ(machine.calls().count(QStringLiteral("read a")), 1);
+    EXPECT_EQ(machine.calls().count(text("read a")), 1);
 }
 
 TEST_F(EngineTest, ShuttingDownLeavesNoStumpAndChangesNoRow) {
-    addReadRows({link("converting", QStringLiteral("a")), link("song", QStringLiteral("b"))});
-    const QString earlier = eventFile(QStringLiteral("c [c].mp3"));
+    addReadRows({link("converting", "a"), link("song", "b")});
+    const QString earlier = eventFile(text("c [c].mp3"));
     QDir().mkpath(controller.eventFolder());
     writeFile(earlier, "an earlier song");
     controller.startDownloads();
     ASSERT_TRUE(waitUntil([this] { return countWith(QueueStatus::complete) == 1; }));
     ASSERT_TRUE(waitUntil([this] {
-        return QFile::exists(machine.toolFolder() + QStringLiteral("/converts")) &&
-               row(0).detail == QStringLiteral("Downloading Song");
+        return QFile::exists(machine.toolFolder() + text("/converts")) &&
+               row(0).detail == text("Downloading Song");
     }));
     controller.shutDown();
     QCoreApplication::processEvents();
     EXPECT_EQ(row(0).status, QueueStatus::running);
-    EXPECT_THAT(left(), ElementsAre(QStringLiteral(".reelcrate"), QStringLiteral("b [b].mp3"),
-                                    QStringLiteral("c [c].mp3")));
+    EXPECT_THAT(left(), ElementsAre(text(".reelcrate"), text("b [b].mp3"), text("c [c].mp3")));
 }
 
 }  // namespace
