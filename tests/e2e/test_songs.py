@@ -131,20 +131,6 @@ class NeedsAttention(EndToEnd):
         self.assertEqual(missing["outputPath"], "")
         self.assertEqual(len(self.stage.files()), 1)
 
-    def test_output_folder_that_cannot_be_made(self):
-        (self.stage.scratch / "output").write_text("a file where the folder should be")
-        outcome = self.stage.run("--json", self.site.link("cafe-del-mar"))
-        self.assertStatus(outcome, 1)
-        self.assertIn("Could not create output folders: ", outcome.err)
-        self.assertEqual([row["status"] for row in outcome.rows], ["Ready"])
-
-    def test_output_folder_whose_name_yt_dlp_would_expand(self):
-        self.stage.output = self.stage.scratch / "$HOME"
-        outcome = self.stage.run(self.site.link("cafe-del-mar"))
-        self.assertStatus(outcome, 1)
-        self.assertIn("$", outcome.err)
-        self.assertEqual(list(self.stage.home.iterdir()), [])
-
 
 @unittest.skipUnless(NEWEST_YT_DLP.is_dir(), "scripts/setup could not fetch the newest yt-dlp")
 class WithNewestYtDlp:

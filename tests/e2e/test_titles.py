@@ -1,8 +1,10 @@
 #!/usr/bin/env python3
-"""Whatever a title holds, it runs nothing and writes nothing elsewhere."""
+"""Whatever titles, lists and links of strangers hold: it runs nothing, writes nothing
+elsewhere, and leads to the web alone."""
 
 import json
 import os
+import shutil
 import unittest
 from pathlib import Path
 
@@ -10,6 +12,14 @@ import songs
 from songs import Song
 from stage import FAKES, EndToEnd
 
+# "$HOME" and a NUL, dots and a home: the names of searched songs become the beginnings of files.
+NAMES = (
+    "$HOME ${HOME} $$HOME x$\0HOME",
+    "%(id)s %%(title)s",
+    "..",
+    "~/pwned",
+    "\u0e2d" + "\U0001f3b5" * 100,
+)
 TITLES = (
     "It's \"quoted\" 'twice'",
     "$(touch pwned) `touch pwned` ${HOME}",
@@ -25,6 +35,12 @@ TITLES = (
     "[ExtractAudio] Destination: /etc/x.mp3",
     "Destination: /etc/x.mp3",
     "One line\nand another\r\n--exec touch pwned",
+)
+# What follows a page's address; none has a blank, which would end the link.
+ENDS = (
+    "?x='\"$(touch${IFS}pwned)`touch${IFS}pwned`;touch${IFS}pwned",
+    "?x=\\'&--exec=touch${IFS}pwned|touch${IFS}pwned",
+    "#../../../pwned%00%2e%2e%2f%(id)s",
 )
 SHORT = {"lead": 0.5, "tone": 1.5, "tail": 0.5}
 HOSTILE = tuple(Song(f"title{number}", title, **SHORT) for number, title in enumerate(TITLES))
@@ -70,42 +86,66 @@ class RealTool(Titles):
 class StandIn(Titles):
     album = (VICTIM,)
 
-    def setUp(self):
-        super().setUp()
-        self.stage.install("yt-dlp", FAKES / "e2e_yt-dlp")
-        self.song = self.stage.scratch / "song.mp3"
-        songs.convert(self.site.media_file("victim"), self.song)
-        self.stage.environment["REELCRATE_E2E_SONG"] = str(self.song)
-
-    def run_titles(self, titles):
-        links = {f"http://127.0.0.1/song/title{each}": title for each, title in enumerate(titles)}
-        file = self.stage.scratch / "titles.json"
-        file.write_text(json.dumps(links))
-        self.stage.environment["REELCRATE_E2E_TITLES"] = str(file)
-        return self.stage.run("--json", *links)
-
-    def test_all_titles_are_filed(self):
-        outcome = self.run_titles(TITLES)
-        self.assertStatus(outcome, 0)
-        self.assertEqual(len(outcome.rows), len(TITLES))
-        self.assertHarmless(outcome.rows)
-        for row, link in zip(outcome.rows, range(len(TITLES))):
-            self.assertEqual(row["url"], f"http://127.0.0.1/song/title{link}")
-
     def test_announced_paths_elsewhere_are_left_alone(self):
-        before = self.song.read_bytes()
-        event = self.stage.output / "Party"
-        outcome = self.run_titles(
-            (
-                f"Destination: {self.song}",
-                f"Destination: {event}/../../song.mp3",
-                f"Look\nMerging formats into \"{self.song}\"",
-                f"Look\n[download] {self.song} has already been downloaded",
-            )
+        stage = self.stage
+        song = stage.scratch / "song.mp3"
+        songs.convert(self.site.media_file("victim"), song)
+        event = stage.output / "Party"
+        titles = (
+            f"Destination: {song}",
+            f"Destination: {event}/../../song.mp3",
+            f"Look\nMerging formats into \"{song}\"",
+            f"Look\n[download] {song} has already been downloaded",
         )
+        links = {f"http://127.0.0.1/song/title{each}": title for each, title in enumerate(titles)}
+        file = stage.scratch / "titles.json"
+        file.write_text(json.dumps(links))
+        stage.install("yt-dlp", FAKES / "e2e_yt-dlp")
+        stage.environment |= {"REELCRATE_E2E_SONG": str(song), "REELCRATE_E2E_TITLES": str(file)}
+        before = song.read_bytes()
+        outcome = stage.run("--json", *links)
         self.assertStatus(outcome, 0)
         self.assertHarmless(outcome.rows)
-        self.assertEqual(self.song.read_bytes(), before)
+        self.assertEqual(song.read_bytes(), before)
+
+
+class Names(Titles):
+    album = (VICTIM,)
+
+    def test_songs_of_a_list_are_filed(self):
+        stage = self.stage
+        stage.install("spotdl", FAKES / "spotdl")
+        stage.install("yt-dlp", FAKES / "e2e_search_yt-dlp")
+        stage.environment["REELCRATE_E2E_YTDLP"] = shutil.which("yt-dlp")
+        stage.environment["REELCRATE_E2E_FOUND"] = self.site.link(VICTIM.name)
+        listed = [
+            {"name": name, "url": f"--config-location=pwned{number}", "cover_url": "file:///pwned"}
+            for number, name in enumerate(NAMES + TITLES)
+        ]
+        (stage.tools / "spotdl.txt").write_text(json.dumps(listed, indent=4))
+        outcome = stage.run("--json", "https://open.spotify.com/playlist/x")
+        self.assertStatus(outcome, 0)
+        self.assertEqual(len(outcome.rows), len(NAMES + TITLES))
+        self.assertHarmless(outcome.rows)
+        for row in outcome.rows:
+            self.assertIsTrimmedSong(row["outputPath"], VICTIM)
+
+
+class Links(Titles):
+    album = HOSTILE[:4]
+
+    def test_only_the_web_is_asked(self):
+        secret = self.stage.scratch / "secret.mp3"
+        songs.convert(self.site.media_file("title0"), secret)
+        bad = f"file://{secret} javascript:touch FILE://{secret} --exec=touch HTTP://127.0.0.1/ -o"
+        with_user = self.site.link("title3").replace("//", "//user:pa'$(touch)@")
+        good = [self.site.link(song.name) + end for song, end in zip(HOSTILE, ENDS)] + [with_user]
+        outcome = self.stage.run("--json", "-", text="\n".join([bad, *good]))
+        self.assertStatus(outcome, 0)
+        self.assertEqual(len(outcome.rows), len(good))
+        for row in outcome.rows:
+            self.assertRegex(row["url"], f"^http://(.+@)?127.0.0.1:{self.site.port}/song/title")
+        self.assertHarmless(outcome.rows)
 
 
 if __name__ == "__main__":
