@@ -27,6 +27,8 @@ TEST(Arguments, WrongUsageIsToldFromRightUsage) {
         {"--headless --playlist http://x", true},
         {"--playlist http://x", false},
         {"--headless --setup --playlist", false},
+        {"--setup", false},
+        {"--json http://x", false},
         {"--headless --report x.json http://x", true},
         {"--report x.json http://x", false},
         {"--headless --report= http://x", false},

@@ -24,6 +24,7 @@ TEST(CheckText, WhatNeedsAttentionStandsLast) {
     cut.headerSeconds = 191;
     CheckedFile twin = song("B.mp3", 60, Finding::doubled);
     twin.detail = QStringLiteral("D.mp3");
+    twin.offMedian = 9;  // which is no news of a song that has to go
     const CheckedFile notes{{QStringLiteral("notes.txt"), Kind::foreign}};
     EXPECT_EQ(checkTable({cut, twin, song("D.mp3", 3661), notes}).toStdString(),
               "OK                1:01:01  D.mp3\n"
@@ -41,6 +42,7 @@ TEST(CheckText, TellsLengthsApartThatRoundToOne) {
     cut.headerSeconds = 190.4;
     EXPECT_EQ(findingText(cut), QStringLiteral("Cut off: 190.2 s of the 190.4 s that its header "
                                                "tells"));
+    EXPECT_TRUE(checkTable({cut}).endsWith(QStringLiteral("; 1 needs attention\n")));
 }
 
 TEST(CheckText, JsonHasEachFileAndTheSum) {

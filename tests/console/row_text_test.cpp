@@ -42,6 +42,12 @@ TEST(RowText, ProgressIsRoundedAsInTheWindow) {
         EXPECT_EQ(progressLine(runningRow(QString(), progress), 29), QString::fromLatin1(shown));
 }
 
+TEST(RowText, ARowWithoutATitleIsCalledByItsLink) {
+    DownloadItem row;
+    row.url = QStringLiteral("http://a.example/x");
+    EXPECT_EQ(headline(row), row.url);
+}
+
 TEST(RowText, ProgressFitsTheTerminal) {
     ASSERT_NE(std::setlocale(LC_CTYPE, "C.UTF-8"), nullptr);
     EXPECT_EQ(progressLine(runningRow(QStringLiteral("Song"), 0.5), 80),

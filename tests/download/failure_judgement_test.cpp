@@ -95,6 +95,7 @@ TEST(JudgedCause, OfFormsAndNotOfWhatIsQuoted) {
         {"ERROR: [generic] private: rate-limited: Unable to download webpage: HTTP Error 500: "
          "Oops (caused by <HTTPError 500: Oops>)",
          other},
+        {"ERROR: [site] 1: Requested format is not available. Use --list-formats", other},
         {"ERROR: [generic] Please log in: An answer that nobody expects", other},
         {"ERROR: unable to open for writing: [Errno 36] File name too long: '/x/Log in, please "
          "[private].m4a.part'",

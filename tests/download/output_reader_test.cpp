@@ -71,7 +71,7 @@ TEST(OutputReader, ForgetsEndlessLines) {
     OutputReader reader;
     for (int i = 0; i < 3; ++i)
         reader.read(QString(100'000, u'x'));
-    reader.read(text("\n[ExtractAudio] x\nERROR: no\n"));
+    reader.read(text("[ExtractAudio] x\nERROR: no\n"));  // as if a line had begun
     EXPECT_EQ(noticed(reader), text("conversion"));
 }
 

@@ -68,6 +68,7 @@ TEST_F(ProgressCrawlsTest, ANewerOneSilencesTheOlder) {
     crawls.crawlQueueProgress(id, 0.9, 0.33);
     crawls.crawlQueueProgress(id, 0.3, 0.2);
     ASSERT_TRUE(waitForEnd());
+    crawls.crawlQueueProgress(id, 0.2, 0.1);                   // below where the bar is
     crawls.crawlQueueProgress(QUuid::createUuid(), 0.9, 0.1);  // of a row that is not there
     QTest::qWait(500);                                         // in which nothing may happen
     EXPECT_THAT(shown, testing::ElementsAre(0.3));

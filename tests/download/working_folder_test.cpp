@@ -174,6 +174,7 @@ TEST_F(WorkingFolderTest, AbandonedOnesAreRemovedAndNoOthers) {
     ASSERT_TRUE(writeFile(work("renewed") + text("/A [x].m4a.part"), "more"));
     age(work("renewed"));
     ASSERT_TRUE(writeFile(work("fresh") + text("/new"), "new"));
+    age(work("fresh") + text("/new"));  // though not the folder
     removeAbandonedWork(event());
     EXPECT_EQ(QDir(event() + text("/.reelcrate")).entryList(QDir::Dirs | QDir::NoDotAndDotDot),
               QStringList({text("fresh"), text("held"), text("renewed")}));

@@ -105,6 +105,7 @@ TEST_F(CheckedFolder, ListsAllButWhatDesktopsLeave) {
     write("Disc 2/a.mp3");
     write(".hidden.mp3");
     write("desktop.ini");
+    write(".notes");
     write("._b.mp3");
     write(".DS_Store");
     write(".reelcrate/link-1.mp3/lock");
@@ -119,6 +120,7 @@ TEST_F(CheckedFolder, ListsAllButWhatDesktopsLeave) {
     using Fault = EventFile::Fault;
     EXPECT_THAT(eventFiles(folder),
                 ElementsAre(EventFile{text(".hidden.mp3"), Kind::song, Fault::hidden},
+                            EventFile{text(".notes"), Kind::foreign},
                             EventFile{text(".reelcrate/link-2.mp3"), Kind::halfDownload},
                             EventFile{text("Disc 2/a.mp3"), Kind::song},
                             EventFile{text("Disc 3"), Kind::foreign, Fault::linkedFolder},
@@ -244,9 +246,9 @@ TEST(FindOddLoudness, ComparesWithTheMiddleOfThreeAtLeast) {
 }
 
 TEST(CheckedSong, ComparesWhatDecodesWithTheHeader) {
-    const auto finding = [](double decoded, std::optional<double> header) {
+    const auto finding = [](double decoded, std::optional<double> header, bool isWhole = true) {
         SongMeasure measure;
-        measure.decoded = true;
+        measure.decoded = isWhole;
         measure.decodedSeconds = decoded;
         measure.headerSeconds = header;
         measure.sound = SoundEdges{0, decoded};
@@ -256,6 +258,8 @@ TEST(CheckedSong, ComparesWhatDecodesWithTheHeader) {
     EXPECT_EQ(finding(9.4, 10), Finding::cutOff);
     EXPECT_EQ(finding(10.6, 10), Finding::longer);
     EXPECT_EQ(finding(9.4, std::nullopt), std::nullopt);
+    EXPECT_EQ(finding(9.4, 10, false), Finding::breaksOff);
+    EXPECT_EQ(finding(0, 10, false), Finding::undecodable);
 }
 
 TEST(FindDoubles, KnowsOneRecordingByItsName) {

@@ -8,6 +8,7 @@
 #include <QTemporaryDir>
 
 #include <atomic>
+#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -68,6 +69,16 @@ TEST_F(EventLibraryTest, SongsOfOneNameStandSideBySide) {
         EXPECT_EQ(QFile::exists(finished(name, song)), true);
     }
     EXPECT_EQ(readFile(event() + text("/Track [x].mp3")), "one");
+
+    // A file of an earlier start is compared otherwise than one of this one.
+    ASSERT_TRUE(writeFile(event() + text("/earlier.mp3"), "x"));
+    for (const char* name : {"earlier.mp3", "plain.mp3"}) {
+        library.enter(finished(name, "y"), text("9"), event(),
+                      [&](const QString&, const QString&, bool isOfThisStart) {
+                          EXPECT_EQ(isOfThisStart, name == std::string_view("plain.mp3"));
+                          return true;
+                      });
+    }
 
     QDir(event()).removeRecursively();
     const Arrival nowhere = enter("Track [x].mp3", "one", "1");

@@ -129,7 +129,7 @@ TEST_F(FinishedFiles, AreRecognisedByTitle) {
     add(text("Hey.mp3"), 9);
     const QString tenth = add(text("Track 10 [x].mp3"), 3);
     add(text("Symphony No 12 in full length.mp3"), 2);
-    QFile empty(add(text("Nothing In It.mp3"), 1));
+    QFile empty(add(text("Nothing In It.m4a"), 1));
     EXPECT_TRUE(empty.resize(0));
     add(text(".reelcrate/key/At Work On.mp3"), 1);
     const std::pair<const char*, QString> cases[] = {
@@ -138,6 +138,7 @@ TEST_F(FinishedFiles, AreRecognisedByTitle) {
         {"Symphony No 1", QString()},
         {"2 in full length", QString()},
         {"At Work On", QString()},
+        {"Cafe Del Mar Remix Two", QString()},
         {"Nothing In It", QString()},
         {"Caf\u00E9 Del Mar (Remix)", cafe},
         {"DEL MAR", QString()},  // which is another song than its remix

@@ -76,8 +76,10 @@ protected:
 };
 
 TEST_F(QueueEditorTest, ClicksSelectToggleAndExtend) {
-    click(5, shift);  // without an anchor, a plain click
-    expectSelection({5}, 5, 5);
+    click(1, shift);  // without an anchor, a plain click
+    expectSelection({1}, 1, 1);
+    click(3, shift);
+    expectSelection({1, 2, 3}, 1, 3);
     click(2);
     click(5, shift);
     expectSelection({2, 3, 4, 5}, 2, 5);

@@ -33,6 +33,11 @@ void expectConsistent(const QueueStore& store) {
         const auto same = std::count_if(store.rows().begin(), store.rows().end(),
                                         [&](const DownloadItem& r) { return r.url == row.url; });
         EXPECT_EQ(store.countWithUrl(row.url), same);
+        const auto read =
+            std::count_if(store.rows().begin(), store.rows().end(), [&](const DownloadItem& r) {
+                return r.url == row.url && r.reading == LinkReading::song;
+            });
+        EXPECT_EQ(store.countOfSong(row.url, 0), read);
     }
     EXPECT_EQ(store.countWithStatus(QueueStatus::running), running);
 }
@@ -57,6 +62,9 @@ TEST(QueueStore, KeepsItsIndexesThroughAnyChanges) {
                 row.status = static_cast<QueueStatus>(below(5));
                 row.url = urls.first();
             });
+        store.update(store.rows().first().id, [&](DownloadItem& row) {
+            row.reading = below(2) == 0 ? LinkReading::song : LinkReading::open;
+        });
     }
     expectConsistent(store);
 }
@@ -86,7 +94,9 @@ TEST(QueueStore, SaysPreciselyWhatChanged) {
     store.update(second, [](DownloadItem& row) {
         row.status = QueueStatus::failed;
         row.cause = FailureCause::siteLimit;
+        row.note = QStringLiteral("of a song that is complete");
     });
+    EXPECT_EQ(store.find(second)->note, QString());
     store.update(second, [](DownloadItem& row) { row.status = QueueStatus::queued; });
     EXPECT_FALSE(store.find(second)->cause);
     EXPECT_EQ(changes.last().second, QueueStore::Status | QueueStore::Cause);

@@ -174,6 +174,16 @@ const Case cases[] = {
     {"Toto - Africa|4:55",
      "Toto - Africa Video|Hits|4:55\n*Toto - Africa Official Video|Hits|4:55"},
     {"Toto - Africa|4:55", "*Toto - Africa Today|Hits|4:55\nToto - Africa|Hits|4:55"},
+    // What a channel, a version or an absurd length weighs, all else being nearly equal.
+    {"Toto - Africa|4:55", "Toto - Africa|Toto|4:55\n*Toto - Africa|Toto - Topic|4:55"},
+    {"Toto - Africa|4:55", "Toto - Africa|Hits|4:55\n*Toto - Africa|TotoVEVO|4:55"},
+    {"Toto - Africa|4:55", "Toto - Africa|Hits|4:55\n*Toto - Africa|Toto Fans|4:55"},
+    {"Toto - Africa|4:55", "Toto - Africa Rains Down Here|Hits|4:55\n*Toto - Africa|Hits|4:55"},
+    {"周杰倫 - 稻香|3:43", "稻香|X|3:43\n*周杰倫稻香|X|3:43"},
+    {"Toto - Africa|4:55", "Toto - Africa|Hits|5:06\n*Toto - Africa|Hits|5:04"},
+    {"Toto - Africa|", "Toto - Africa|TotoVEVO|50:00\n*Toto - Africa|Hits|4:55"},
+    {"Nirvana - Lake of Fire - Live|2:55",
+     "Nirvana - Lake of Fire|Nirvana - Topic|2:55\n*Nirvana - Lake of Fire (Live)|Fan|2:58"},
     {"Bohemian Rhapsody|5:55",
      "Bohemian Rhapsody reaction|x|5:55\n*Queen – Bohemian Rhapsody|Queen Official|6:00"},
 };

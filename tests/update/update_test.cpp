@@ -127,8 +127,8 @@ TEST_F(UpdateScanTest, EveryAnswerHasItsOutcome) {
     const QByteArray packed = qCompress(QByteArray(current) + QByteArray(64 << 20, ' ')).mid(4);
     EXPECT_FALSE(scanned("200 OK\r\nContent-Encoding: deflate", packed).wasChecked);
     EXPECT_EQ(scanned("200 OK", QByteArray(1 << 19, '[')), updateNotesUnreadable());
-    EXPECT_EQ(scanned("302 Found\r\nLocation: http://127.0.0.1/", "").title,
-              QStringLiteral("Update scan failed"));
+    EXPECT_EQ(scanned("302 Found\r\nLocation: http://127.0.0.1/", ""),
+              updateCheckFailed(QStringLiteral("The website redirects to an insecure address.")));
     EXPECT_EQ(scanned("302 Found\r\nLocation: https://127.0.0.1:9/", "").title,
               QStringLiteral("Update scan failed"))
         << "nobody listens there";
@@ -155,7 +155,7 @@ TEST_F(UpdateScanTest, AsksOnceAtATime) {
 }
 
 TEST(UpdateScan, WithoutAnAddressItSaysSo) {
-    UpdateScan scan(QStringLiteral("4.8"), 48, {QStringLiteral("not an address"), 1s});
+    UpdateScan scan(QStringLiteral("4.8"), 48, {QStringLiteral("https:///x"), 1s});
     scan.scanForUpdate();
     EXPECT_FALSE(scan.isScanningForUpdate());
     EXPECT_EQ(scan.updateMessage(), QStringLiteral("Update scan is not configured yet."));
