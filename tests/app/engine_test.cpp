@@ -270,7 +270,7 @@ TEST_F(EngineTest, ASongIsDownloadedByOneRowAtATimeAndFoundByTheOthers) {
         isTwice = isTwice || running.removeDuplicates() > 0;
     });
     controller.startDownloads();
-    const QString a = links.first();
+    const QString& a = links.first();
     EXPECT_EQ(linksWith(QueueStatus::running),
               QStringList({a}) + links.mid(2, 1) + links.mid(4, 4));
     EXPECT_EQ(linksWith(QueueStatus::queued),
