@@ -111,9 +111,11 @@ TEST_F(EventLibraryTest, ManyAtOnceReplaceNothing) {
 }
 
 TEST_F(EventLibraryTest, WhoSeesASongKnowsWhoseItIs) {
+    constexpr int count = 8;
     std::atomic<int> found = 0;
     std::vector<std::thread> threads;
-    for (int i = 0; i < 8; ++i) {
+    threads.reserve(count);
+    for (int i = 0; i < count; ++i) {
         threads.emplace_back([this, i, &found] {
             const EventTarget target{event(), DownloadMode::video};
             const PlaylistEntry other{text("https://youtu.be/x"), SourceType::youtube, {}, {}, {}};
