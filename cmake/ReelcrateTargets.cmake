@@ -9,7 +9,8 @@ target_compile_definitions(
 if(REELCRATE_SANITIZERS)
   set(_sanitize -fsanitize=${REELCRATE_SANITIZERS} -fno-omit-frame-pointer)
   # Among its additions the compiler loses sight of what has a value.
-  target_compile_options(reelcrate_options INTERFACE ${_sanitize} -Wno-maybe-uninitialized)
+  target_compile_options(reelcrate_options INTERFACE ${_sanitize}
+                         $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   target_link_options(reelcrate_options INTERFACE ${_sanitize})
 endif()
 
