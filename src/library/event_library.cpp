@@ -49,7 +49,7 @@ std::optional<QString> EventLibrary::writerOf(const QString& path) const {
 /// Nobody learns whose songs there are between the two steps: who sees the file knows its writer.
 Placement EventLibrary::placeAs(const QString& file, const QString& path, const QString& songKey) {
     const std::lock_guard lock(m_mutex);
-    const Placement placement = placeFile(file, path);
+    Placement placement = placeFile(file, path);
     if (placement.outcome == Placement::Outcome::placed)
         m_writers.insert(path, songKey);
     return placement;

@@ -104,7 +104,7 @@ std::optional<Loudness> taggedLoudness(const QString& path) {
 
 QString tagLoudness(const QString& path, const Loudness& loudness) {
     const QString copy = temporaryBeside(path, QStringLiteral("gain"), QStringLiteral("mp3"));
-    const QString reason = whyNotTagged(path, loudness, copy);
+    QString reason = whyNotTagged(path, loudness, copy);
     if (!reason.isEmpty())
         QFile::remove(copy);
     return reason;
