@@ -25,6 +25,7 @@ import songs
 
 TYPES = {
     ".m4a": "audio/mp4",
+    ".mp3": "audio/mpeg",
     ".mp4": "video/mp4",
     ".jpg": "image/jpeg",
     ".m3u8": "application/vnd.apple.mpegurl",
@@ -33,8 +34,8 @@ TYPES = {
 PIECE = 8192
 
 # How a transfer may fail: the connection is closed before all is sent that was
-# announced, or reset, or falls silent.
-CUT, RESET, STALL = "cut", "reset", "stall"
+# announced, or reset, or falls silent, or it ends without a word on what is missing.
+CUT, RESET, STALL, END = "cut", "reset", "stall", "end"
 
 
 def attribute(text):
@@ -320,7 +321,8 @@ class _Handler(BaseHTTPRequestHandler):
             status = HTTPStatus.PARTIAL_CONTENT
             self.site.ranges.append((self.path, start))
             headers["Content-Range"] = f"bytes {start}-{end - 1}/{size}"
-        headers["Content-Length"] = end - start
+        if fault != END:
+            headers["Content-Length"] = end - start
         if self._head(status, headers):
             sound = min(end, size // 2) if fault else end
             self._send(path, start, sound, paced)

@@ -67,7 +67,9 @@ def _make(song, folder):
         command += ["-pix_fmt", "yuv420p"]
     else:
         command += ["-map", "0:a"]
-    command += ["-c:a", "aac", "-b:a", "128k", "-movflags", "+faststart"]
+    if not song.format:
+        command += ["-c:a", "aac", "-movflags", "+faststart"]
+    command += ["-b:a", "128k"]
     command += [str(folder / song.media)]
     command += ["-map", "1:v", "-frames:v", "1", "-update", "1", str(folder / song.cover)]
     subprocess.run(command, check=True)

@@ -143,13 +143,17 @@ QStringList outputLines(const QString& piece) {
     return piece.split(lineBreak);
 }
 
-// yt-dlp prints a marker without a number ("N/A%") while it does not know the length.
-QString withoutMarkerLines(const QString& piece) {
+// yt-dlp prints a marker without a number ("N/A%") while it does not know the length. Of what is
+// run for the report on a file nobody wants to know.
+QString telling(const QString& piece) {
     constexpr QLatin1String marker{"RCR_PROGRESS:"};
-    if (!piece.contains(marker, Qt::CaseInsensitive))
+    constexpr QLatin1String report{"[Exec] "};
+    if (!piece.contains(marker, Qt::CaseInsensitive) && !piece.contains(report))
         return piece;
     QStringList lines = outputLines(piece);
-    lines.removeIf([&](const QString& line) { return line.contains(marker, Qt::CaseInsensitive); });
+    lines.removeIf([&](const QString& line) {
+        return line.contains(marker, Qt::CaseInsensitive) || line.startsWith(report);
+    });
     return lines.join(u'\n').trimmed();
 }
 
@@ -184,12 +188,12 @@ OutputEffect outputEffect(const DownloadItem& row, DownloadMode mode, const QStr
         return RealProgress{.progress = std::max(rowProgress(*percent, mode), row.progress),
                             .detail = downloading(mode)};
     }
-    const QString telling = withoutMarkerLines(piece);
-    if (telling.isEmpty())
+    const QString text = telling(piece);
+    if (text.isEmpty())
         return {};
-    if (const std::optional<StageBegun> stage = stageBegun(row, mode, telling))
+    if (const std::optional<StageBegun> stage = stageBegun(row, mode, text))
         return *stage;
-    return DetailOnly{downloadDetail(telling, mode)};
+    return DetailOnly{downloadDetail(text, mode)};
 }
 
 }  // namespace reelcrate

@@ -1,11 +1,13 @@
 #include "download/row_download.h"
 
 #include "base/background_tasks.h"
+#include "base/duration_text.h"
 #include "base/main_queue.h"
 #include "download/download_command.h"
 #include "download/failure_judgement.h"
 #include "download/marked_lines.h"
 #include "download/output_reader.h"
+#include "download/packet_report.h"
 #include "download/row_stages.h"
 #include "download/run_log.h"
 #include "download/song_note.h"
@@ -172,6 +174,7 @@ std::optional<QString> RowDownload::fileThatIsThere() const {
 void RowDownload::download(WorkingFolder& folder, const std::stop_token& stop) {
     const auto log = [this](const QString& line) { logLine(line); };
     folder.keepResumable(m_plan.target.mode);
+    removeWhatIsNotWhole(folder, stop);
     ToolRun tool = runTool(folder, Conversion::strict, stop);
     if (tool.output.cannotResume() && !stop.stop_requested()) {
         logLine(QStringLiteral("What was there of the download cannot be gone on with: again."));
@@ -179,6 +182,14 @@ void RowDownload::download(WorkingFolder& folder, const std::stop_token& stop) {
         tool = runTool(folder, Conversion::strict, stop);
     }
     const auto isDone = [&] { return tool.succeeded || tool.output.onlyCoversFailed(); };
+    const auto brokenOff = isDone() ? firstBrokenOff(folder.path()) : std::nullopt;
+    if (brokenOff && !stop.stop_requested()) {
+        logLine(brokenOff->reason + QStringLiteral(": it is fetched again."));
+        folder.empty();
+        tool = runTool(folder, Conversion::strict, stop);
+        if (isDone() && !isTheSites(folder, *brokenOff))
+            return;
+    }
     const bool isSong = m_plan.target.mode == DownloadMode::audio;
     const QString sourceFile = isSong && !isDone() ? folder.unconvertedSource() : QString();
     SongFinisher::SourceLook source;
@@ -199,17 +210,40 @@ void RowDownload::download(WorkingFolder& folder, const std::stop_token& stop) {
     // It would be taken for the song's source the next time, too, and not be fetched again.
     if (source.isDamaged)
         QFile::remove(sourceFile);
-    if (!isSong)
-        removeWhatIsNoMedia(folder);
     fail(cause);
 }
 
-/// A page that was sent in the place of a picture or its sound; likewise.
-void RowDownload::removeWhatIsNoMedia(const WorkingFolder& folder) const {
+/// What an earlier start left under its final name is gone on with: a page that was sent in the
+/// place of a picture or its sound, and what lost its end with the power, would stay for ever.
+void RowDownload::removeWhatIsNotWhole(const WorkingFolder& folder,
+                                       const std::stop_token& stop) const {
     for (const QString& file : folder.fetchedMedia()) {
-        if (!m_finisher.isMedia(file))
+        const SongFinisher::Look look = m_finisher.lookAt(file, DownloadMode::video);
+        if (stop.stop_requested())
+            return;
+        if (look.fault) {
+            logLine(QStringLiteral("%1 was fetched, but is not whole (%2): again.")
+                        .arg(file, *look.fault));
             QFile::remove(file);
+        }
     }
+}
+
+/// What breaks off at the very place where it broke off before has no more at its site, whatever
+/// its header tells. Anything else is the connection's fault: the row fails.
+bool RowDownload::isTheSites(const WorkingFolder& folder, const BrokenOff& before) {
+    const auto again = firstBrokenOff(folder.path());
+    if (again && *again != before) {
+        logLine(again->reason);
+        folder.empty();
+        fail(FailureCause::noConnection);
+        return false;
+    }
+    if (again) {
+        logLine(QStringLiteral("The same again: the site has no more of it."));
+        m_toldSeconds = again->toldSeconds;
+    }
+    return true;
 }
 
 FailureCause RowDownload::causeOf(const OutputReader& output, const WorkingFolder& folder) const {
@@ -285,11 +319,17 @@ void RowDownload::finish(WorkingFolder& folder, std::optional<double> sourceSeco
     if (entered > 0 && entered == files.size()) {
         folder.remove();
         if (entered == 1)
-            saved.note = songNote({m_isUncertain, saved.downloadedSeconds, m_item.duration});
+            saved.note = songNote({m_isUncertain, saved.downloadedSeconds, listedLength()});
         complete(saved);
     } else {
         fail(causeWithoutWords(folder));
     }
+}
+
+/// Without a word of the site's, what the song's own header told.
+QString RowDownload::listedLength() const {
+    return m_item.duration.isEmpty() && m_toldSeconds ? formatDuration(*m_toldSeconds)
+                                                      : m_item.duration;
 }
 
 void RowDownload::complete(const SavedSong& saved) {

@@ -22,6 +22,7 @@ class MainQueue;
 class OutputReader;
 class RunLog;
 class ToolDiscovery;
+struct BrokenOff;
 class WorkingFolder;
 
 /// The parts that a download works with; all outlive it.
@@ -97,7 +98,9 @@ private:
                     const std::stop_token& stop);
     void finish(WorkingFolder& folder, std::optional<double> sourceSeconds,
                 const std::stop_token& stop);
-    void removeWhatIsNoMedia(const WorkingFolder& folder) const;
+    void removeWhatIsNotWhole(const WorkingFolder& folder, const std::stop_token& stop) const;
+    bool isTheSites(const WorkingFolder& folder, const BrokenOff& before);
+    QString listedLength() const;
     std::optional<QString> fileThatIsThere() const;
     void complete(const SavedSong& saved);
     void fail(FailureCause cause);
@@ -116,6 +119,7 @@ private:
     const SongFinisher m_finisher;  ///< likewise
     std::optional<FailureCause> m_cause;
     std::optional<SavedSong> m_saved;
+    std::optional<double> m_toldSeconds;  ///< by the header of a song that has less
     QString m_found;             ///< the link of the best hit, where the row has to be searched for
     bool m_isUncertain = false;  ///< the row had to be searched for, and nothing fitted well
 };

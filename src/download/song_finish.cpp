@@ -134,11 +134,6 @@ SongFinisher::SourceLook SongFinisher::lookAtSource(const QString& source, const
     return {true, measure.headerSeconds.value_or(measure.decodedSeconds)};
 }
 
-bool SongFinisher::isMedia(const QString& file) const {
-    const VideoMeasure measure = m_videoMeasurer.measure(file);
-    return measure.pictureDecodes || measure.soundDecodes;
-}
-
 SongFinisher::Look SongFinisher::lookAt(const QString& file, DownloadMode mode) const {
     if (mode == DownloadMode::video) {
         const VideoMeasure video = m_videoMeasurer.measure(file);

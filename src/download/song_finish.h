@@ -56,9 +56,6 @@ public:
 
     Look lookAt(const QString& file, DownloadMode mode) const;
 
-    /// Whether anything can be seen or heard of the file.
-    bool isMedia(const QString& file) const;
-
     /// What a source is worth that was not converted.
     struct SourceLook {
         bool isDamaged = false;         ///< somewhere, or throughout

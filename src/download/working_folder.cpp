@@ -1,5 +1,6 @@
 #include "download/working_folder.h"
 
+#include "download/packet_report.h"
 #include "library/finished_files.h"
 
 #include <QDateTime>
@@ -250,6 +251,11 @@ QStringList WorkingFolder::finishedFiles(DownloadMode mode) const {
     names.removeIf([](const QString& name) {
         return !isMedia(name) || isTemporary(name) || isUnmerged(name);
     });
+    // An earlier start under a title that has changed since may have left a whole film.
+    if (const QStringList ofThisRun = reportedNames(m_path); !ofThisRun.isEmpty()) {
+        names.removeIf(
+            [&](const QString& name) { return !ofThisRun.contains(nameWithoutExtension(name)); });
+    }
     const QString last = finalExtension(mode);
     // Of what was converted the source may still be there, from an earlier start under a title that
     // has changed since.

@@ -17,6 +17,8 @@ const QString durationStart = QStringLiteral("[info]   Duration: ");
 const QString chaptersStart = QStringLiteral("[info]   Chapters:");
 const QString streamStart = QStringLiteral("[info]   Stream #0:");
 
+constexpr QLatin1String cutSamples{"] [warning] Packet corrupt"};
+
 constexpr std::array writeErrors{u"Error writing", u"Error closing", u"av_interleaved_write_frame",
                                  u"Error muxing",  u"to the muxer",  u"No space left on device"};
 
@@ -73,7 +75,8 @@ void addInputLine(FfmpegWords& words, const QString& line) {
 void addError(FfmpegWords& words, const QString& error) {
     if (words.complaint.isEmpty())
         words.complaint = error.trimmed();
-    words.cutOff = words.cutOff || error.contains(u": partial file");
+    words.cutOff = words.cutOff || error.contains(u": partial file") ||
+                   error.startsWith(u"File ended prematurely");
     words.writeFailed = words.writeFailed || isWriteError(error);
 }
 
@@ -90,6 +93,8 @@ FfmpegWords readFfmpegWords(const QString& errors) {
         // Said of an MP3 without a table of its own: the length then is the file's size by the rate
         // of its first frame, and says nothing.
         guessed = guessed || line.contains(u"[warning] Estimating duration from bitrate");
+        // A piece of samples can be spoilt by nothing but the file's end.
+        words.cutOff = words.cutOff || (line.startsWith(u"[wav @ ") && line.contains(cutSamples));
         if (const auto error = errorOf(line))
             addError(words, *error);
     }

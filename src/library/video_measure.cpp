@@ -43,6 +43,13 @@ double lastProgress(const QString& reports) {
     return last;
 }
 
+void addPackets(VideoMeasure& measure, const QString& reports, const FfmpegWords& words) {
+    measure.packetSeconds = lastProgress(reports);
+    measure.readToEnd = !words.cutOff;
+    if (measure.complaint.isEmpty())
+        measure.complaint = words.complaint;
+}
+
 }  // namespace
 
 bool VideoMeasure::hasPicture() const {
@@ -60,13 +67,28 @@ std::optional<QString> whyNoWholeVideo(const VideoMeasure& measure) {
     };
     if (!measure.pictureDecodes && !measure.soundDecodes)
         return because(QStringLiteral("neither picture nor sound decodes"));
+    const auto reason = whyBrokenOff(measure);
+    return reason ? std::optional(because(*reason)) : std::nullopt;
+}
+
+VideoMeasure readPackets(const QString& printed) {
+    const FfmpegWords words = readFfmpegWords(printed);
+    VideoMeasure measure;
+    measure.format = words.format;
+    measure.streams = words.streams;
+    measure.headerSeconds = words.headerSeconds;
+    addPackets(measure, printed, words);
+    return measure;
+}
+
+std::optional<QString> whyBrokenOff(const VideoMeasure& measure) {
     const double missing = measure.hasSound() ? tolerance : toleranceWithoutSound;
     if (measure.headerSeconds && measure.packetSeconds < *measure.headerSeconds - missing)
-        return because(QStringLiteral("%1 s are there of the %2 s that its header tells")
-                           .arg(measure.packetSeconds, 0, 'f', 2)
-                           .arg(*measure.headerSeconds, 0, 'f', 2));
+        return QStringLiteral("%1 s are there of the %2 s that its header tells")
+            .arg(measure.packetSeconds, 0, 'f', 2)
+            .arg(*measure.headerSeconds, 0, 'f', 2);
     if (!measure.readToEnd)
-        return because(QStringLiteral("the file breaks off"));
+        return QStringLiteral("the file breaks off");
     return std::nullopt;
 }
 
@@ -84,7 +106,7 @@ VideoMeasure VideoMeasurer::measure(const QString& path) const {
     const QString input = QStringLiteral("-i ") + shellQuoted(path) + u' ';
     lookAtStart(measure, tool + QStringLiteral("-loglevel level+info -t 5 ") + input);
     if (measure.pictureDecodes || measure.soundDecodes)
-        readToEnd(measure, tool + QStringLiteral("-loglevel level+error ") + input,
+        readToEnd(measure, tool + QStringLiteral("-loglevel level+warning ") + input,
                   leastLimitSeconds + static_cast<double>(QFileInfo(path).size()) / slowestDisk);
     return measure;
 }
@@ -113,14 +135,10 @@ FfmpegWords VideoMeasurer::decodeStart(VideoMeasure& measure, const QString& inp
 }
 
 void VideoMeasurer::readToEnd(VideoMeasure& measure, const QString& input, double timeLimit) const {
-    const CommandResult result = m_shell.runShellApart(
-        input + QStringLiteral("-map 0:V? -map 0:a? -c copy -f null -progress pipe:1 -"),
-        timeLimit);
-    const FfmpegWords words = readFfmpegWords(result.errors);
-    measure.packetSeconds = lastProgress(result.output);
-    measure.readToEnd = result.status == 0 && !words.cutOff;
-    if (measure.complaint.isEmpty())
-        measure.complaint = words.complaint;
+    const CommandResult result =
+        m_shell.runShellApart(input + QString::fromUtf16(packetReading), timeLimit);
+    addPackets(measure, result.output, readFfmpegWords(result.errors));
+    measure.readToEnd = measure.readToEnd && result.status == 0;
 }
 
 }  // namespace reelcrate

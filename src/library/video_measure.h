@@ -32,6 +32,19 @@ struct VideoMeasure {
 /// so is a silent one, but whatever it has must play. Pure.
 std::optional<QString> whyNoWholeVideo(const VideoMeasure& measure);
 
+/// ffmpeg's arguments, between the input's and the end of the command, that read all packets of a
+/// file's picture and sound without decoding them.
+inline constexpr char16_t packetReading[] =
+    u"-map 0:V? -map 0:a? -c copy -f null -progress pipe:1 -";
+
+/// What such a reading, at "-loglevel level+info", has printed: streams, lengths, complaint and
+/// whether the end was met. Pure.
+VideoMeasure readPackets(const QString& printed);
+
+/// Why the file is not there to its end, for the log; absent when it is. Nothing need have been
+/// decoded. Pure.
+std::optional<QString> whyBrokenOff(const VideoMeasure& measure);
+
 /// Background threads: it blocks while the file's first frames are decoded and all of it is read,
 /// and 180 seconds at least before that is given up. Any number of threads.
 class VideoMeasurer {

@@ -23,7 +23,7 @@ protected:
     /// The output path and the target.
     QStringList lastTwo(const DownloadItem& row, const QString& eventFolder = folder) {
         const QString line = downloadCommand(row, eventFolder, DownloadMode::audio, tools);
-        return tool.run(line).arguments.mid(36);
+        return tool.run(line).arguments.mid(38);
     }
 
     ArgumentPrinter tool{QStringLiteral("yt-dlp")};
@@ -38,7 +38,10 @@ TEST_F(DownloadCommand, AsksForAnMP3OrAnMP4) {
     const QString progress = text(
         "--no-update --newline --no-colors --progress --progress-delta 0.2 "
         "--progress-template download:RCR_PROGRESS:%(progress._percent_str)s --no-simulate "
-        "--no-quiet --no-download-archive --no-exec --match-filters !is_live --no-abort-on-error "
+        "--no-quiet --no-download-archive --no-exec --match-filters !is_live --use-postprocessor "
+        "'Exec:exec_cmd=ffmpeg -hide_banner -nostats -nostdin -loglevel level+info -i %(filepath)q "
+        "-map 0:V? -map 0:a? -c copy -f null -progress pipe:1 - >%(filepath)q.packets 2>&1 || :' "
+        "--no-abort-on-error "
         "--part --abort-on-unavailable-fragments --keep-fragments");
     EXPECT_EQ(arguments(DownloadMode::audio),
               progress + text(" --concurrent-fragments 8 -x --audio-format mp3 --audio-quality 0 "

@@ -150,6 +150,9 @@ TEST_F(WorkingFolderTest, TellsFinishedFilesFromPiecesAndSources) {
         {"A [x].f137.mp4|A [x].f140.m4a", "", ""},
         {"Ferrari.f1 [x].mp3", "Ferrari.f1 [x].mp3", "Ferrari.f1 [x].mp3"},
         {"A [x].webm", "", "A [x].webm"},
+        {"Old [x].mkv|New [x].mp4|New [x].mp4.packets", "", "New [x].mp4"},
+        {"Old [x].mp3|New [x].m4a|New [x].m4a.packets|New [x].mp3", "New [x].mp3",
+         "New [x].m4a|New [x].mp3"},
         {"A [x].temp.mp3|A [x].mp3.part|A [x].orig.mp3", "", ""},
         {".38 [x].mp3|.mp4-0F8FAD5B-D9CB-469F-A165-70867728950E.mp4", ".38 [x].mp3", ".38 [x].mp3"},
     };

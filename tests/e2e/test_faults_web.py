@@ -20,7 +20,7 @@ from faults import (
     FaultTest,
     slow,
 )
-from loopback_site import CUT, RESET, STALL
+from loopback_site import CUT, END, RESET, STALL
 from songs import ALBUM, Song
 from stage import FAKES, PATIENCE, eventually
 
@@ -236,6 +236,66 @@ class Streams(WebFaultTest):
     def test_cut_segment(self):
         self.site.faults[f"/stream/{SHORT.name}-2.ts"] = CUT
         self.run_stream("a segment of a stream ends half-way")
+
+
+class Endings(WebFaultTest):
+    """Transfers that end half-way, of which nobody has said how long they are."""
+
+    film = Song("film", "Film", lead=0.8, tone=6.0, tail=0.6, video=True)
+    song = Song("song", "Song", lead=0.8, tone=15.0, tail=0.6, format="mp3")
+    album = (film, song)
+
+    def run_ending(self, song, fault):
+        before = self.site.media_requests()
+        self.site.faults[f"/media/{song.media}"] = fault
+        outcome = self.run_event(self.site.link(song.name))
+        self.site.faults.clear()
+        self.assertEqual(self.site.media_requests() - before, 2)
+        return outcome
+
+    def test_once(self):
+        for self.mode, song in (("MP3", self.song), ("MP4", self.film)):
+            outcome = self.run_ending(song, [END])
+            self.survived(outcome, f"the transfer of a {song.name} ends half-way without a word")
+            self.assertStatus(outcome, 0)
+
+    def test_always(self):
+        """The site may have no more of it: a row that is complete says so."""
+        outcome = self.run_ending(self.song, END)
+        self.assertDetails(outcome, TRIMMED)
+        self.assertEqual(outcome.rows[0]["note"], "8 s shorter than listed")
+
+    def test_at_different_places(self):
+        media = self.site.media_file(self.song.name)
+        whole = media.read_bytes()
+        self.site.faults[f"/media/{self.song.media}"] = END
+        self.site.hold(HELD_AFTER)
+        process = self.start_event(self.site.link(self.song.name))
+        self.assertTrue(self.site.wait_held(1, PATIENCE))
+        media.write_bytes(whole[: len(whole) * 3 // 4])
+        self.site.let_go()
+        outcome = self.stage.finish(process)
+        media.write_bytes(whole)
+        self.site.faults.clear()
+        self.assertDetails(outcome, NO_CONNECTION)
+        self.survived(outcome, "transfers end without a word, each elsewhere", rerun=True)
+
+    def test_lost_with_the_power(self):
+        """What lies under its final name is not taken for whole."""
+        link = self.site.link(self.film.name)
+        process = self.start_held(link)
+        process.kill()
+        self.stage.finish(process)
+        self.site.let_go()
+        (part,) = self.stage.parts()
+        whole = self.site.media_file(self.film.name).read_bytes()
+        part.with_suffix("").write_bytes(whole[: len(whole) // 2])
+        part.unlink()
+        before = self.site.media_requests()
+        outcome = self.run_event(link)
+        self.assertEqual(self.site.media_requests() - before, 1)
+        self.survived(outcome, "what lay under its final name lost its end with the power")
+        self.assertStatus(outcome, 0)
 
 
 class Nameless(WebFaultTest):

@@ -76,6 +76,35 @@ TEST_F(VideoMeasuring, TellsWhatAFileHoldsAndWhetherItIsThereToItsEnd) {
     }
 }
 
+TEST_F(VideoMeasuring, AReadingOfThePacketsTellsWhatBreaksOff) {
+    const struct {
+        const char* name;
+        const char* words;
+        const char* why;
+    } songs[] = {
+        {"song.mp3", "", " s are there of the 8.0"},
+        {"song.flac", "", " s are there of the 8.0"},
+        {"song.wav", "", "the file breaks off"},
+        {"live.mkv", "-live 1", "the file breaks off"},
+        {"song.aac", "", ""},  // says nothing of its length
+    };
+    const auto whyNotWhole = [&](const QString& path) {
+        const CommandResult printed =
+            music.shell.runShellApart(text("ffmpeg -loglevel level+info -i '%1' %2 2>&1")
+                                          .arg(path, QString::fromUtf16(packetReading)),
+                                      std::nullopt);
+        return whyBrokenOff(readPackets(printed.output)).value_or(QString());
+    };
+    for (const auto& [name, words, why] : songs) {
+        SCOPED_TRACE(name);
+        const QString path = music.make(text(name), sound + text(words));
+        EXPECT_EQ(whyNotWhole(path), QString());
+        const QString found = whyNotWhole(cut(path, 0.8));
+        EXPECT_TRUE(why == QByteArray() ? found.isEmpty() : found.contains(text(why)))
+            << found.toStdString();
+    }
+}
+
 TEST_F(VideoMeasuring, WhatDoesNotPlayIsNoVideo) {
     const QString text = music.path(QStringLiteral("text.mp4"));
     writeFile(text, "This is no video.\n");
