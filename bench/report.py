@@ -106,7 +106,10 @@ def site_rows(report, options, album, rate, works):
         environment = os.environ | {"HOME": str(home), "XDG_DATA_HOME": str(home / "data")}
         with loopback_site.LoopbackSite(media, album) as site:
             site.rate = rate
-            entries = [{"url": site.link(s.name), "title": s.title, "id": s.name} for s in album]
+            entries = [
+                {"url": site.link(s.name), "title": s.title, "seconds": s.seconds, "id": s.name}
+                for s in album
+            ]
             queue.write_text(json.dumps(entries))
 
             def measure(work, kind):

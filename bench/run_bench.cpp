@@ -1,12 +1,14 @@
 // The same work by the program's engine and by a shell: "run_bench download|read program|bare
-// FOLDER SONGS", where SONGS is a JSON list of objects with "url", "title" and "id". What is
-// downloaded goes into FOLDER.
+// FOLDER SONGS", where SONGS is a JSON list of objects with "url", "title", "seconds" and "id".
+// What is downloaded goes into FOLDER.
 //
 // "bare" is what somebody would type: xargs runs the very same command lines, six downloads side by
 // side, with the same pauses; links are read one after the other at the same pace. Prints one JSON
 // object: the seconds by the clock, and the CPU seconds of this process and its children.
 
 #include "app/controller.h"
+#include "base/duration_text.h"
+#include "download/fetched_files.h"
 #include "measure.h"
 #include "resolve/media_probe_output.h"
 #include "tools/shell_quote.h"
@@ -122,9 +124,12 @@ QString songScript(Engine& engine, const DownloadItem& row, const QString& id) {
     const QString ffmpeg =
         engine.controller().discovery().resolvedTool(QStringLiteral("ffmpeg"))->path;
     const DownloadTiming timing;
+    // Nobody who downloads by hand asks for it.
+    const QString download =
+        downloadCommandFor(row, folder, DownloadMode::audio, engine.controller().discovery())
+            .remove(keepFetchedOption());
     return QStringList{
-        loginShell(
-            downloadCommandFor(row, folder, DownloadMode::audio, engine.controller().discovery())),
+        loginShell(download),
         QStringLiteral("sleep %1").arg(timing.examining.count()),
         loginShell(filterTrim(ffmpeg, file, temporary)),
         QStringLiteral("mv -f %1 %2").arg(shellQuoted(temporary), shellQuoted(file)),
@@ -182,7 +187,7 @@ int main(int argc, char** argv) {
         songs.append({song[QStringLiteral("url")].toString(),
                       SourceType::link,
                       song[QStringLiteral("title")].toString(),
-                      {},
+                      formatDuration(song[QStringLiteral("seconds")].toDouble()),
                       {}});
     }
     Engine engine(supervisor, words.at(3), songs);

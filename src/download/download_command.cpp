@@ -1,6 +1,6 @@
 #include "download/download_command.h"
 
-#include "download/packet_report.h"
+#include "download/fetched_files.h"
 #include "library/file_names.h"
 #include "resolve/spotify_songs.h"
 #include "tools/shell_quote.h"
@@ -94,7 +94,7 @@ QString downloadCommand(const DownloadItem& item, const QString& folder, Downloa
     const QString tool = tools.ytDlp.value_or(QStringLiteral("yt-dlp"));
     const QString start = QStringLiteral("PATH=") + shellQuoted(tools.searchPath) +
                           QStringLiteral(":$PATH ") + shellQuoted(tool) + u' ' + progressOptions() +
-                          guards() + packetReportOption() + transferOptions();
+                          guards() + keepFetchedOption() + transferOptions();
     const QString end = itemChoice(item) + QStringLiteral(" -o ") +
                         shellQuoted(outputTemplate(item, folder)) + u' ' +
                         shellQuoted(target(item, mode, found));

@@ -143,16 +143,16 @@ QStringList outputLines(const QString& piece) {
     return piece.split(lineBreak);
 }
 
-// yt-dlp prints a marker without a number ("N/A%") while it does not know the length. Of what is
-// run for the report on a file nobody wants to know.
+// yt-dlp prints a marker without a number ("N/A%") while it does not know the length. Of what it
+// runs to keep a file nobody wants to know.
 QString telling(const QString& piece) {
     constexpr QLatin1String marker{"RCR_PROGRESS:"};
-    constexpr QLatin1String report{"[Exec] "};
-    if (!piece.contains(marker, Qt::CaseInsensitive) && !piece.contains(report))
+    constexpr QLatin1String keeping{"[Exec] "};
+    if (!piece.contains(marker, Qt::CaseInsensitive) && !piece.contains(keeping))
         return piece;
     QStringList lines = outputLines(piece);
     lines.removeIf([&](const QString& line) {
-        return line.contains(marker, Qt::CaseInsensitive) || line.startsWith(report);
+        return line.contains(marker, Qt::CaseInsensitive) || line.startsWith(keeping);
     });
     return lines.join(u'\n').trimmed();
 }

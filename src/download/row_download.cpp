@@ -7,7 +7,6 @@
 #include "download/failure_judgement.h"
 #include "download/marked_lines.h"
 #include "download/output_reader.h"
-#include "download/packet_report.h"
 #include "download/row_stages.h"
 #include "download/run_log.h"
 #include "download/song_note.h"
@@ -182,14 +181,6 @@ void RowDownload::download(WorkingFolder& folder, const std::stop_token& stop) {
         tool = runTool(folder, Conversion::strict, stop);
     }
     const auto isDone = [&] { return tool.succeeded || tool.output.onlyCoversFailed(); };
-    const auto brokenOff = isDone() ? firstBrokenOff(folder.path()) : std::nullopt;
-    if (brokenOff && !stop.stop_requested()) {
-        logLine(brokenOff->reason + QStringLiteral(": it is fetched again."));
-        folder.empty();
-        tool = runTool(folder, Conversion::strict, stop);
-        if (isDone() && !isTheSites(folder, *brokenOff))
-            return;
-    }
     const bool isSong = m_plan.target.mode == DownloadMode::audio;
     const QString sourceFile = isSong && !isDone() ? folder.unconvertedSource() : QString();
     SongFinisher::SourceLook source;
@@ -229,21 +220,21 @@ void RowDownload::removeWhatIsNotWhole(const WorkingFolder& folder,
     }
 }
 
-/// What breaks off at the very place where it broke off before has no more at its site, whatever
-/// its header tells. Anything else is the connection's fault: the row fails.
-bool RowDownload::isTheSites(const WorkingFolder& folder, const BrokenOff& before) {
-    const auto again = firstBrokenOff(folder.path());
-    if (again && *again != before) {
-        logLine(again->reason);
-        folder.empty();
+/// What broke off is fetched once more. Where that breaks off at the very same place, the site has
+/// no more of it, whatever its header tells; anywhere else, it is the connection's fault.
+bool RowDownload::isTheSites(const SongFinisher::Prepared& song, WorkingFolder& folder,
+                             const std::stop_token& stop) {
+    if (!song.brokenOff || song.brokenOff == m_brokenOff)
+        return true;
+    logLine(song.path.section(u'/', -1) + QStringLiteral(": ") + song.brokenOff->reason);
+    folder.empty();
+    if (m_brokenOff) {
         fail(FailureCause::noConnection);
-        return false;
+    } else {
+        m_brokenOff = song.brokenOff;
+        download(folder, stop);
     }
-    if (again) {
-        logLine(QStringLiteral("The same again: the site has no more of it."));
-        m_toldSeconds = again->toldSeconds;
-    }
-    return true;
+    return false;
 }
 
 FailureCause RowDownload::causeOf(const OutputReader& output, const WorkingFolder& folder) const {
@@ -291,8 +282,9 @@ void RowDownload::finish(WorkingFolder& folder, std::optional<double> sourceSeco
         log(QStringLiteral("The downloader reported success, but there is no file."));
     QList<SongFinisher::Prepared> songs;
     for (const QString& file : files) {
-        auto song = m_finisher.prepare(file, m_plan.target, {sourceSeconds, m_plan.loudness}, log);
-        if (stop.stop_requested())
+        auto song = m_finisher.prepare(file, m_plan.target,
+                                       {sourceSeconds, m_plan.loudness, m_item.duration}, log);
+        if (stop.stop_requested() || (song && !isTheSites(*song, folder, stop)))
             return;
         if (song)
             songs.append(*std::move(song));
@@ -328,8 +320,9 @@ void RowDownload::finish(WorkingFolder& folder, std::optional<double> sourceSeco
 
 /// Without a word of the site's, what the song's own header told.
 QString RowDownload::listedLength() const {
-    return m_item.duration.isEmpty() && m_toldSeconds ? formatDuration(*m_toldSeconds)
-                                                      : m_item.duration;
+    return m_item.duration.isEmpty() && m_brokenOff && m_brokenOff->toldSeconds
+               ? formatDuration(*m_brokenOff->toldSeconds)
+               : m_item.duration;
 }
 
 void RowDownload::complete(const SavedSong& saved) {

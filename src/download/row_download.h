@@ -22,7 +22,6 @@ class MainQueue;
 class OutputReader;
 class RunLog;
 class ToolDiscovery;
-struct BrokenOff;
 class WorkingFolder;
 
 /// The parts that a download works with; all outlive it.
@@ -99,7 +98,8 @@ private:
     void finish(WorkingFolder& folder, std::optional<double> sourceSeconds,
                 const std::stop_token& stop);
     void removeWhatIsNotWhole(const WorkingFolder& folder, const std::stop_token& stop) const;
-    bool isTheSites(const WorkingFolder& folder, const BrokenOff& before);
+    bool isTheSites(const SongFinisher::Prepared& song, WorkingFolder& folder,
+                    const std::stop_token& stop);
     QString listedLength() const;
     std::optional<QString> fileThatIsThere() const;
     void complete(const SavedSong& saved);
@@ -119,7 +119,7 @@ private:
     const SongFinisher m_finisher;  ///< likewise
     std::optional<FailureCause> m_cause;
     std::optional<SavedSong> m_saved;
-    std::optional<double> m_toldSeconds;  ///< by the header of a song that has less
+    std::optional<SongFinisher::BrokenOff> m_brokenOff;  ///< what was fetched first
     QString m_found;             ///< the link of the best hit, where the row has to be searched for
     bool m_isUncertain = false;  ///< the row had to be searched for, and nothing fitted well
 };

@@ -1,5 +1,7 @@
 #include "download/song_finish.h"
 
+#include "base/duration_text.h"
+#include "download/fetched_files.h"
 #include "library/finished_files.h"
 #include "library/replay_gain.h"
 #include "records/row_texts.h"
@@ -14,6 +16,7 @@ namespace {
 
 constexpr double sameLengthSeconds = 1.0;
 constexpr double sourceToleranceSeconds = 0.5;
+constexpr double listedToleranceSeconds = 1.5;  // what is listed is in whole seconds
 
 QString inSeconds(double seconds) {
     return QString::number(seconds, 'f', 1) + QStringLiteral(" s");
@@ -55,7 +58,7 @@ std::optional<SongFinisher::Prepared> SongFinisher::prepare(const QString& file,
                                                             const Demands& demands,
                                                             const Log& log) const {
     return target.mode == DownloadMode::audio ? prepareSong(file, target, demands, log)
-                                              : prepareVideo(file, target, log);
+                                              : prepareVideo(file, target, demands, log);
 }
 
 std::optional<SongFinisher::Prepared> SongFinisher::prepareSong(const QString& file,
@@ -75,6 +78,7 @@ std::optional<SongFinisher::Prepared> SongFinisher::prepareSong(const QString& f
                             .arg(inSeconds(measure.decodedSeconds), inSeconds(expected))));
         return std::nullopt;
     }
+    const auto broken = brokenOff(file, measure.decodedSeconds, demands.listedLength);
     const TrimOutcome trim = m_trimmer.trim(file, measure);
     if (!trim.reason.isEmpty())
         log(about(file, trim.reason));
@@ -85,18 +89,32 @@ std::optional<SongFinisher::Prepared> SongFinisher::prepareSong(const QString& f
                                 : QString();
     if (!failure.isEmpty())
         log(about(file, QStringLiteral("its loudness is not in its tags: ") + failure));
-    return Prepared{file, savedText(trim, target), measure.decodedSeconds, trim.seconds};
+    return Prepared{file, savedText(trim, target), measure.decodedSeconds, trim.seconds, broken};
 }
 
 std::optional<SongFinisher::Prepared> SongFinisher::prepareVideo(const QString& file,
                                                                  const EventTarget& target,
+                                                                 const Demands& demands,
                                                                  const Log& log) const {
     const Mp4Outcome video = m_mp4Finisher.finish(file);
     if (!video.reason.isEmpty())
         log(about(file, video.reason));
     if (video.path.isEmpty())
         return std::nullopt;
-    return Prepared{video.path, savedText(target), video.seconds, video.seconds};
+    return Prepared{video.path, savedText(target), video.seconds, video.seconds,
+                    brokenOff(video.path, video.seconds, demands.listedLength)};
+}
+
+/// What is as long as listed needs no second look.
+std::optional<SongFinisher::BrokenOff> SongFinisher::brokenOff(const QString& file, double seconds,
+                                                               const QString& listedLength) const {
+    const auto listed = secondsOfDuration(listedLength);
+    const QString fetched = fetchedFor(file);
+    if (fetched.isEmpty() || (listed && std::abs(*listed - seconds) <= listedToleranceSeconds))
+        return std::nullopt;
+    const VideoMeasure measure = m_videoMeasurer.measurePackets(fetched);
+    const auto reason = whyBrokenOff(measure);
+    return reason ? std::optional(BrokenOff{*reason, measure.headerSeconds}) : std::nullopt;
 }
 
 std::optional<QString> SongFinisher::enter(const QString& file, const QString& songKey,

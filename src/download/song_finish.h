@@ -23,12 +23,22 @@ class SongFinisher {
 public:
     using Log = std::function<void(const QString& line)>;
 
-    /// A file that may enter.
+    /// What was fetched and is not there to its end. Where nobody has said how long a transfer is,
+    /// a connection that is lost looks like its end.
+    struct BrokenOff {
+        QString reason;                     ///< where it ends, for the log
+        std::optional<double> toldSeconds;  ///< how long its header says that it is
+
+        friend bool operator==(const BrokenOff&, const BrokenOff&) = default;
+    };
+
+    /// A file that may enter, unless it is made of what broke off.
     struct Prepared {
         QString path;
         QString detail;                ///< the complete row's text
         double downloadedSeconds = 0;  ///< before its silent edges were cut
         double playingSeconds = 0;     ///< as it is now
+        std::optional<BrokenOff> brokenOff = {};
     };
 
     /// What a look at a file of the event folder tells.
@@ -43,6 +53,7 @@ public:
     struct Demands {
         std::optional<double> sourceSeconds;             ///< where known: it has to be as long
         MeasureLoudness loudness = MeasureLoudness::no;  ///< and written into its tags
+        QString listedLength;                            ///< such as 3:45; may be empty
     };
 
     /// Absent when the file is no whole song or video.
@@ -69,7 +80,9 @@ private:
     std::optional<Prepared> prepareSong(const QString& file, const EventTarget& target,
                                         const Demands& demands, const Log& log) const;
     std::optional<Prepared> prepareVideo(const QString& file, const EventTarget& target,
-                                         const Log& log) const;
+                                         const Demands& demands, const Log& log) const;
+    std::optional<BrokenOff> brokenOff(const QString& file, double seconds,
+                                       const QString& listedLength) const;
     bool isSameSong(const QString& file, const QString& there, bool isOfThisRun) const;
 
     EventLibrary& m_library;

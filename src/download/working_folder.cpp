@@ -1,6 +1,6 @@
 #include "download/working_folder.h"
 
-#include "download/packet_report.h"
+#include "download/fetched_files.h"
 #include "library/finished_files.h"
 
 #include <QDateTime>
@@ -252,7 +252,7 @@ QStringList WorkingFolder::finishedFiles(DownloadMode mode) const {
         return !isMedia(name) || isTemporary(name) || isUnmerged(name);
     });
     // An earlier start under a title that has changed since may have left a whole film.
-    if (const QStringList ofThisRun = reportedNames(m_path); !ofThisRun.isEmpty()) {
+    if (const QStringList ofThisRun = fetchedNames(m_path); !ofThisRun.isEmpty()) {
         names.removeIf(
             [&](const QString& name) { return !ofThisRun.contains(nameWithoutExtension(name)); });
     }

@@ -43,13 +43,6 @@ double lastProgress(const QString& reports) {
     return last;
 }
 
-void addPackets(VideoMeasure& measure, const QString& reports, const FfmpegWords& words) {
-    measure.packetSeconds = lastProgress(reports);
-    measure.readToEnd = !words.cutOff;
-    if (measure.complaint.isEmpty())
-        measure.complaint = words.complaint;
-}
-
 }  // namespace
 
 bool VideoMeasure::hasPicture() const {
@@ -71,16 +64,6 @@ std::optional<QString> whyNoWholeVideo(const VideoMeasure& measure) {
     return reason ? std::optional(because(*reason)) : std::nullopt;
 }
 
-VideoMeasure readPackets(const QString& printed) {
-    const FfmpegWords words = readFfmpegWords(printed);
-    VideoMeasure measure;
-    measure.format = words.format;
-    measure.streams = words.streams;
-    measure.headerSeconds = words.headerSeconds;
-    addPackets(measure, printed, words);
-    return measure;
-}
-
 std::optional<QString> whyBrokenOff(const VideoMeasure& measure) {
     const double missing = measure.hasSound() ? tolerance : toleranceWithoutSound;
     if (measure.headerSeconds && measure.packetSeconds < *measure.headerSeconds - missing)
@@ -97,23 +80,24 @@ VideoMeasurer::VideoMeasurer(ShellRunner& shell, const ToolDiscovery& discovery)
 
 VideoMeasure VideoMeasurer::measure(const QString& path) const {
     VideoMeasure measure;
-    const auto ffmpeg = m_discovery.toolPath(QStringLiteral("ffmpeg"));
-    if (!ffmpeg) {
-        measure.complaint = QStringLiteral("ffmpeg is missing");
-        return measure;
-    }
-    const QString tool = shellQuoted(*ffmpeg) + QStringLiteral(" -hide_banner -nostats -nostdin ");
-    const QString input = QStringLiteral("-i ") + shellQuoted(path) + u' ';
-    lookAtStart(measure, tool + QStringLiteral("-loglevel level+info -t 5 ") + input);
+    lookAtStart(measure, path);
     if (measure.pictureDecodes || measure.soundDecodes)
-        readToEnd(measure, tool + QStringLiteral("-loglevel level+warning ") + input,
-                  leastLimitSeconds + static_cast<double>(QFileInfo(path).size()) / slowestDisk);
+        readToEnd(measure, path);
     return measure;
 }
 
-void VideoMeasurer::lookAtStart(VideoMeasure& measure, const QString& input) const {
+VideoMeasure VideoMeasurer::measurePackets(const QString& path) const {
+    VideoMeasure measure;
+    const FfmpegWords words = readToEnd(measure, path);
+    measure.format = words.format;
+    measure.streams = words.streams;
+    measure.headerSeconds = words.headerSeconds;
+    return measure;
+}
+
+void VideoMeasurer::lookAtStart(VideoMeasure& measure, const QString& path) const {
     const FfmpegWords words =
-        decodeStart(measure, input, QStringLiteral("-map 0:V:0? -map 0:a:0? "));
+        decodeStart(measure, path, QStringLiteral("-map 0:V:0? -map 0:a:0? "));
     measure.format = words.format;
     measure.streams = words.streams;
     measure.headerSeconds = words.headerSeconds;
@@ -122,23 +106,41 @@ void VideoMeasurer::lookAtStart(VideoMeasure& measure, const QString& input) con
         return;
     // ffmpeg writes no sound before it has a picture to write beside it.
     if (measure.hasPicture() && measure.hasSound())
-        decodeStart(measure, input, QStringLiteral("-map 0:a:0 "));
+        decodeStart(measure, path, QStringLiteral("-map 0:a:0 "));
 }
 
-FfmpegWords VideoMeasurer::decodeStart(VideoMeasure& measure, const QString& input,
+FfmpegWords VideoMeasurer::decodeStart(VideoMeasure& measure, const QString& path,
                                        const QString& streams) const {
-    const CommandResult result = m_shell.runShellApart(
-        input + streams + QStringLiteral("-frames:v 5 -f framecrc -"), leastLimitSeconds);
+    const CommandResult result =
+        run(QStringLiteral("-t 5 "), path, streams + QStringLiteral("-frames:v 5 -f framecrc -"),
+            leastLimitSeconds);
     measure.pictureDecodes |= hasFrameOf(result.output, QStringLiteral("video"));
     measure.soundDecodes |= hasFrameOf(result.output, QStringLiteral("audio"));
     return readFfmpegWords(result.errors);
 }
 
-void VideoMeasurer::readToEnd(VideoMeasure& measure, const QString& input, double timeLimit) const {
+FfmpegWords VideoMeasurer::readToEnd(VideoMeasure& measure, const QString& path) const {
     const CommandResult result =
-        m_shell.runShellApart(input + QString::fromUtf16(packetReading), timeLimit);
-    addPackets(measure, result.output, readFfmpegWords(result.errors));
-    measure.readToEnd = measure.readToEnd && result.status == 0;
+        run({}, path, QStringLiteral("-map 0:V? -map 0:a? -c copy -f null -progress pipe:1 -"),
+            leastLimitSeconds + static_cast<double>(QFileInfo(path).size()) / slowestDisk);
+    const FfmpegWords words = readFfmpegWords(result.errors);
+    measure.packetSeconds = lastProgress(result.output);
+    measure.readToEnd = result.status == 0 && !words.cutOff;
+    if (measure.complaint.isEmpty())
+        measure.complaint = words.complaint;
+    return words;
+}
+
+CommandResult VideoMeasurer::run(const QString& ofInput, const QString& path, const QString& output,
+                                 double timeLimit) const {
+    const auto ffmpeg = m_discovery.toolPath(QStringLiteral("ffmpeg"));
+    if (!ffmpeg)
+        return {CommandResult::couldNotStart, {}, QStringLiteral("[error] ffmpeg is missing")};
+    return m_shell.runShellApart(
+        shellQuoted(*ffmpeg) +
+            QStringLiteral(" -hide_banner -nostats -nostdin -loglevel level+info ") + ofInput +
+            QStringLiteral("-i ") + shellQuoted(path) + u' ' + output,
+        timeLimit);
 }
 
 }  // namespace reelcrate

@@ -13,6 +13,7 @@ namespace reelcrate {
 
 class ShellRunner;
 class ToolDiscovery;
+struct CommandResult;
 
 struct VideoMeasure {
     QString format;  ///< names of the container, separated by commas; empty for what is none
@@ -32,15 +33,6 @@ struct VideoMeasure {
 /// so is a silent one, but whatever it has must play. Pure.
 std::optional<QString> whyNoWholeVideo(const VideoMeasure& measure);
 
-/// ffmpeg's arguments, between the input's and the end of the command, that read all packets of a
-/// file's picture and sound without decoding them.
-inline constexpr char16_t packetReading[] =
-    u"-map 0:V? -map 0:a? -c copy -f null -progress pipe:1 -";
-
-/// What such a reading, at "-loglevel level+info", has printed: streams, lengths, complaint and
-/// whether the end was met. Pure.
-VideoMeasure readPackets(const QString& printed);
-
 /// Why the file is not there to its end, for the log; absent when it is. Nothing need have been
 /// decoded. Pure.
 std::optional<QString> whyBrokenOff(const VideoMeasure& measure);
@@ -54,11 +46,16 @@ public:
     /// The path is absolute.
     VideoMeasure measure(const QString& path) const;
 
+    /// Reads all packets, of a song as well, and decodes nothing: enough for whyBrokenOff().
+    VideoMeasure measurePackets(const QString& path) const;
+
 private:
-    void lookAtStart(VideoMeasure& measure, const QString& input) const;
-    FfmpegWords decodeStart(VideoMeasure& measure, const QString& input,
+    void lookAtStart(VideoMeasure& measure, const QString& path) const;
+    FfmpegWords decodeStart(VideoMeasure& measure, const QString& path,
                             const QString& streams) const;
-    void readToEnd(VideoMeasure& measure, const QString& input, double timeLimit) const;
+    CommandResult run(const QString& ofInput, const QString& path, const QString& output,
+                      double timeLimit) const;
+    FfmpegWords readToEnd(VideoMeasure& measure, const QString& path) const;
 
     ShellRunner& m_shell;
     const ToolDiscovery& m_discovery;

@@ -58,7 +58,7 @@ TEST(OutputEffect, MarkersWithoutANumberChangeNothing) {
     EXPECT_EQ(effect("RCR_PROGRESS: N/A%\n[Metadata] Adding\nRCR_PROGRESS: N/A%"),
               OutputEffect(StageBegun{text("Saving MP3"), 0.89, 2}));
     EXPECT_EQ(effect("hello\n\nRCR_PROGRESS: N/A%"), OutputEffect(DetailOnly{text("hello")}));
-    EXPECT_EQ(effect("[Exec] Executing command: ffmpeg -i 'Searching [Metadata]'"), OutputEffect());
+    EXPECT_EQ(effect("[Exec] Executing command: ln -f 'Searching [Metadata]'"), OutputEffect());
 }
 
 TEST(OutputEffect, LaterStagesAreFixed) {

@@ -88,12 +88,9 @@ TEST_F(VideoMeasuring, AReadingOfThePacketsTellsWhatBreaksOff) {
         {"live.mkv", "-live 1", "the file breaks off"},
         {"song.aac", "", ""},  // says nothing of its length
     };
+    const VideoMeasurer measurer(music.shell, music.discovery);
     const auto whyNotWhole = [&](const QString& path) {
-        const CommandResult printed =
-            music.shell.runShellApart(text("ffmpeg -loglevel level+info -i '%1' %2 2>&1")
-                                          .arg(path, QString::fromUtf16(packetReading)),
-                                      std::nullopt);
-        return whyBrokenOff(readPackets(printed.output)).value_or(QString());
+        return whyBrokenOff(measurer.measurePackets(path)).value_or(QString());
     };
     for (const auto& [name, words, why] : songs) {
         SCOPED_TRACE(name);
