@@ -46,6 +46,7 @@ void OutputReader::readLine(QStringView line) {
     if (line.startsWith(u'[')) {
         m_foundNothing = m_foundNothing || (line.startsWith(u"[youtube:search] Playlist ") &&
                                             line.endsWith(u": Downloading 0 items"));
+        readFormats(line);
         if (line.startsWith(u"[ExtractAudio]"))
             m_stage = Stage::conversion;
         else if (line.startsWith(u"[EmbedThumbnail]") || line.startsWith(u"[ThumbnailsConvertor]"))
@@ -56,6 +57,14 @@ void OutputReader::readLine(QStringView line) {
     }
     if (line.startsWith(errorMark))
         readError(line);
+}
+
+// "[info] ID: Downloading 1 format(s): 137+140"
+void OutputReader::readFormats(QStringView line) {
+    constexpr QLatin1String mark{" format(s): "};
+    const qsizetype at = line.indexOf(mark);
+    if (m_formats.isEmpty() && at >= 0 && line.startsWith(u"[info] "))
+        m_formats = line.sliced(at + mark.size()).toString();
 }
 
 void OutputReader::readError(QStringView line) {

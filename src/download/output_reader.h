@@ -16,6 +16,10 @@ public:
     /// long.
     const QStringList& complaints() const { return m_complaints; }
 
+    /// Which of the site's formats are fetched, such as "137+140"; of several media, those of the
+    /// first. Empty before that is known.
+    const QString& formats() const { return m_formats; }
+
     /// A search gave no results.
     bool foundNothing() const { return m_foundNothing; }
 
@@ -35,12 +39,14 @@ private:
     enum class Stage { transfer, conversion, cover };
 
     void readLine(QStringView line);
+    void readFormats(QStringView line);
     void readError(QStringView line);
     void keep(QStringView complaint);
 
     QString m_unfinishedLine;
     Stage m_stage = Stage::transfer;
     QStringList m_complaints;
+    QString m_formats;
     bool m_foundNothing = false;
     bool m_errorGoesOn = false;
     bool m_cannotResume = false;

@@ -59,11 +59,14 @@ QString downloadCommandFor(const DownloadItem& item, const QString& folder, Down
 /// of its end. On the thread that runs the command.
 class RowDownload::Output {
 public:
-    Output(const RowDownload& download, const std::stop_token& stop)
-        : m_download(download), m_stop(stop), m_lines(download.m_number) {}
+    Output(const RowDownload& download, const WorkingFolder& folder, const std::stop_token& stop)
+        : m_download(download), m_folder(folder), m_stop(stop), m_lines(download.m_number) {}
 
     void read(const QString& piece) {
+        const bool knewFormats = !m_reader.formats().isEmpty();
         m_reader.read(piece);
+        if (!knewFormats && !m_reader.formats().isEmpty())
+            m_folder.noteFormats(m_reader.formats());
         m_unshown->fetch_add(piece.size());
         m_download.post([&log = m_download.m_parts.log, &stages = m_download.m_parts.stages,
                          item = m_download.m_item, mode = m_download.m_plan.target.mode, piece,
@@ -89,6 +92,7 @@ public:
 
 private:
     const RowDownload& m_download;
+    const WorkingFolder& m_folder;
     const std::stop_token& m_stop;
     MarkedLines m_lines;
     const std::shared_ptr<std::atomic<qsizetype>> m_unshown =
@@ -174,10 +178,16 @@ void RowDownload::download(WorkingFolder& folder, const std::stop_token& stop) {
     const auto log = [this](const QString& line) { logLine(line); };
     folder.keepResumable(m_plan.target.mode);
     removeWhatIsNotWhole(folder, stop);
+    const QString formats = folder.formatsOfParts();
     ToolRun tool = runTool(folder, Conversion::strict, stop);
-    if (tool.output.cannotResume() && !stop.stop_requested()) {
+    const bool isOther =
+        !formats.isEmpty() && !tool.output.formats().isEmpty() && formats != tool.output.formats();
+    if ((isOther || tool.output.cannotResume()) && !stop.stop_requested()) {
         logLine(QStringLiteral("What was there of the download cannot be gone on with: again."));
-        folder.removeParts();
+        if (isOther)
+            folder.empty();
+        else
+            folder.removeParts();
         tool = runTool(folder, Conversion::strict, stop);
     }
     const auto isDone = [&] { return tool.succeeded || tool.output.onlyCoversFailed(); };
@@ -246,7 +256,7 @@ FailureCause RowDownload::causeOf(const OutputReader& output, const WorkingFolde
 
 RowDownload::ToolRun RowDownload::runTool(const WorkingFolder& folder, Conversion conversion,
                                           const std::stop_token& stop) {
-    Output output(*this, stop);
+    Output output(*this, folder, stop);
     const QString command = downloadCommandFor(m_item, folder.path(), m_plan.target.mode,
                                                m_parts.discovery, conversion, m_found);
     post([&log = m_parts.log, line = QStringLiteral("Running %1: ").arg(m_number) +

@@ -27,6 +27,7 @@ namespace reelcrate {
 namespace {
 
 constexpr QLatin1String lockName{"lock"};
+constexpr QLatin1String formatsName{"formats"};
 constexpr qint64 abandonedAfterDays = 3;
 constexpr qint64 idleSeconds = 600;
 constexpr int mostTries = 5;
@@ -83,7 +84,7 @@ QString finalExtension(DownloadMode mode) {
 
 /// Under its final name a file is whole, unless it is what a tool converts or merges into.
 bool isResumable(const QString& name, DownloadMode mode) {
-    if (isPart(name) || name == lockName)
+    if (isPart(name) || name == lockName || name == formatsName)
         return true;
     if (!isMedia(name) || isTemporary(name))
         return false;
@@ -232,6 +233,21 @@ void WorkingFolder::removeParts() const {
         if (isPart(name))
             QFile::remove(folder.filePath(name));
     }
+}
+
+void WorkingFolder::noteFormats(const QString& formats) const {
+    QFile file(QDir(m_path).filePath(formatsName));
+    if (file.open(QIODevice::WriteOnly))
+        file.write(formats.toUtf8());
+}
+
+QString WorkingFolder::formatsOfParts() const {
+    const QDir folder(m_path);
+    const QStringList names = folder.entryList(QDir::Files | QDir::Hidden);
+    QFile file(folder.filePath(formatsName));
+    const bool anyPart = std::any_of(names.begin(), names.end(), isPart);
+    return anyPart && file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll())
+                                                     : QString();
 }
 
 void WorkingFolder::empty() const {

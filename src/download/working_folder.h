@@ -50,6 +50,13 @@ public:
     /// Removes transfers that were cut off.
     void removeParts() const;
 
+    /// Notes which of the site's formats the transfers are. The next start may choose others, and
+    /// what it fetches would be written behind what is there.
+    void noteFormats(const QString& formats) const;
+
+    /// What was noted last, if transfers are there that were cut off; otherwise empty.
+    QString formatsOfParts() const;
+
     /// Removes everything that is in the folder.
     void empty() const;
 

@@ -67,6 +67,14 @@ TEST(OutputReader, KeepsTheLastComplaintsWhole) {
     EXPECT_LT(reader.complaints().join(u' ').size(), 100'000);
 }
 
+TEST(OutputReader, KnowsTheFormatsOfTheFirst) {
+    OutputReader reader;
+    reader.read(text("[generic] 1 format(s): 9\n[info] a: Downloading 1 format(s): 137+1"));
+    EXPECT_EQ(reader.formats(), QString());
+    reader.read(text("40\n[info] b: Downloading 1 format(s): 18\n"));
+    EXPECT_EQ(reader.formats(), text("137+140"));
+}
+
 TEST(OutputReader, ForgetsEndlessLines) {
     OutputReader reader;
     for (int i = 0; i < 3; ++i)

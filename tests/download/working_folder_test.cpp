@@ -92,11 +92,14 @@ TEST_F(WorkingFolderTest, KeepsWhatCanBeGoneOnWith) {
     put("A [x].m4a|A [x].mp3|A [x].temp.m4a|A [x].webm.part|"
         "B [x].webm.part|B [x].webm.part-Frag7|B [x].webm.ytdl|C [x].m4a.part-Frag1.part|"
         "A [x].jpg|A [x].mp4|.trim-0F8FAD5B-D9CB-469F-A165-70867728950E.mp3|.38 [x].m4a");
+    folder.noteFormats(text("251"));
     folder.keepResumable(DownloadMode::audio);
-    EXPECT_EQ(left(), text(".38 [x].m4a|A [x].m4a|A [x].mp4|A [x].webm.part"));
+    EXPECT_EQ(folder.formatsOfParts(), text("251"));
+    EXPECT_EQ(left(), text(".38 [x].m4a|A [x].m4a|A [x].mp4|A [x].webm.part|formats"));
     EXPECT_TRUE(folder.unconvertedSource().endsWith(u".38 [x].m4a"));
     folder.removeParts();
-    EXPECT_EQ(left(), text(".38 [x].m4a|A [x].m4a|A [x].mp4"));
+    EXPECT_EQ(folder.formatsOfParts(), QString());
+    EXPECT_EQ(left(), text(".38 [x].m4a|A [x].m4a|A [x].mp4|formats"));
 
     folder.empty();
     EXPECT_EQ(folder.unconvertedSource(), QString());

@@ -280,6 +280,22 @@ class Endings(WebFaultTest):
         self.assertDetails(outcome, NO_CONNECTION)
         self.survived(outcome, "transfers end without a word, each elsewhere", rerun=True)
 
+    def test_gone_on_with_in_another_format(self):
+        """The site may offer others meanwhile: one is not written behind the other."""
+        link = self.site.link(self.film.name)
+        process = self.start_held(link)
+        process.kill()
+        self.stage.finish(process)
+        self.site.let_go()
+        (part,) = self.stage.parts()
+        part.write_bytes(b"\0" * part.stat().st_size)
+        (formats,) = part.parent.glob("formats")
+        self.assertEqual(formats.read_text(), "0")
+        formats.write_text("1")
+        outcome = self.run_event(link)
+        self.survived(outcome, "a transfer that was cut off was of another format")
+        self.assertStatus(outcome, 0)
+
     def test_lost_with_the_power(self):
         """What lies under its final name is not taken for whole."""
         link = self.site.link(self.film.name)
