@@ -234,7 +234,8 @@ void RowDownload::removeWhatIsNotWhole(const WorkingFolder& folder,
 /// no more of it, whatever its header tells; anywhere else, it is the connection's fault.
 bool RowDownload::isTheSites(const SongFinisher::Prepared& song, WorkingFolder& folder,
                              const std::stop_token& stop) {
-    if (!song.brokenOff || song.brokenOff == m_brokenOff)
+    m_isShort = song.brokenOff && song.brokenOff == m_brokenOff;
+    if (!song.brokenOff || m_isShort)
         return true;
     logLine(song.path.section(u'/', -1) + QStringLiteral(": ") + song.brokenOff->reason);
     folder.empty();
@@ -321,7 +322,8 @@ void RowDownload::finish(WorkingFolder& folder, std::optional<double> sourceSeco
     if (entered > 0 && entered == files.size()) {
         folder.remove();
         if (entered == 1)
-            saved.note = songNote({m_isUncertain, saved.downloadedSeconds, listedLength()});
+            saved.note =
+                songNote({m_isUncertain, saved.downloadedSeconds, listedLength(), m_isShort});
         complete(saved);
     } else {
         fail(causeWithoutWords(folder));

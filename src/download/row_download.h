@@ -121,6 +121,7 @@ private:
     std::optional<SavedSong> m_saved;
     std::optional<SongFinisher::BrokenOff> m_brokenOff;  ///< what was fetched first
     QString m_found;             ///< the link of the best hit, where the row has to be searched for
+    bool m_isShort = false;      ///< what was fetched again broke off at the same place
     bool m_isUncertain = false;  ///< the row had to be searched for, and nothing fitted well
 };
 

@@ -35,6 +35,8 @@ QString songNote(const SongOrigin& origin) {
     if (const auto listed = secondsOfDuration(origin.listedLength))
         notes.append(lengthNote(origin.downloadedSeconds, *listed));
     notes.removeAll(QString());
+    if (origin.breaksOff && notes.isEmpty())
+        notes.append(QStringLiteral("Source ends early"));
     return notes.join(QStringLiteral("; "));
 }
 

@@ -4,6 +4,7 @@
 #include "tools/shell_runner.h"
 #include "tools/tool_discovery.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
 
@@ -41,6 +42,19 @@ double lastProgress(const QString& reports) {
     for (auto match = form.globalMatch(reports); match.hasNext();)
         last = std::max(last, match.next().captured(1).toDouble() / 1e6);
     return last;
+}
+
+/// An Ogg file does not tell its length, but its last page is marked: "OggS", a version, flags.
+bool endsWithLastOggPage(const QString& path) {
+    constexpr qint64 longestPage = 65'307;  // bytes
+    constexpr qsizetype flagsAt = 5;
+    constexpr int lastOfStream = 4;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly) || !file.seek(std::max(0LL, file.size() - longestPage)))
+        return false;
+    const QByteArray end = file.readAll();
+    const qsizetype page = end.lastIndexOf("OggS");
+    return page >= 0 && page + flagsAt < end.size() && (end.at(page + flagsAt) & lastOfStream) != 0;
 }
 
 }  // namespace
@@ -92,6 +106,8 @@ VideoMeasure VideoMeasurer::measurePackets(const QString& path) const {
     measure.format = words.format;
     measure.streams = words.streams;
     measure.headerSeconds = words.headerSeconds;
+    if (measure.format == u"ogg")
+        measure.readToEnd = measure.readToEnd && endsWithLastOggPage(path);
     return measure;
 }
 

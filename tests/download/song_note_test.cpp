@@ -11,6 +11,7 @@ TEST(SongNote, TellsWhatIsRemarkable) {
         double downloaded;
         const char* listed;
         const char* note;
+        bool breaksOff = false;
     } cases[] = {
         {false, 225, "3:45", ""},
         {false, 231.7, "3:45", ""},  // three hundredths
@@ -26,9 +27,11 @@ TEST(SongNote, TellsWhatIsRemarkable) {
         {true, 225, "3:45", "Best match is uncertain"},
         {true, 100, "", "Best match is uncertain"},
         {true, 213, "3:45", "Best match is uncertain; 12 s shorter than listed"},
+        {false, 213, "3:45", "12 s shorter than listed", true},
+        {false, 213, "", "Source ends early", true},
     };
-    for (const auto& [isUncertain, downloaded, listed, note] : cases)
-        EXPECT_EQ(songNote({isUncertain, downloaded, QString::fromLatin1(listed)}),
+    for (const auto& [isUncertain, downloaded, listed, note, breaksOff] : cases)
+        EXPECT_EQ(songNote({isUncertain, downloaded, QString::fromLatin1(listed), breaksOff}),
                   QString::fromLatin1(note))
             << downloaded << " of " << listed;
 }

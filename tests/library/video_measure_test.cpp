@@ -86,6 +86,8 @@ TEST_F(VideoMeasuring, AReadingOfThePacketsTellsWhatBreaksOff) {
         {"song.flac", "", " s are there of the 8.0"},
         {"song.wav", "", "the file breaks off"},
         {"live.mkv", "-live 1", "the file breaks off"},
+        {"song.ogg", "-c:a libvorbis", "the file breaks off"},
+        {"song.opus", "-c:a libopus", "the file breaks off"},
         {"song.aac", "", ""},  // says nothing of its length
     };
     const VideoMeasurer measurer(music.shell, music.discovery);
