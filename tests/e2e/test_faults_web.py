@@ -253,6 +253,16 @@ class Endings(WebFaultTest):
         self.assertEqual(self.site.media_requests() - before, 2)
         return outcome
 
+    def begin_film(self):
+        """Its link, and what there is of it after the program was killed."""
+        link = self.site.link(self.film.name)
+        process = self.start_held(link)
+        process.kill()
+        self.stage.finish(process)
+        self.site.let_go()
+        (part,) = self.stage.parts()
+        return link, part
+
     def test_once(self):
         for self.mode, song in (("MP3", self.song), ("MP4", self.film)):
             outcome = self.run_ending(song, [END])
@@ -282,12 +292,7 @@ class Endings(WebFaultTest):
 
     def test_gone_on_with_in_another_format(self):
         """The site may offer others meanwhile: one is not written behind the other."""
-        link = self.site.link(self.film.name)
-        process = self.start_held(link)
-        process.kill()
-        self.stage.finish(process)
-        self.site.let_go()
-        (part,) = self.stage.parts()
+        link, part = self.begin_film()
         part.write_bytes(b"\0" * part.stat().st_size)
         (formats,) = part.parent.glob("formats")
         self.assertEqual(formats.read_text(), "0")
@@ -298,12 +303,7 @@ class Endings(WebFaultTest):
 
     def test_lost_with_the_power(self):
         """What lies under its final name is not taken for whole."""
-        link = self.site.link(self.film.name)
-        process = self.start_held(link)
-        process.kill()
-        self.stage.finish(process)
-        self.site.let_go()
-        (part,) = self.stage.parts()
+        link, part = self.begin_film()
         whole = self.site.media_file(self.film.name).read_bytes()
         part.with_suffix("").write_bytes(whole[: len(whole) // 2])
         part.unlink()
