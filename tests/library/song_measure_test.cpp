@@ -65,8 +65,9 @@ protected:
             const SongMeasure song = measure(path);
             const SoundEdges chain = edgesOfChain(path, song.decodedSeconds);
             ASSERT_TRUE(song.sound);
-            EXPECT_NEAR(song.sound->first, chain.first, 0.005);
-            EXPECT_NEAR(song.sound->last, chain.last, 0.005);
+            // Newer filters also take off the sound that they wait for.
+            EXPECT_NEAR(song.sound->first, chain.first, newFilters ? 0.02 : 0.005);
+            EXPECT_NEAR(song.sound->last, chain.last, newFilters ? 0.03 : 0.005);
             EXPECT_EQ(
                 (chain.first > 0.05 ? 1 : 0) + (song.decodedSeconds - chain.last > 0.05 ? 1 : 0),
                 cutEnds);
@@ -75,6 +76,9 @@ protected:
     }
 
     Music music;
+    const QString version =
+        music.shell.runShellApart(QStringLiteral("ffmpeg -version"), {}).output.section(u' ', 2, 2);
+    const bool newFilters = version.section(u'.', 0, 0).toInt() > 5;
 };
 
 TEST_F(SongMeasuring, FindsTheEdgesWhereFfmpegsOwnFiltersCut) {
