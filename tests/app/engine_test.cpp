@@ -3,6 +3,7 @@
 #include "app/controller.h"
 #include "base/duration_text.h"
 #include "download/working_folder.h"
+#include "library/replay_gain.h"
 #include "library/song_key.h"
 #include "support/machine.h"
 #include "support/sample.h"
@@ -343,7 +344,9 @@ TEST_F(EngineTest, AnotherProgramsSongIsWaitedForAndFound) {
 
 TEST_F(EngineTest, SongsOfOneNameAllArriveUnlessTheyAreOneSong) {
     addReadRows({link("same", "1")});
+    controller.setTagsLoudness(true);
     downloadAll();
+    EXPECT_TRUE(taggedLoudness(row(0).outputPath));
     machine.installSong(3.0);
     addReadRows(links("same", {"1#x", "2", "3", "3?x"}));
     machine.installSong(3.0);
@@ -367,10 +370,11 @@ TEST_F(EngineTest, CompleteIsWhatIsThereAndPlays) {
     writeFile(stale + text("/d [d].mp3.part"), "of no use");
     downloadAll();
     EXPECT_EQ(allDetails(), QStringList({failed, failed, saved, saved, saved}));
-    EXPECT_TRUE(waitUntil([this] { return left().size() == 5; }))
+    EXPECT_TRUE(waitUntil([this] { return left().size() == 6; }))
         << left().join(u'|').toStdString();
-    EXPECT_EQ(left().mid(1), QStringList({text("c [c].mp3"), text("d [d].mp3"),
-                                          text("first [1].mp3"), text("second [2].mp3")}));
+    EXPECT_EQ(left().mid(1),
+              QStringList({text("c [c].mp3"), text("d [d].mp3"), text("first [1].mp3"),
+                           text("second [2].mp3"), text("whole [whole].mp3")}));
     EXPECT_TRUE(log().contains(text("there is no file"))) << log().toStdString();
     EXPECT_EQ(row(4).outputPath, eventFile(text("second [2].mp3")));
 }
@@ -610,6 +614,7 @@ TEST_F(EngineTest, ASongOfAListIsFoundLikeASpotifyRow) {
     EXPECT_TRUE(add("Waterloo by Abba"));
     EXPECT_EQ(controller.queue().size(), 3);
     EXPECT_EQ(controller.activeSummary(), text("No new songs added; 1 named before"));
+    EXPECT_FALSE(add(QByteArray("A - B\n").repeated(5001).constData()));
     EXPECT_FALSE(add(" "));
     EXPECT_EQ(controller.activeSummary(), text("The list is empty."));
     controller.clearQueue();
@@ -665,6 +670,9 @@ TEST_F(EngineTest, AnEmptyListingIsReadAsTheVideoThatTheLinkNames) {
     EXPECT_EQ(machine.calls().size(), 2);
     EXPECT_EQ(row(0).source, SourceType::youtube);
     EXPECT_EQ(row(0).status, QueueStatus::waiting);
+    EXPECT_EQ(controller.eventAccount().cutListings.size(), 1);
+    controller.clearQueue();
+    EXPECT_EQ(controller.eventAccount().cutListings, QStringList());
 }
 
 TEST_F(EngineTest, IntakeSaysWhatItFound) {
@@ -898,6 +906,22 @@ TEST_F(EngineTest, AReadingThatIsStoppedIsMadeUpForAtTheStart) {
     controller.startDownloads();
     ASSERT_TRUE(waitUntil([this] { return countWith(QueueStatus::complete) == 4; }));
     EXPECT_EQ(titles(), QStringList({text("a"), text("b"), text("c"), text("d")}));
+}
+
+TEST_F(EngineTest, WhatWasReadForADownloadWaitsForASlotUnlessItIsStopped) {
+    addReadRows(links("hold", 6));
+    controller.startDownloads();
+    controller.addSongs(link("slowread", "a") + u' ' + link("slowread", "b"));
+    const QSet<QUuid> unread{row(6).id, row(7).id};
+    EXPECT_TRUE(controller.stopQueueItems(unread));
+    controller.startDownloadRun(unread.values());
+    machine.tell(text("go-read"));
+    ASSERT_TRUE(
+        waitUntil([this] { return row(6).title == text("a") && row(7).title == text("b"); }));
+    EXPECT_TRUE(controller.stopQueueItems({row(6).id}));
+    machine.tell(text("go"));
+    ASSERT_TRUE(waitUntil([this] { return countWith(QueueStatus::complete) == 7; }));
+    EXPECT_EQ(row(6).status, QueueStatus::waiting);
 }
 
 TEST_F(EngineTest, ADownloadThatBeganBeforeItsReadingGoesOnWithoutIt) {

@@ -1,5 +1,6 @@
 #include "download/working_folder.h"
 
+#include "download/fetched_files.h"
 #include "support/machine.h"
 #include "support/texts.h"
 
@@ -164,6 +165,8 @@ TEST_F(WorkingFolderTest, TellsFinishedFilesFromPiecesAndSources) {
         EXPECT_EQ(finished(names, DownloadMode::audio), text(songs));
         EXPECT_EQ(finished(names, DownloadMode::video), text(videos));
     }
+    put("A [x].webm.fetched|B [x].webm.fetched");
+    EXPECT_TRUE(fetchedFor(work("song") + text("/B [x].mp3")).endsWith(u"/B [x].webm.fetched"));
 }
 
 TEST_F(WorkingFolderTest, AbandonedOnesAreRemovedAndNoOthers) {

@@ -262,6 +262,25 @@ TEST(CheckedSong, ComparesWhatDecodesWithTheHeader) {
     EXPECT_EQ(finding(0, 10, false), Finding::undecodable);
 }
 
+TEST(CheckedVideo, IsAsLongAsTheLongerOfPictureAndSound) {
+    VideoMeasure video;
+    video.pictureDecodes = video.readToEnd = true;
+    video.packetSeconds = 10;
+    SongMeasure sound;
+    sound.decoded = true;
+    sound.headerSeconds = 10;
+    sound.sound = SoundEdges{0, 8};
+    for (const double seconds : {8.0, 12.0}) {
+        sound.decodedSeconds = seconds;
+        const CheckedFile checked = checkedVideo({}, video, sound);
+        EXPECT_EQ(checked.seconds, std::max(seconds, 10.0));
+        EXPECT_EQ(checked.finding, std::nullopt);
+    }
+    // A name that cannot be read comes before what the file holds.
+    EXPECT_EQ(checkedVideo({{}, Kind::video, EventFile::Fault::hidden}, {}, {}).finding,
+              Finding::fault);
+}
+
 TEST(FindDoubles, KnowsOneRecordingByItsName) {
     const struct {
         const char* first;

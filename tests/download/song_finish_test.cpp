@@ -1,0 +1,51 @@
+#include "download/song_finish.h"
+
+#include "library/event_library.h"
+#include "support/music.h"
+#include "support/texts.h"
+
+#include <QDir>
+
+namespace reelcrate {
+namespace {
+
+class SongFinishing : public testing::Test {
+protected:
+    QString makeSong(const char* name, int hertz, int seconds) {
+        return music.make(text(name), text("-f lavfi -i sine=%1:d=%2").arg(hertz).arg(seconds));
+    }
+
+    Music music;
+    EventLibrary library;
+    const SongFinisher finisher{music.shell, music.discovery, library};
+    const SongFinisher::Log log = [](const QString&) {};
+};
+
+TEST_F(SongFinishing, ASongThatIsShorterThanItsSourceIsNotWhole) {
+    const QString song = makeSong("song.mp3", 440, 3);
+    for (const auto& [source, isWhole] : {std::pair(3.4, true), std::pair(3.7, false)})
+        EXPECT_EQ(finisher.prepare(song, {}, {.sourceSeconds = source, .listedLength = {}}, log)
+                      .has_value(),
+                  isWhole);
+}
+
+TEST_F(SongFinishing, ANameThatIsTakenStaysTheOtherSongs) {
+    const EventTarget target{music.path(text("Prom")), DownloadMode::audio};
+    QDir().mkpath(target.folder);
+    makeSong("Prom/song.mp3", 440, 3);  // of an earlier start: only its length is compared
+    const struct {
+        int hertz;
+        int seconds;
+        const char* name;
+    } songs[] = {{880, 3, "song.mp3"},
+                 {440, 5, "song (2).mp3"},
+                 {880, 5, "song (3).mp3"},
+                 {440, 5, "song (2).mp3"}};
+    for (int key = 0; const auto& [hertz, seconds, name] : songs)
+        EXPECT_EQ(finisher.enter(makeSong("song.mp3", hertz, seconds), QString::number(++key),
+                                 target, log),
+                  target.folder + u'/' + text(name));
+}
+
+}  // namespace
+}  // namespace reelcrate
