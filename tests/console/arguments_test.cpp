@@ -27,6 +27,7 @@ TEST(Arguments, WrongUsageIsToldFromRightUsage) {
         {"--headless --playlist http://x", true},
         {"--playlist http://x", false},
         {"--headless --setup --playlist", false},
+        {"--event E", true},
         {"--setup", false},
         {"--json http://x", false},
         {"--headless --report x.json http://x", true},

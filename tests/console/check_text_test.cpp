@@ -25,9 +25,11 @@ TEST(CheckText, WhatNeedsAttentionStandsLast) {
     CheckedFile twin = song("B.mp3", 60, Finding::doubled);
     twin.detail = QStringLiteral("D.mp3");
     twin.offMedian = 9;  // which is no news of a song that has to go
+    CheckedFile quiet = song("D.mp3", 3661);
+    quiet.offMedian = -6.5;
     const CheckedFile notes{{QStringLiteral("notes.txt"), Kind::foreign}};
-    EXPECT_EQ(checkTable({cut, twin, song("D.mp3", 3661), notes}).toStdString(),
-              "OK                1:01:01  D.mp3\n"
+    EXPECT_EQ(checkTable({cut, twin, quiet, notes}).toStdString(),
+              "OK                1:01:01  D.mp3 - 6.5 LU quieter than most\n"
               "Foreign file               notes.txt\n"
               "Needs Attention      1:35  A [2J.mp3 - Cut off: 1:35 of the 3:11 that its header "
               "tells\n"
@@ -35,6 +37,7 @@ TEST(CheckText, WhatNeedsAttentionStandsLast) {
               "3 songs, 1:03:36 in all; 1 foreign file; 2 need attention\n");
     EXPECT_EQ(checkTable({song("D.mp3", 59.6)}).section(u'\n', 1, 1),
               QStringLiteral("1 song, 1:00 in all; all is well"));
+    EXPECT_EQ(checkTable({}), QStringLiteral("0 songs, 0:00 in all\n"));
 }
 
 TEST(CheckText, TellsLengthsApartThatRoundToOne) {

@@ -56,6 +56,7 @@ TEST(RowText, ProgressFitsTheTerminal) {
               QStringLiteral("[####################] 100%  "));
     EXPECT_EQ(fitted(QStringLiteral("日本語"), 5), QStringLiteral("日本"));
     EXPECT_EQ(fitted(QStringLiteral("e\u0301x"), 1), QStringLiteral("e\u0301"));
+    EXPECT_EQ(fitted(QStringLiteral("\U0001FC00x"), 1), QString());  // a picture yet to come
 }
 
 }  // namespace

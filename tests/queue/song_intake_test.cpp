@@ -18,6 +18,7 @@ TEST(SongReference, IsTheSameHoweverANameIsWritten) {
     EXPECT_EQ(referenceOf("ABBA", "Dancing Queen"), text("song:abba/dancing-queen"));
     EXPECT_EQ(referenceOf("abba", " Dancing  queen!"), referenceOf("ABBA", "Dancing Queen"));
     EXPECT_EQ(referenceOf("Beyonce", "Deja Vu"), referenceOf("Beyoncé", "Déjà Vu"));
+    EXPECT_EQ(referenceOf("Άλφα", "x"), referenceOf("Αλφα", "x"));
     EXPECT_EQ(referenceOf("Guns N' Roses", "x"), referenceOf("Guns N’ Roses", "X"));
     EXPECT_EQ(referenceOf("x", "Dont Stop"), referenceOf("x", "Don't Stop"));
     EXPECT_NE(referenceOf("Ed Sheeran", "Tour +"), referenceOf("Ed Sheeran", "Tour"));
@@ -41,7 +42,8 @@ TEST(SongIntake, AddsEachSongOnceAndSaysWhatItLeavesOut) {
         queue.append(intake.rows);
         return intake;
     };
-    const SongIntake first = taken("ABBA - SOS (3:22)\nhello\nabba – sos\n", "As it is.");
+    const SongIntake first =
+        taken("ABBA - SOS (3:22)\nhello\nabba – sos\nSOS by Abba\n", "As it is.");
     ASSERT_EQ(first.rows.size(), 1);
     const DownloadItem& row = first.rows.first();
     EXPECT_EQ(row.source, SourceType::song);
@@ -50,12 +52,13 @@ TEST(SongIntake, AddsEachSongOnceAndSaysWhatItLeavesOut) {
     EXPECT_EQ(row.reading, LinkReading::song);
     EXPECT_FALSE(row.isResolvingInfo);
     EXPECT_EQ(first.summary,
-              text("Added 1 song; 1 named before; 1 line not read as a song (see the log)"));
+              text("Added 1 song; 2 named before; 1 line not read as a song (see the log)"));
     EXPECT_EQ(first.account,
-              text("list.txt: Added 1 song; 1 named before; 1 line not read as a song"
+              text("list.txt: Added 1 song; 2 named before; 1 line not read as a song"
                    "\nAs it is."
                    "\nNo song, line 2: hello (no dash or \"by\" between an artist and a title)"
-                   "\nOnce only, line 3: abba - sos (as in line 1)"));
+                   "\nOnce only, line 3: abba - sos (as in line 1)"
+                   "\nOnce only, line 4: Abba - SOS (as in line 1)"));
 
     const SongIntake again = taken("SOS by Abba");
     EXPECT_TRUE(again.rows.isEmpty());
@@ -106,6 +109,7 @@ TEST(ListText, SaysWhyAFileIsNoList) {
         return textOfListFile(path).failure.section(u':', 0, 0);
     };
     EXPECT_EQ(failureOf("ABBA - SOS"), QString());
+    EXPECT_EQ(failureOf("\x02" + QByteArray("ABBA - SOS\n").repeated(9)), QString());
     EXPECT_EQ(failureOf(""), text("is empty."));
     EXPECT_EQ(failureOf("\xEF\xBB\xBF \r\n"), text("is empty."));
     EXPECT_EQ(failureOf("\xFF\xD8\xFF\xE0 picture"), QString());

@@ -71,7 +71,7 @@ TEST(LinkReading, MakesARowOfEachOfTheMedia) {
         {{media("A", "https://p.x/a", 1)}, 1, true, 0, "failed"},
         // One of several, read again.
         {{media("B", page, 2)}, 3, false, 2, "B page 2"},
-        {{media("B", "https://p.x/b", 2)}, 3, true, 2, "B page 2"},
+        {{media("B", "https://p.x/b", 2)}, 1, true, 2, "B page 2"},
         {{}, 0, true, 2, "failed"},
     };
     for (const auto& each : cases) {

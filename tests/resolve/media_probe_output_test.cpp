@@ -100,17 +100,19 @@ TEST(PlaylistOutput, KeepsOrderAndDoublesAndWhatHasStillToBeRead) {
         "Welcome\n"
         R"({"entries": [{"id": "b", "title": " B ", "duration": 61.5, "thumbnails": )"
         R"([{"url": "t1"}, {"url": "t2"}]}, {"id": "a", "title": "A", "duration": null}, )"
-        R"({"id": "no-title"}, null, {"id": "b", "title": "\ud83c\udfb5"}], "playlist_count": 206})"
+        R"({"id": "no-title"}, null, {"id": "b", "title": "\ud83c\udfb5"}, )"
+        R"({"url": "https://y.x/playlist?list=l", "title": "L"}], "playlist_count": 206})"
         "\nBye\n");
     const Listing read = listingFromOutput(output, text("LINK"), SourceType::youtube);
-    ASSERT_EQ(read.entries.size(), 4);
+    ASSERT_EQ(read.entries.size(), 5);
     const PlaylistEntry first{text("https://www.youtube.com/watch?v=b"), SourceType::youtube,
                               text("B"), text("1:02"), text("t2")};
     EXPECT_EQ(read.entries.at(0), first);
     EXPECT_EQ(read.entries.at(1).duration, QString());
     EXPECT_FALSE(read.entries.at(2).isRead);
     EXPECT_EQ(read.entries.at(3).title, text("\U0001F3B5"));
-    EXPECT_EQ(read.cut, (CutListing{4, 206}));
+    EXPECT_FALSE(read.entries.at(4).isRead) << "a list of songs";
+    EXPECT_EQ(read.cut, (CutListing{5, 206}));
 }
 
 TEST(PlaylistOutput, ThatIsNoListIsNone) {
