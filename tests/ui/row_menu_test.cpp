@@ -8,7 +8,8 @@ namespace {
 
 TEST_F(WindowTest, ARowsErrorAndLinksCanBeCopied) {
     open();
-    addReadRows({link("broken", QStringLiteral("a")), link("song", QStringLiteral("b"))});
+    const QString twice = link("song", QStringLiteral("b"));
+    addReadRows({link("broken", QStringLiteral("a")), twice, twice});
     controller().startDownloadRun({record(0).id});
     EXPECT_TRUE(waitForEnd());
     const auto choose = [this](const char* entry) {
@@ -22,6 +23,10 @@ TEST_F(WindowTest, ARowsErrorAndLinksCanBeCopied) {
     press(Qt::Key_A, Qt::ControlModifier);
     EXPECT_EQ(choose("copyLinks"), record(0).url + u'\n' + record(1).url);
     EXPECT_EQ(choose("copyLinksInNeed"), record(0).url);
+    press(Qt::Key_Return);
+    EXPECT_TRUE(waitForEnd());
+    EXPECT_EQ(record(1).status, QueueStatus::complete);
+    EXPECT_EQ(machine.calls().count(QStringLiteral("download a")), 1) << "it was not ready";
 }
 
 TEST_F(WindowTest, TheMenuOfARowDeletesItOrTheSelection) {
@@ -53,10 +58,11 @@ TEST_F(WindowTest, TheMenuOfARowDeletesItOrTheSelection) {
 
 TEST_F(WindowTest, TheQueuesMenuSavesThePlaylistOfWhatIsComplete) {
     open();
+    clipboard = QStringLiteral("ABBA - SOS");
     addReadRows(links("hold", 1));
     click("downloadAll");
     click(inRow(0, "title"), Qt::RightButton);
-    EXPECT_FALSE(isEnabled("savePlaylist"));
+    EXPECT_FALSE(isEnabled("savePlaylist") || isEnabled("pasteSongList"));
     press(Qt::Key_Escape);
     machine.tell(QStringLiteral("go"));
     ASSERT_TRUE(waitForEnd());

@@ -129,6 +129,7 @@ TEST(RowPresentation, IconLabelAndActionFollowTheState) {
                       action == RowAction::download ? canDownload : action != RowAction::busy);
     }
     EXPECT_EQ(queueRowAction(rowIn(failed), true), RowAction::readAgain);
+    EXPECT_EQ(queueStatusSubtitle(repeated), std::nullopt);
     // What is complete stays green while its link is read again.
     EXPECT_EQ(queueDetailColor(read(rowIn(complete))), queueDetailColor(rowIn(complete)));
     EXPECT_EQ(queueDetailColor(read(rowIn(failed))), queueDetailColor(rowIn(running)));

@@ -43,6 +43,7 @@ TEST_F(WindowTest, RowsAreSelectedByPointerAndKeyboard) {
     addReadRows(links("song", 8));
     EXPECT_FALSE(isShown("emptyQueue"));
     clickRow(1);
+    EXPECT_EQ(text("selectedCount"), QStringLiteral("1 selected"));
     clickRow(4, Qt::ShiftModifier);
     EXPECT_THAT(selectedRows(), ElementsAre(1, 2, 3, 4));
     clickRow(0, Qt::ShiftModifier);
@@ -52,6 +53,7 @@ TEST_F(WindowTest, RowsAreSelectedByPointerAndKeyboard) {
     EXPECT_EQ(text("selectedCount"), QStringLiteral("3 selected"));
     EXPECT_TRUE(row(6)->property("isSelected").toBool());
     EXPECT_FALSE(row(5)->property("isSelected").toBool());
+    EXPECT_NE(row(6)->property("accentColor"), row(5)->property("accentColor"));
 
     press(Qt::Key_Up);
     EXPECT_THAT(selectedRows(), ElementsAre(5));
@@ -199,20 +201,42 @@ TEST_F(WindowTest, ShortcutsWorkWithoutLatinLetters) {
     EXPECT_THAT(selectedRows(), ElementsAre(0, 1, 2));
 }
 
-TEST_F(WindowTest, ARunningRowsCardKeepsItsHeight) {
+TEST_F(WindowTest, ARunningRowKeepsItsHeightAndTheTitleItsProgress) {
     open();
-    addReadRows(links("hold", 1));
-    click("downloadAll");
+    addReadRows({link("hold", QStringLiteral("a")), link("gate", QStringLiteral("b"))});
+    const auto show = [this](int index, const char* detail, double progress) {
+        const_cast<QueueStore&>(controller().queue())
+            .update(record(index).id, [&](DownloadItem& row) {
+                row.detail = QString::fromLatin1(detail);
+                row.progress = progress;
+            });
+        settle();
+    };
+    const QString title = QStringLiteral("99% – Reelcrate");
+    controller().startDownloadRun({record(0).id});
+    settle();
     const double height = row(0)->height();
     EXPECT_GT(height, 80);
     for (const char* detail : {"Downloading Song", "Something of its own", ""}) {
-        const_cast<QueueStore&>(controller().queue()).update(record(0).id, [&](DownloadItem& row) {
-            row.detail = QString::fromLatin1(detail);
-        });
-        settle();
+        show(0, detail, 0.999);
         EXPECT_EQ(row(0)->height(), height) << detail;
     }
-    machine.tell(QStringLiteral("go"));
+    EXPECT_EQ(app->window()->title(), title);
+    controller().startDownloadRun({record(1).id});
+    settle();
+    EXPECT_EQ(app->window()->title(), title) << "it never goes back";
+    controller().stopQueueItems({record(0).id});
+    show(1, "", 0.5);
+    EXPECT_EQ(app->window()->title(), title) << "what is stopped counts no more";
+    for (const char* name : {"go", "go-b"})
+        machine.tell(QString::fromLatin1(name));
+    EXPECT_TRUE(waitForEnd());
+    click("downloadAll");
+    EXPECT_TRUE(waitForEnd());
+    addReadRows({link("gate", QStringLiteral("c"))});
+    click("downloadAll");
+    EXPECT_NE(app->window()->title(), QStringLiteral("100% – Reelcrate")) << "another run's";
+    machine.tell(QStringLiteral("go-c"));
     EXPECT_TRUE(waitForEnd());
 }
 
@@ -232,6 +256,8 @@ TEST_F(WindowTest, ARunDisablesWhatMustNotHappenMeanwhile) {
     EXPECT_TRUE(row(0)->property("isRunning").toBool());
     EXPECT_TRUE(row(0)->property("actionIsBusy").toBool());
     EXPECT_TRUE(row(6)->property("actionIsBusy").toBool());
+    EXPECT_FALSE(accessibleRow(0)->actionInterface()->actionNames().contains(
+        QAccessibleActionInterface::pressAction()));
     clickRow(0);
     press(Qt::Key_Delete);
     EXPECT_EQ(controller().queue().size(), 8);
@@ -244,6 +270,11 @@ TEST_F(WindowTest, ARunDisablesWhatMustNotHappenMeanwhile) {
     EXPECT_FALSE(isEnabled("downloadAll"));
     EXPECT_EQ(app->window()->title(), QStringLiteral("Reelcrate"));
     EXPECT_EQ(text("summary"), QStringLiteral("Download run finished"));
+    const_cast<QueueStore&>(controller().queue()).update(record(0).id, [](DownloadItem& row) {
+        row.note = QStringLiteral("odd");
+    });
+    settle();
+    EXPECT_EQ(text(inRow(0, "subtitle")), QStringLiteral("\u26A0 odd"));
     click(inRow(0, "action"));
     EXPECT_THAT(opened, ElementsAre(QStringLiteral("file ") + record(0).outputPath));
 }
@@ -283,6 +314,12 @@ TEST_F(WindowTest, WhatGoesOnIsStoppedByMenuKeyAndButton) {
     EXPECT_EQ(text("summary"), QStringLiteral("Download run stopped"));
     EXPECT_TRUE(ends.isEmpty()) << "to announce";
     EXPECT_EQ(app->window()->title(), QStringLiteral("Reelcrate"));
+
+    controller().addSongs(link("slowread", QStringLiteral("a")));
+    settle();
+    click("stopAll");
+    EXPECT_FALSE(isShown("stopAll")) << "nothing is read any more";
+    machine.tell(QStringLiteral("go-read"));
 }
 
 TEST_F(WindowTest, AFailedRowIsReadOrDownloadedAgain) {
@@ -365,11 +402,13 @@ TEST_F(WindowTest, TheFolderPickersResultIsTheOutputFolder) {
     EXPECT_EQ(text("outputFolder"), folder);
     click("chooseFolder");
     click("newFolderName");
-    type(QStringLiteral("new"));
+    type(QStringLiteral(" new"));
     click("newFolder");
     click(withText("Choose"));
     EXPECT_EQ(text("outputFolder"), setup.desktopFolder + QStringLiteral("/new"));
     EXPECT_TRUE(QFileInfo(text("outputFolder")).isDir());
+    app->state().chooseFolder(QUrl(QStringLiteral("sftp://host/folder")));
+    EXPECT_EQ(text("outputFolder"), setup.desktopFolder + QStringLiteral("/new"));
 }
 
 TEST_F(WindowTest, TheUpdateScanTellsItsOutcome) {
@@ -417,7 +456,9 @@ TEST_F(WindowTest, LogsShowTheirEndAndGiveAllOfIt) {
     QTextDocument* shown = log->document()->textDocument();
     QString readable = controller().runs().runLog().text();
     readable.remove(QRegularExpression(QStringLiteral("(?<=\n)1/1 RCR_PROGRESS:[^\n]*\n")));
-    EXPECT_EQ(shown->toPlainText(), readable);
+    // The lines that are too long for a look are broken.
+    const auto unbroken = [](QString log) { return log.remove(u'\n'); };
+    EXPECT_EQ(unbroken(shown->toPlainText()), unbroken(readable));
     EXPECT_NE(readable, controller().runs().runLog().text()) << "the whole has the progress, too";
     const QString line = QString(150, u'x') + u'\n';
     for (int i = 0; i < 3000; ++i)
@@ -473,6 +514,7 @@ TEST_F(WindowTest, AssistiveTechnologySeesTheRowsAndPressesWhatIsEnabled) {
         expected.append(rowAccessibleName(each));
     EXPECT_EQ(rowNames(), expected);
     EXPECT_TRUE(accessibleRow(0)->state().focused && accessibleRow(0)->state().selected);
+    EXPECT_FALSE(accessibleRow(1)->state().focused);
 
     // Presses the control, and waits until it says of itself what a press makes of it.
     const auto becomes = [this](const char* name, auto isSo) {
