@@ -51,6 +51,8 @@ Item {
             if (root.state.isOfTheDesktop(picker))
                 return;
             picker.close();
+            // With Qt 6.8 it is a window of its own, which took the keyboard.
+            root.Window.window.requestActivate();
             ownPicker.goTo(root.state.folderPickerStart);
             ownPicker.open();
         }
