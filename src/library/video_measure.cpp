@@ -139,7 +139,7 @@ FfmpegWords VideoMeasurer::readToEnd(VideoMeasure& measure, const QString& path)
     const CommandResult result =
         run({}, path, QStringLiteral("-map 0:V? -map 0:a? -c copy -f null -progress pipe:1 -"),
             leastLimitSeconds + static_cast<double>(QFileInfo(path).size()) / slowestDisk);
-    const FfmpegWords words = readFfmpegWords(result.errors);
+    FfmpegWords words = readFfmpegWords(result.errors);
     measure.packetSeconds = lastProgress(result.output);
     measure.readToEnd = result.status == 0 && !words.cutOff;
     if (measure.complaint.isEmpty())

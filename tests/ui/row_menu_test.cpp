@@ -113,7 +113,8 @@ TEST_F(WindowTest, AMenuAtTheWindowsEdgeShowsAllItsEntries) {
             ASSERT_TRUE(entry->isVisible());
             EXPECT_TRUE(window.contains(entry->mapRectToScene(entry->boundingRect())));
             const auto* label = entry->property("contentItem").value<QQuickItem*>();
-            EXPECT_LT(label->childItems().last()->mapToItem(entry, QPointF()).x(), 40) << "it leads";
+            EXPECT_LT(label->childItems().last()->mapToItem(entry, QPointF()).x(), 40)
+                << "it leads";
         }
         press(Qt::Key_Escape);
     }
