@@ -417,6 +417,7 @@ TEST_F(WindowTest, TheUpdateScanTellsItsOutcome) {
     QTcpServer site;  // one that does not answer at first
     ASSERT_TRUE(site.listen(QHostAddress::LocalHost));
     setup.updateScan.manifestURL = QStringLiteral("http://127.0.0.1:%1/").arg(site.serverPort());
+    setup.updateScan.timeLimit = std::chrono::seconds(1);
     open();
     EXPECT_FALSE(isShown("updateMessage"));
     click("scanForUpdate");
