@@ -232,10 +232,9 @@ void RowDownload::removeWhatIsNotWhole(const WorkingFolder& folder,
 
 /// What broke off is fetched once more. Where that breaks off at the very same place, the site has
 /// no more of it, whatever its header tells; anywhere else, it is the connection's fault.
-bool RowDownload::isTheSites(const SongFinisher::Prepared& song, WorkingFolder& folder,
-                             const std::stop_token& stop) {
-    m_isShort = song.brokenOff && song.brokenOff == m_brokenOff;
-    if (!song.brokenOff || m_isShort)
+bool RowDownload::takesOrFetchesAgain(const SongFinisher::Prepared& song, WorkingFolder& folder,
+                                      const std::stop_token& stop) {
+    if (!song.brokenOff || song.brokenOff == m_brokenOff)
         return true;
     logLine(song.path.section(u'/', -1) + QStringLiteral(": ") + song.brokenOff->reason);
     folder.empty();
@@ -295,7 +294,7 @@ void RowDownload::finish(WorkingFolder& folder, std::optional<double> sourceSeco
     for (const QString& file : files) {
         auto song = m_finisher.prepare(file, m_plan.target,
                                        {sourceSeconds, m_plan.loudness, m_item.duration}, log);
-        if (stop.stop_requested() || (song && !isTheSites(*song, folder, stop)))
+        if (stop.stop_requested() || (song && !takesOrFetchesAgain(*song, folder, stop)))
             return;
         if (song)
             songs.append(*std::move(song));
@@ -322,19 +321,20 @@ void RowDownload::finish(WorkingFolder& folder, std::optional<double> sourceSeco
     if (entered > 0 && entered == files.size()) {
         folder.remove();
         if (entered == 1)
-            saved.note =
-                songNote({m_isUncertain, saved.downloadedSeconds, listedLength(), m_isShort});
+            saved.note = noteOn(songs.first());
         complete(saved);
     } else {
         fail(causeWithoutWords(folder));
     }
 }
 
-/// Without a word of the site's, what the song's own header told.
-QString RowDownload::listedLength() const {
-    return m_item.duration.isEmpty() && m_brokenOff && m_brokenOff->toldSeconds
-               ? formatDuration(*m_brokenOff->toldSeconds)
-               : m_item.duration;
+/// Where nobody has listed a length, that counts which the song's own header told.
+QString RowDownload::noteOn(const SongFinisher::Prepared& song) const {
+    const bool isTold = song.brokenOff && song.brokenOff->toldSeconds;
+    const QString listed = m_item.duration.isEmpty() && isTold
+                               ? formatDuration(*song.brokenOff->toldSeconds)
+                               : m_item.duration;
+    return songNote({m_isUncertain, song.downloadedSeconds, listed, song.brokenOff.has_value()});
 }
 
 void RowDownload::complete(const SavedSong& saved) {

@@ -98,9 +98,9 @@ private:
     void finish(WorkingFolder& folder, std::optional<double> sourceSeconds,
                 const std::stop_token& stop);
     void removeWhatIsNotWhole(const WorkingFolder& folder, const std::stop_token& stop) const;
-    bool isTheSites(const SongFinisher::Prepared& song, WorkingFolder& folder,
-                    const std::stop_token& stop);
-    QString listedLength() const;
+    bool takesOrFetchesAgain(const SongFinisher::Prepared& song, WorkingFolder& folder,
+                             const std::stop_token& stop);
+    QString noteOn(const SongFinisher::Prepared& song) const;
     std::optional<QString> fileThatIsThere() const;
     void complete(const SavedSong& saved);
     void fail(FailureCause cause);
@@ -121,7 +121,6 @@ private:
     std::optional<SavedSong> m_saved;
     std::optional<SongFinisher::BrokenOff> m_brokenOff;  ///< what was fetched first
     QString m_found;             ///< the link of the best hit, where the row has to be searched for
-    bool m_isShort = false;      ///< what was fetched again broke off at the same place
     bool m_isUncertain = false;  ///< the row had to be searched for, and nothing fitted well
 };
 

@@ -29,6 +29,17 @@ TEST_F(SongFinishing, ASongThatIsShorterThanItsSourceIsNotWhole) {
                   isWhole);
 }
 
+TEST_F(SongFinishing, WhatIsNotAsLongAsListedIsComparedWithWhatWasFetched) {
+    const QString song = makeSong("song.mp3", 440, 3);
+    const QByteArray fetched = readFile(makeSong("fetched.flac", 440, 6));
+    writeFile(music.path(text("song.flac.fetched")), fetched.left(fetched.size() / 2));
+    for (const auto& [listed, isLookedAt] : {std::pair("0:03", false), std::pair("0:04", false),
+                                             std::pair("0:05", true), std::pair("", true)})
+        EXPECT_EQ(finisher.prepare(song, {}, {{}, {}, text(listed)}, log)->brokenOff.has_value(),
+                  isLookedAt)
+            << listed;
+}
+
 TEST_F(SongFinishing, ANameThatIsTakenStaysTheOtherSongs) {
     const EventTarget target{music.path(text("Prom")), DownloadMode::audio};
     QDir().mkpath(target.folder);
