@@ -71,6 +71,7 @@ void Machine::install(const QString& tool) {
 
 void Machine::installScript(const QString& tool, const QByteArray& script) {
     const QString path = toolFolder() + u'/' + tool;
+    QFile::remove(path);  // it may be a link to the machine's own tool, which is not to be written
     writeFile(path, script);
     QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 }
