@@ -32,8 +32,9 @@ TrimOutcome skipped(const QString& reason, const SongMeasure& measure) {
     return {TrimOutcome::Kind::skipped, reason, measure.decodedSeconds};
 }
 
-QString whyConverterFailed(const CommandResult& result) {
-    const FfmpegWords words = readFfmpegWords(result.errors);
+// What follows is empty when all went well.
+
+QString whyConverterFailed(const CommandResult& result, const FfmpegWords& words) {
     if (result.status == CommandResult::timedOut)
         return QStringLiteral("the converter took too long");
     // It reports success also where a full disk cut the file's end off, and only says so.
@@ -42,6 +43,24 @@ QString whyConverterFailed(const CommandResult& result) {
     if (result.errors.contains(u"silence_start"))
         return QStringLiteral("the converter was given silence");
     return {};
+}
+
+QString whyNotThePart(const QString& path, const TrimPlan& plan) {
+    // To decode it, too, would tell no more, and cost a sixth of all that the cut costs.
+    const auto seconds = secondsOfFrames(path);
+    if (!seconds)
+        return QStringLiteral("the cut song is not whole");
+    if (std::abs(*seconds - plan.seconds()) > lengthTolerance)
+        return QStringLiteral("the cut song has %1 s instead of %2 s")
+            .arg(*seconds, 0, 'f', 2)
+            .arg(plan.seconds(), 0, 'f', 2);
+    return {};
+}
+
+QString whyNotReplaced(const QString& temporary, const QString& path) {
+    const QString failure = replaceFile(temporary, path);
+    return failure.isEmpty() ? failure
+                             : QStringLiteral("the song could not be replaced: ") + failure;
 }
 
 }  // namespace
@@ -93,36 +112,30 @@ TrimOutcome EdgeTrimmer::trim(const QString& path, const SongMeasure& measure) c
     if (plan.kind == TrimPlan::Kind::leave)
         return {TrimOutcome::Kind::trimmed, {}, measure.decodedSeconds};
     const QString temporary = temporaryBeside(path, QStringLiteral("trim"), QStringLiteral("mp3"));
-    if (const QString reason = whyNotCut(path, plan, temporary); !reason.isEmpty()) {
-        QFile::remove(temporary);
-        return skipped(reason, measure);
-    }
-    return {TrimOutcome::Kind::trimmed, {}, plan.seconds()};
+    TrimOutcome outcome = cut(path, plan, temporary);
+    if (outcome.kind == TrimOutcome::Kind::trimmed)
+        return outcome;
+    QFile::remove(temporary);
+    return skipped(outcome.remark, measure);
 }
 
-/// Empty when the cut song has taken the place of the other.
-QString EdgeTrimmer::whyNotCut(const QString& path, const TrimPlan& plan,
-                               const QString& temporary) const {
+TrimOutcome EdgeTrimmer::cut(const QString& path, const TrimPlan& plan,
+                             const QString& temporary) const {
     const auto ffmpeg = m_discovery.toolPath(QStringLiteral("ffmpeg"));
     if (!ffmpeg)
-        return QStringLiteral("ffmpeg is missing");
+        return {TrimOutcome::Kind::skipped, QStringLiteral("ffmpeg is missing")};
     const CommandResult result =
         m_shell.runShellApart(edgeTrimCommand(*ffmpeg, path, plan, temporary),
                               leastLimitSeconds + limitPerSecond * plan.end);
-    if (QString reason = whyConverterFailed(result); !reason.isEmpty())
-        return reason;
-
-    // To decode it, too, would tell no more, and cost a sixth of all that the cut costs.
-    const auto seconds = secondsOfFrames(temporary);
-    if (!seconds)
-        return QStringLiteral("the cut song is not whole");
-    if (std::abs(*seconds - plan.seconds()) > lengthTolerance)
-        return QStringLiteral("the cut song has %1 s instead of %2 s")
-            .arg(*seconds, 0, 'f', 2)
-            .arg(plan.seconds(), 0, 'f', 2);
-    const QString failure = replaceFile(temporary, path);
-    return failure.isEmpty() ? failure
-                             : QStringLiteral("the song could not be replaced: ") + failure;
+    const FfmpegWords words = readFfmpegWords(result.errors);
+    QString reason = whyConverterFailed(result, words);
+    if (reason.isEmpty())
+        reason = whyNotThePart(temporary, plan);
+    if (reason.isEmpty())
+        reason = whyNotReplaced(temporary, path);
+    if (!reason.isEmpty())
+        return {TrimOutcome::Kind::skipped, reason};
+    return {TrimOutcome::Kind::trimmed, words.complaint, plan.seconds()};
 }
 
 }  // namespace reelcrate

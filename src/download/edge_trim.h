@@ -18,7 +18,7 @@ struct TrimOutcome {
     };
 
     Kind kind = Kind::skipped;
-    QString reason;      ///< why it was skipped, for the log
+    QString remark;      ///< for the log: why it was skipped, or what the converter met in it
     double seconds = 0;  ///< how long the song is now
 };
 
@@ -50,7 +50,7 @@ public:
     TrimOutcome trim(const QString& path, const SongMeasure& measure) const;
 
 private:
-    QString whyNotCut(const QString& path, const TrimPlan& plan, const QString& temporary) const;
+    TrimOutcome cut(const QString& path, const TrimPlan& plan, const QString& temporary) const;
 
     ShellRunner& m_shell;
     const ToolDiscovery& m_discovery;

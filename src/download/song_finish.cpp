@@ -3,6 +3,7 @@
 #include "base/duration_text.h"
 #include "download/fetched_files.h"
 #include "library/finished_files.h"
+#include "library/mp3_look.h"
 #include "library/replay_gain.h"
 #include "records/row_texts.h"
 
@@ -43,6 +44,12 @@ QString savedText(const TrimOutcome& trim, const EventTarget& target) {
     return savedText(target);
 }
 
+/// Of a song that is going to be cut, which decodes all that is kept of it: once is enough.
+std::optional<SongMeasure> endsToCut(const QString& file) {
+    auto ends = hasExtension(file, QStringLiteral("mp3")) ? measureEnds(file) : std::nullopt;
+    return ends && TrimPlan::of(*ends).kind == TrimPlan::Kind::cut ? ends : std::nullopt;
+}
+
 }  // namespace
 
 SongFinisher::SongFinisher(ShellRunner& shell, const ToolDiscovery& discovery,
@@ -65,31 +72,44 @@ std::optional<SongFinisher::Prepared> SongFinisher::prepareSong(const QString& f
                                                                 const EventTarget& target,
                                                                 const Demands& demands,
                                                                 const Log& log) const {
-    const SongMeasure measure = m_measurer.measure(file, demands.loudness);
+    const auto ends = demands.loudness == MeasureLoudness::no ? endsToCut(file) : std::nullopt;
+    const auto measure = ends ? ends : wholeSong(file, demands.loudness, log);
+    if (!measure)
+        return std::nullopt;
+    const double expected = demands.sourceSeconds.value_or(measure->decodedSeconds);
+    if (std::abs(expected - measure->decodedSeconds) > sourceToleranceSeconds) {
+        log(about(file, QStringLiteral("%1 of %2 were converted.")
+                            .arg(inSeconds(measure->decodedSeconds), inSeconds(expected))));
+        return std::nullopt;
+    }
+    const auto broken = brokenOff(file, measure->decodedSeconds, demands.listedLength);
+    const TrimOutcome trim = m_trimmer.trim(file, *measure);
+    if (!trim.remark.isEmpty() && trim.remark != measure->complaint)
+        log(about(file, trim.remark));
+    const bool isLookedAt = !ends || trim.kind == TrimOutcome::Kind::trimmed;
+    if (!isLookedAt && !wholeSong(file, demands.loudness, log))
+        return std::nullopt;
+    // That of the whole, edges included, which are too quiet to count: it is the cut song's to a
+    // tenth of a decibel from ten seconds on.
+    const QString failure = measure->loudness && hasExtension(file, QStringLiteral("mp3"))
+                                ? tagLoudness(file, *measure->loudness)
+                                : QString();
+    if (!failure.isEmpty())
+        log(about(file, QStringLiteral("its loudness is not in its tags: ") + failure));
+    return Prepared{file, savedText(trim, target), measure->decodedSeconds, trim.seconds, broken};
+}
+
+/// Absent unless it is one.
+std::optional<SongMeasure> SongFinisher::wholeSong(const QString& file, MeasureLoudness loudness,
+                                                   const Log& log) const {
+    SongMeasure measure = m_measurer.measure(file, loudness);
     if (const auto reason = whyNoWholeSong(measure)) {
         log(about(file, *reason));
         return std::nullopt;
     }
     if (!measure.complaint.isEmpty())
         log(about(file, measure.complaint));
-    const double expected = demands.sourceSeconds.value_or(measure.decodedSeconds);
-    if (std::abs(expected - measure.decodedSeconds) > sourceToleranceSeconds) {
-        log(about(file, QStringLiteral("%1 of %2 were converted.")
-                            .arg(inSeconds(measure.decodedSeconds), inSeconds(expected))));
-        return std::nullopt;
-    }
-    const auto broken = brokenOff(file, measure.decodedSeconds, demands.listedLength);
-    const TrimOutcome trim = m_trimmer.trim(file, measure);
-    if (!trim.reason.isEmpty())
-        log(about(file, trim.reason));
-    // That of the whole, edges included, which are too quiet to count: it is the cut song's to a
-    // tenth of a decibel from ten seconds on.
-    const QString failure = measure.loudness && hasExtension(file, QStringLiteral("mp3"))
-                                ? tagLoudness(file, *measure.loudness)
-                                : QString();
-    if (!failure.isEmpty())
-        log(about(file, QStringLiteral("its loudness is not in its tags: ") + failure));
-    return Prepared{file, savedText(trim, target), measure.decodedSeconds, trim.seconds, broken};
+    return measure;
 }
 
 std::optional<SongFinisher::Prepared> SongFinisher::prepareVideo(const QString& file,

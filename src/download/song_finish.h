@@ -81,6 +81,8 @@ private:
                                         const Demands& demands, const Log& log) const;
     std::optional<Prepared> prepareVideo(const QString& file, const EventTarget& target,
                                          const Demands& demands, const Log& log) const;
+    std::optional<SongMeasure> wholeSong(const QString& file, MeasureLoudness loudness,
+                                         const Log& log) const;
     std::optional<BrokenOff> brokenOff(const QString& file, double seconds,
                                        const QString& listedLength) const;
     bool isSameSong(const QString& file, const QString& there, bool isOfThisRun) const;

@@ -13,6 +13,11 @@ constexpr double shortestLastSeconds = 0.02;
 constexpr double thresholdDecibels = -55;
 constexpr double fullScale = 32768;
 
+constexpr double shortestTailSeconds = 10;
+constexpr qint64 tailGrowth = 8;
+// A decoder that starts in the middle lacks what the first frames borrow from those before.
+constexpr double unsureSeconds = 1;
+
 qint64 framesIn(double seconds, int rate) {
     return std::max<qint64>(1, std::llround(seconds * rate));
 }
@@ -94,6 +99,46 @@ std::optional<SoundEdges> EdgeMeter::finish() {
         return std::nullopt;
     const double rate = m_rate;
     return SoundEdges{static_cast<double>(*m_first) / rate, static_cast<double>(*m_end) / rate};
+}
+
+namespace {
+
+std::optional<double> firstSound(const SeekableSound& sound) {
+    EdgeMeter meter(sound.rate, sound.channels);
+    std::optional<SoundEdges> edges;
+    sound.read(0, [&](std::span<const qint16> samples) {
+        meter.add(samples);
+        edges = EdgeMeter(meter).finish();
+        return !edges;
+    });
+    return edges ? std::optional(edges->first) : std::nullopt;
+}
+
+/// Of what lies from that frame on, seconds from there.
+std::optional<double> lastSound(const SeekableSound& sound, qint64 firstFrame) {
+    EdgeMeter meter(sound.rate, sound.channels);
+    sound.read(firstFrame, [&](std::span<const qint16> samples) {
+        meter.add(samples);
+        return true;
+    });
+    const auto edges = meter.finish();
+    return edges ? std::optional(edges->last) : std::nullopt;
+}
+
+}  // namespace
+
+std::optional<SoundEdges> edgesOf(const SeekableSound& sound) {
+    const auto first = firstSound(sound);
+    if (!first)
+        return std::nullopt;
+    for (qint64 tail = framesIn(shortestTailSeconds, sound.rate);; tail *= tailGrowth) {
+        const qint64 start = std::max<qint64>(0, sound.frames - tail);
+        const auto last = lastSound(sound, start);
+        if (last && (start == 0 || *last > unsureSeconds))
+            return SoundEdges{*first, static_cast<double>(start) / sound.rate + *last};
+        if (start == 0)
+            return std::nullopt;
+    }
 }
 
 }  // namespace reelcrate

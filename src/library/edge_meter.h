@@ -2,6 +2,7 @@
 
 #include <QtGlobal>
 
+#include <functional>
 #include <optional>
 #include <span>
 #include <vector>
@@ -53,5 +54,19 @@ private:
     std::optional<qint64> m_first;
     std::optional<qint64> m_end;  ///< behind the last sound's last frame
 };
+
+/// What lies in a song that can be read from anywhere.
+struct SeekableSound {
+    /// False when no more samples are wanted.
+    using Take = std::function<bool(std::span<const qint16>)>;
+
+    int rate = 1;
+    int channels = 1;
+    qint64 frames = 0;
+    std::function<void(qint64 firstFrame, const Take& take)> read;  ///< to the end, in pieces
+};
+
+/// What a meter tells of all of it, read from both ends no further than needed.
+std::optional<SoundEdges> edgesOf(const SeekableSound& sound);
 
 }  // namespace reelcrate

@@ -1,5 +1,6 @@
 #include "download/edge_trim.h"
 
+#include "library/mp3_look.h"
 #include "library/song_measure.h"
 #include "support/music.h"
 #include "support/printers.h"
@@ -70,7 +71,7 @@ TEST_F(EdgeTrimming, LeavesNothingButTheSong) {
         SCOPED_TRACE(expression);
         const QString path = makeSong(expression);
         const TrimOutcome outcome = trim(path);
-        EXPECT_EQ(outcome.kind, TrimOutcome::Kind::trimmed) << outcome.reason.toStdString();
+        EXPECT_EQ(outcome.kind, TrimOutcome::Kind::trimmed) << outcome.remark.toStdString();
         const SongMeasure trimmed = measurer.measure(path);
         EXPECT_NEAR(trimmed.decodedSeconds, seconds, 0.05);
         ASSERT_TRUE(trimmed.sound);
@@ -113,7 +114,8 @@ TEST_F(EdgeTrimming, KeepsCoverTagsAndChapters) {
             mp3);
     const QString before = contents(path);
     EXPECT_TRUE(before.contains(u"mjpeg,1")) << before.toStdString();
-    EXPECT_EQ(trim(path).kind, TrimOutcome::Kind::trimmed);
+    EXPECT_TRUE(measurer.measure(path).hasChapters);
+    EXPECT_EQ(trim(path, measureEnds(path).value()).kind, TrimOutcome::Kind::trimmed);
     const QString after = contents(path);
     EXPECT_TRUE(after.contains(u"chapter,1.9")) << after.toStdString();
     EXPECT_EQ(QString(after).replace(QRegularExpression(QStringLiteral("chapter,1\\.9\\d+")),
@@ -155,8 +157,8 @@ TEST_F(EdgeTrimming, AFailureLeavesTheSongAsItWas) {
                                     "#!/bin/bash\n" + real + converter + "\n");
         const TrimOutcome outcome = trim(path, measure);
         EXPECT_EQ(outcome.kind, TrimOutcome::Kind::skipped);
-        EXPECT_TRUE(outcome.reason.startsWith(QLatin1String(reason)))
-            << outcome.reason.toStdString();
+        EXPECT_TRUE(outcome.remark.startsWith(QLatin1String(reason)))
+            << outcome.remark.toStdString();
         EXPECT_EQ(readFile(path), song);
         EXPECT_EQ(leftBeside(path), QStringList());
     }

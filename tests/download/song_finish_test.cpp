@@ -1,6 +1,8 @@
 #include "download/song_finish.h"
 
 #include "library/event_library.h"
+#include "library/replay_gain.h"
+#include "records/row_texts.h"
 #include "support/music.h"
 #include "support/texts.h"
 
@@ -27,6 +29,44 @@ TEST_F(SongFinishing, ASongThatIsShorterThanItsSourceIsNotWhole) {
         EXPECT_EQ(finisher.prepare(song, {}, {.sourceSeconds = source, .listedLength = {}}, log)
                       .has_value(),
                   isWhole);
+}
+
+TEST_F(SongFinishing, WhetherItIsCutOrNotASongIsDecodedAndItsDamageNamedOnce) {
+    const QString edgy = text("sin(2000*t)*gt(t,2)");
+    const QString loud = text("sin(2000*t)");
+    const QByteArray complaining = "/usr/bin/ffmpeg \"$@\"; echo '[error] Odd' >&2";
+    const QByteArray cannotCut = "[ \"${!#}\" != - ] || exec /usr/bin/ffmpeg \"$@\"; exit 1";
+    const struct {
+        QString sound;
+        QString options;
+        QByteArray ffmpeg;
+        std::optional<QString> detail;
+        int complaints;
+    } songs[] = {
+        {edgy, {}, complaining, row_text::trimmed, 1},
+        {edgy, text("-write_xing 0"), complaining, row_text::trimmed, 1},
+        {loud, {}, complaining, row_text::trimmed, 1},
+        {edgy, {}, cannotCut, row_text::trimSkipped, 1},
+        {edgy, {}, "exit 1", std::nullopt, 2},
+        {loud, {}, "exit 1", std::nullopt, 1},
+    };
+    for (const auto& [sound, options, ffmpeg, detail, complaints] : songs) {
+        music.machine.linkConverter();
+        const QString song = music.make(
+            text("song.mp3"), text("-f lavfi -i \"aevalsrc='%1':d=6\" ").arg(sound) + options);
+        music.machine.installScript(text("ffmpeg"), "#!/bin/bash\n" + ffmpeg + '\n');
+        int lines = 0;
+        const auto prepared = finisher.prepare(song, {}, {}, [&lines](const QString&) { ++lines; });
+        EXPECT_EQ(prepared ? std::optional(prepared->detail) : std::nullopt, detail);
+        EXPECT_EQ(lines, complaints);
+    }
+}
+
+TEST_F(SongFinishing, ASongThatIsCutHasItsLoudnessToo) {
+    const QString song =
+        music.make(text("song.mp3"), text("-f lavfi -i \"aevalsrc='sin(2000*t)*gt(t,2)':d=6\""));
+    finisher.prepare(song, {}, {{}, MeasureLoudness::yes, {}}, log);
+    EXPECT_TRUE(taggedLoudness(song));
 }
 
 TEST_F(SongFinishing, WhatIsNotAsLongAsListedIsComparedWithWhatWasFetched) {

@@ -59,14 +59,17 @@ class Random {
 public:
     int below(int bound) { return static_cast<int>(m_engine() % static_cast<unsigned>(bound)); }
 
-    /// Stretches of silence, of what is near the level on either side, and of loud sound.
-    Signal signal() {
+    /// Stretches of silence, of what is near the level on either side, and of loud sound; half of
+    /// them pauses of up to this many frames, unless that is 0.
+    Signal signal(int longestPause = 0) {
         Signal signal{1000 + 50 * below(4), 1 + below(3), {}};
         for (int stretches = below(7); stretches > 0; --stretches) {
             constexpr int amplitudes[] = {0, 0, 20, 55, 58, 60, 70, 100, 300, 20'000, 32'767};
-            const int amplitude = amplitudes[below(std::size(amplitudes))];
+            const bool isPause = longestPause > 0 && below(2) == 0;
+            const int amplitude = isPause ? 0 : amplitudes[below(std::size(amplitudes))];
             const int silentChannel = below(5);
-            for (int frames = below(below(2) == 0 ? 30 : 150); frames > 0; --frames) {
+            const int longest = below(2) == 0 ? 30 : 150;
+            for (int frames = below(isPause ? longestPause : longest); frames > 0; --frames) {
                 for (int channel = 0; channel < signal.channels; ++channel)
                     signal.samples.push_back(static_cast<qint16>(
                         channel == silentChannel ? 0 : (below(2) * 2 - 1) * amplitude));
@@ -113,6 +116,42 @@ TEST(EdgeMeter, AnswersAsALookAtEachWindowDoes) {
     }
     EXPECT_GT(silent, 500);
     EXPECT_GT(cut, 2000);
+}
+
+/// How many frames it took is added up. What is read first from the middle is not what is there.
+std::optional<SoundEdges> edgesFromBothEnds(const Signal& signal, size_t& framesRead) {
+    const auto channels = static_cast<size_t>(signal.channels);
+    const auto read = [&](qint64 firstFrame, const SeekableSound::Take& take) {
+        const size_t start = channels * static_cast<size_t>(firstFrame);
+        std::vector<qint16> samples(signal.samples);
+        if (start > 0)
+            std::fill_n(samples.begin() + static_cast<std::ptrdiff_t>(start), 100 * channels, 900);
+        for (auto rest = std::span<const qint16>(samples).subspan(start); !rest.empty();) {
+            const size_t piece = std::min(rest.size(), 100 * channels);
+            framesRead += piece / channels;
+            if (!take(rest.first(piece)))
+                return;
+            rest = rest.subspan(piece);
+        }
+    };
+    return edgesOf({signal.rate, signal.channels,
+                    static_cast<qint64>(signal.samples.size() / channels), read});
+}
+
+TEST(EdgesOf, TellsOfTheEndsWhatAllOfItTells) {
+    Random random;
+    size_t framesRead = 0;
+    for (int i = 0; i < 400; ++i) {
+        const Signal signal = random.signal(60'000);
+        const auto edges = edgesFromBothEnds(signal, framesRead);
+        const auto expected = random.edges(signal);
+        ASSERT_EQ(edges.has_value(), expected.has_value()) << i;
+        EXPECT_DOUBLE_EQ(edges.value_or(SoundEdges{}).first, expected.value_or(SoundEdges{}).first);
+        EXPECT_DOUBLE_EQ(edges.value_or(SoundEdges{}).last, expected.value_or(SoundEdges{}).last);
+    }
+    framesRead = 0;
+    edgesFromBothEnds({1000, 1, std::vector<qint16>(200'000, 900)}, framesRead);
+    EXPECT_LT(framesRead, 11'000);
 }
 
 }  // namespace

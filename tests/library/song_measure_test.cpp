@@ -1,5 +1,6 @@
 #include "library/song_measure.h"
 
+#include "library/mp3_look.h"
 #include "library/pcm_stream.h"
 #include "support/music.h"
 #include "support/printers.h"
@@ -32,8 +33,19 @@ QString source(const char* expression, const char* options = ":d=6") {
 
 class SongMeasuring : public testing::Test {
 protected:
+    /// What decoding tells. What the ends alone tell must be the same.
     SongMeasure measure(const QString& path) {
-        return SongMeasurer(music.shell, music.discovery).measure(path);
+        SongMeasure all = SongMeasurer(music.shell, music.discovery).measure(path);
+        if (const auto ends = measureEnds(path)) {
+            EXPECT_NEAR(ends->decodedSeconds, all.decodedSeconds, 0.0001);
+            EXPECT_EQ(ends->hasChapters, all.hasChapters);
+            EXPECT_EQ(ends->sound.has_value(), all.sound.has_value());
+            EXPECT_NEAR(ends->sound.value_or(SoundEdges{}).first,
+                        all.sound.value_or(SoundEdges{}).first, 0.001);
+            EXPECT_NEAR(ends->sound.value_or(SoundEdges{}).last,
+                        all.sound.value_or(SoundEdges{}).last, 0.001);
+        }
+        return all;
     }
 
     /// Where ffmpeg's own filters cut: what they leave is as long as the bytes that they write.
@@ -187,19 +199,20 @@ TEST_F(SongMeasuring, TellsSongsThatAreNotWhole) {
         const char* file;
         QString path;
         const char* reason;
+        bool isTableTrue = false;  ///< the header's, of the frames
     } files[] = {
         {"a song with a cover",
          music.make(QStringLiteral("covered.mp3"),
                     tone + QStringLiteral(" -i ") + shellQuoted(cover) +
                         QStringLiteral(" -map 0 -map 1 -disposition:v attached_pic") + mp3),
-         ""},
+         "", true},
         {"a title that tells a length",
          music.make(QStringLiteral("titled.mp3"),
                     tone + mp3 +
                         QStringLiteral("-metadata title=$'x\\n[info]   Duration: "
                                        "00:00:01.00, start' -metadata "
                                        "'  Duration: 00:00:01.00'=1")),
-         ""},
+         "", true},
         {"a variable rate without a table", written("plain2.mp3", plain), ""},
         {"two rates", written("rates.mp3", plain + slower), ""},
         {"a few damaged bytes", written("damaged.mp3", damaged), ""},
@@ -207,6 +220,8 @@ TEST_F(SongMeasuring, TellsSongsThatAreNotWhole) {
         {"nothing", written("empty.mp3", {}), "does not decode: "},
         {"no file", music.path(QStringLiteral("none.mp3")), "does not decode: "},
         {"a picture", cover, "does not decode: "},
+        {"a song cut between two frames",
+         written("cut0.mp3", song.left(song.lastIndexOf("\xFF\xFB"))), ""},
         {"a song cut in two", written("cut.mp3", song.left(song.size() / 2)),
          "3.95 s decode of the 8.05 s that its header tells"},
         {"a little cut off", written("cut2.mp3", song.left(song.size() - song.size() / 12)), "7."},
@@ -214,15 +229,20 @@ TEST_F(SongMeasuring, TellsSongsThatAreNotWhole) {
          "decoding broke off after "},
         {"less than a tenth of a second",
          music.make(QStringLiteral("short.mp3"), source("0.3*sin(900*t)", ":d=0.09") + mp3),
-         "only 0.09 s of sound"},
+         "only 0.09 s of sound", true},
+        {"a tag behind the song", written("tagged.mp3", song + "TAG" + QByteArray(125, 'x')), "",
+         true},
+        {"no tag behind the song", written("more.mp3", song + QByteArray(128, 'T')), ""},
+        {"two songs", written("two.mp3", song + plain), ""},
     };
-    for (const auto& [name, path, reason] : files) {
+    for (const auto& [name, path, reason, isTableTrue] : files) {
         SCOPED_TRACE(name);
         const SongMeasure song = measure(path);
         const QString why = whyNoWholeSong(song).value_or(QString());
         EXPECT_TRUE(QLatin1String(reason).isEmpty() ? why.isEmpty()
                                                     : why.startsWith(QLatin1String(reason)))
             << why.toStdString();
+        EXPECT_EQ(measureEnds(path).has_value(), isTableTrue);
     }
     EXPECT_NEAR(measure(music.path(QStringLiteral("rates.mp3"))).decodedSeconds, 16, 0.2);
 }
