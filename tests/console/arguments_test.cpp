@@ -1,14 +1,12 @@
 #include "console/arguments.h"
 
-#include "support/printers.h"
-
-#include <gtest/gtest.h>
+#include "support/texts.h"
 
 namespace reelcrate {
 namespace {
 
 Arguments parsed(const QStringList& words) {
-    return parseArguments(QStringList{QStringLiteral("reelcrate")} + words);
+    return parseArguments(QStringList{text("reelcrate")} + words);
 }
 
 TEST(Arguments, WrongUsageIsToldFromRightUsage) {
@@ -53,20 +51,20 @@ TEST(Arguments, WrongUsageIsToldFromRightUsage) {
         {"--version", true},
     };
     for (const auto& [words, isRight] : cases) {
-        const Arguments arguments = parsed(QString::fromUtf8(words).split(u' '));
+        const Arguments arguments = parsed(text(words).split(u' '));
         EXPECT_EQ(arguments.usageError.isEmpty(), isRight) << words;
     }
 }
 
 TEST(Arguments, TakesValuesAsTheyStand) {
     const Arguments arguments =
-        parsed({QStringLiteral("--headless"), QStringLiteral("--event"),
-                QStringLiteral("Prom: 2026/27"), QStringLiteral("--mode"), QStringLiteral("MP4"),
-                QStringLiteral("see http://x!"), QStringLiteral("-")});
-    EXPECT_EQ(arguments.eventName, QStringLiteral("Prom: 2026/27"));
+        parsed({text("--headless"), text("--event"), text("Prom: 2026/27"), text("--mode"),
+                text("MP4"), text("see http://x!"), text("-"), text("--download")});
+    EXPECT_EQ(arguments.eventName, text("Prom: 2026/27"));
     EXPECT_EQ(arguments.mode, DownloadMode::video);
     EXPECT_EQ(arguments.outputFolder, std::nullopt);
-    EXPECT_EQ(arguments.texts, (QStringList{QStringLiteral("see http://x!"), QStringLiteral("-")}));
+    EXPECT_TRUE(arguments.startsDownloads && !parsed({text("-")}).startsDownloads);
+    EXPECT_EQ(arguments.texts, (QStringList{text("see http://x!"), text("-")}));
 }
 
 }  // namespace

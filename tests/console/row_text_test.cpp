@@ -1,8 +1,6 @@
 #include "console/row_text.h"
 
-#include "support/printers.h"
-
-#include <gtest/gtest.h>
+#include "support/texts.h"
 
 #include <clocale>
 #include <limits>
@@ -14,13 +12,13 @@ DownloadItem runningRow(const QString& title, double progress) {
     DownloadItem row;
     row.title = title;
     row.status = QueueStatus::running;
-    row.detail = QStringLiteral("Downloading Song");
+    row.detail = text("Downloading Song");
     row.progress = progress;
     return row;
 }
 
 TEST(RowText, ATitleIsNoCommandToTheTerminal) {
-    const QString title = QStringLiteral("a\x1b[2Jb\r\nc\u009b1md\u2028e\u202ef");
+    const QString title = text("a\x1b[2Jb\r\nc\u009b1md\u2028e\u202ef");
     for (const QString& line :
          {statusLine(runningRow(title, 0)), progressLine(runningRow(title, 0), 200)}) {
         for (QChar c : line)
@@ -39,24 +37,23 @@ TEST(RowText, ProgressIsRoundedAsInTheWindow) {
              Case{0.996, "[####################] 100%  "},
              Case{std::numeric_limits<double>::quiet_NaN(), "[--------------------]   0%  "},
          })
-        EXPECT_EQ(progressLine(runningRow(QString(), progress), 29), QString::fromLatin1(shown));
+        EXPECT_EQ(progressLine(runningRow(QString(), progress), 29), text(shown));
 }
 
 TEST(RowText, ARowWithoutATitleIsCalledByItsLink) {
     DownloadItem row;
-    row.url = QStringLiteral("http://a.example/x");
+    row.url = text("http://a.example/x");
     EXPECT_EQ(headline(row), row.url);
 }
 
 TEST(RowText, ProgressFitsTheTerminal) {
     ASSERT_NE(std::setlocale(LC_CTYPE, "C.UTF-8"), nullptr);
-    EXPECT_EQ(progressLine(runningRow(QStringLiteral("Song"), 0.5), 80),
-              QStringLiteral("[##########----------]  50%  Downloading Song  Song"));
-    EXPECT_EQ(progressLine(runningRow(QStringLiteral("Song"), 7), 29),
-              QStringLiteral("[####################] 100%  "));
-    EXPECT_EQ(fitted(QStringLiteral("日本語"), 5), QStringLiteral("日本"));
-    EXPECT_EQ(fitted(QStringLiteral("e\u0301x"), 1), QStringLiteral("e\u0301"));
-    EXPECT_EQ(fitted(QStringLiteral("\U0001FC00x"), 1), QString());  // a picture yet to come
+    EXPECT_EQ(progressLine(runningRow(text("Song"), 0.5), 80),
+              text("[##########----------]  50%  Downloading Song  Song"));
+    EXPECT_EQ(progressLine(runningRow(text("Song"), 7), 29), text("[####################] 100%  "));
+    EXPECT_EQ(fitted(text("日本語"), 5), text("日本"));
+    EXPECT_EQ(fitted(text("e\u0301x"), 1), text("e\u0301"));
+    EXPECT_EQ(fitted(text("\U0001FC00x"), 1), QString());  // a picture yet to come
 }
 
 }  // namespace

@@ -1,25 +1,23 @@
 #include "tools/installer_output.h"
 
-#include "support/printers.h"
-
-#include <gtest/gtest.h>
+#include "support/texts.h"
 
 namespace reelcrate {
 namespace {
 
 TEST(InstallerOutput, TheLogHasWholeLinesWhereverTheOutputIsCut) {
-    const QString printed = QStringLiteral(
+    const QString printed = text(
         "Downloading yt-dlp...\n\r#=#=#\r\r##  7.1%\r#### 100.0%\nDownloaded.\r\n\n\r### 45.3%\n"
         "curl: (18) closed\n\n\u001eyt-dlp: 1 -> 2\nReady");
-    const QString log = QStringLiteral(
-        "Downloading yt-dlp...\nDownloaded.\ncurl: (18) closed\nyt-dlp: 1 -> 2\nReady\n");
+    const QString log =
+        text("Downloading yt-dlp...\nDownloaded.\ncurl: (18) closed\nyt-dlp: 1 -> 2\nReady\n");
     for (qsizetype size = 1; size <= printed.size(); ++size) {
         InstallerOutput output;
         QString read;
         for (qsizetype at = 0; at < printed.size(); at += size)
             read += output.add(printed.mid(at, size));
         EXPECT_EQ(read + output.finish(), log) << "in pieces of " << size;
-        EXPECT_EQ(output.news(), QStringList{QStringLiteral("yt-dlp: 1 -> 2")});
+        EXPECT_EQ(output.news(), QStringList{text("yt-dlp: 1 -> 2")});
     }
 }
 
@@ -39,8 +37,8 @@ TEST(InstallerOutput, ProgressIsThatOfTheLastLine) {
         {"free: 10%", ""},
     };
     for (const auto& [piece, progress] : cases) {
-        output.add(QString::fromLatin1(piece));
-        EXPECT_EQ(output.progress(), QString::fromLatin1(progress)) << piece;
+        output.add(text(piece));
+        EXPECT_EQ(output.progress(), text(progress)) << piece;
     }
 }
 

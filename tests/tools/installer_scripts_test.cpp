@@ -1,30 +1,28 @@
 #include "tools/installer_scripts.h"
 
 #include "support/machine.h"
-#include "support/printers.h"
+#include "support/texts.h"
 
 #include <QProcess>
 #include <QStandardPaths>
-
-#include <gtest/gtest.h>
 
 namespace reelcrate {
 namespace {
 
 TEST(InstallerScripts, AreCleanBash) {
-    const QString shellcheck = QStandardPaths::findExecutable(QStringLiteral("shellcheck"));
+    const QString shellcheck = QStandardPaths::findExecutable(text("shellcheck"));
     if (shellcheck.isEmpty())
         GTEST_SKIP() << "there is no shellcheck here";
     Machine machine;
     const InstallerSources sources = InstallerSources::ofThisPlatform();
-    const QString bin = QStringLiteral("/home/o'neil/my tools/bin");
-    const QString scripts[] = {coreInstallScript(bin, sources, {QStringLiteral("yt-dlp")}),
+    const QString bin = text("/home/o'neil/my tools/bin");
+    const QString scripts[] = {coreInstallScript(bin, sources, {text("yt-dlp")}),
                                spotifyInstallScript(bin, sources)};
     for (const QString& script : scripts) {
-        const QString file = machine.path(QStringLiteral("script"));
+        const QString file = machine.path(text("script"));
         writeFile(file, script.toUtf8());
         QProcess check;
-        check.start(shellcheck, {QStringLiteral("--shell=bash"), file});
+        check.start(shellcheck, {text("--shell=bash"), file});
         ASSERT_TRUE(check.waitForFinished());
         EXPECT_EQ(check.exitCode(), 0) << check.readAllStandardOutput().toStdString();
     }
@@ -34,11 +32,10 @@ TEST(InstallerSources, OnlyAMirrorMayBeWithoutEncryption) {
     const InstallerSources web = InstallerSources::ofThisPlatform();
     for (const QString& address : {web.ytDlpLatest, web.ytDlp, web.ytDlpSums, web.ffmpeg,
                                    web.ffprobe, web.deno, web.denoSum})
-        EXPECT_TRUE(address.startsWith(QStringLiteral("https://"))) << address.toStdString();
-    EXPECT_EQ(web.protocols, QStringLiteral("=https"));
-    EXPECT_EQ(web.fromMirror(QStringLiteral("https://mirror")).protocols, QStringLiteral("=https"));
-    EXPECT_EQ(web.fromMirror(QStringLiteral("http://127.0.0.1:1")).protocols,
-              QStringLiteral("=http,https"));
+        EXPECT_TRUE(address.startsWith(text("https://"))) << address.toStdString();
+    EXPECT_EQ(web.protocols, text("=https"));
+    EXPECT_EQ(web.fromMirror(text("https://mirror")).protocols, text("=https"));
+    EXPECT_EQ(web.fromMirror(text("http://127.0.0.1:1")).protocols, text("=http,https"));
 }
 
 }  // namespace

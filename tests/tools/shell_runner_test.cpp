@@ -2,14 +2,13 @@
 
 #include "base/background_tasks.h"
 #include "support/machine.h"
-#include "support/printers.h"
+#include "support/texts.h"
 
 #include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cerrno>
 #include <csignal>
@@ -39,7 +38,7 @@ protected:
         if (::kill(process, 0) != 0)
             return errno != ESRCH;
         // A dead process that nobody has asked after yet is dead.
-        const QByteArray stat = readFile(QStringLiteral("/proc/%1/stat").arg(process));
+        const QByteArray stat = readFile(text("/proc/%1/stat").arg(process));
         return !stat.isEmpty() && !stat.contains(") Z ");
     }
 
@@ -54,73 +53,71 @@ TEST_F(ShellRunnerTest, ReportsStatusAndMergedOutput) {
         QString output;
     } cases[] = {
         {"true", 0, {}},
-        {"echo to-error >&2", 0, QStringLiteral("to-error\n")},
-        {"echo a; echo b >&2; echo c; exit 3", 3, QStringLiteral("a\nb\nc\n")},
-        {"cat; echo end", 0, QStringLiteral("end\n")},  // nothing to read, and no waiting for it
-        {"printf 'a\\xff'; sleep 0.3; printf b", 0, QStringLiteral("b")},
+        {"echo to-error >&2", 0, text("to-error\n")},
+        {"echo a; echo b >&2; echo c; exit 3", 3, text("a\nb\nc\n")},
+        {"cat; echo end", 0, text("end\n")},  // nothing to read, and no waiting for it
+        {"printf 'a\\xff'; sleep 0.3; printf b", 0, text("b")},
         {"printf '\\xef\\xbb\\xbfx'", 0, QStringLiteral("\ufeffx")},
         {"exec >&- 2>&-; sleep 0.5; exit 4", 4, {}},  // silent long before it ends
         {"no-such-tool-anywhere 2>/dev/null", 127, {}},
     };
     for (const auto& [command, status, output] : cases) {
         SCOPED_TRACE(command);
-        const CommandResult result = shell.runShellSync(QString::fromUtf8(command), 30.0);
+        const CommandResult result = shell.runShellSync(text(command), 30.0);
         EXPECT_EQ(result.status, status);
         EXPECT_EQ(result.output, output);
     }
 }
 
 TEST_F(ShellRunnerTest, DeathByASignalIsNoSuccess) {
-    EXPECT_EQ(shell.runShellSync(QStringLiteral("kill -9 $$"), {}).status,
-              CommandResult::diedBySignal);
+    EXPECT_EQ(shell.runShellSync(text("kill -9 $$"), {}).status, CommandResult::diedBySignal);
 }
 
 TEST_F(ShellRunnerTest, KeepsTheStreamsApart) {
-    const QString command = QStringLiteral("echo a; echo b >&2; printf c; exit 3");
+    const QString command = text("echo a; echo b >&2; printf c; exit 3");
     const CommandResult apart = shell.runShellApart(command, {});
     EXPECT_EQ(apart.status, 3);
-    EXPECT_EQ(apart.output, QStringLiteral("a\nc"));
-    EXPECT_EQ(apart.errors, QStringLiteral("b\n"));
+    EXPECT_EQ(apart.output, text("a\nc"));
+    EXPECT_EQ(apart.errors, text("b\n"));
 
     QByteArray bytes;
     const CommandResult binary =
-        shell.runShellBytes(QStringLiteral("printf '\\xff\\0x'; echo b >&2; sleep 60"), 1.0,
+        shell.runShellBytes(text("printf '\\xff\\0x'; echo b >&2; sleep 60"), 1.0,
                             [&](const QByteArray& piece) { bytes += piece; });
     EXPECT_EQ(binary.status, CommandResult::timedOut);
     EXPECT_EQ(bytes, QByteArray("\xff\0x", 3));
-    EXPECT_EQ(binary.errors, QStringLiteral("b\n"));
+    EXPECT_EQ(binary.errors, text("b\n"));
 }
 
 TEST_F(ShellRunnerTest, AChildHasNoTerminalAndMayKeepADescriptor) {
-    const QString nobody = QStringLiteral(": 2>/dev/null </dev/tty && echo terminal");
+    const QString nobody = text(": 2>/dev/null </dev/tty && echo terminal");
     EXPECT_EQ(shell.runShellSync(nobody, 10.0).output, QString());
     const int kept = ::open(QFile::encodeName(machine.path({})).constData(), O_RDONLY | O_CLOEXEC);
-    const QString open = QStringLiteral("[ -e /proc/self/fd/%1 ] && printf open").arg(kept);
+    const QString open = text("[ -e /proc/self/fd/%1 ] && printf open").arg(kept);
     QString output;
     shell.runShellPassingOn(
         open, [&](const QString& piece) { output += piece; }, kept);
-    EXPECT_EQ(output, QStringLiteral("open"));
+    EXPECT_EQ(output, text("open"));
     EXPECT_EQ(shell.runShellSync(open, {}).output, QString());
     ::close(kept);
 }
 
 // What a login profile prints, does and takes, as a command sees it.
 TEST_F(ShellRunnerTest, CommandsSeeTheLoginShellsVariablesAndNothingElseOfIt) {
-    ASSERT_TRUE(writeFile(machine.path(QStringLiteral(".bash_profile")),
+    ASSERT_TRUE(writeFile(machine.path(text(".bash_profile")),
                           "echo Welcome; echo news >&2; printf 'no end of line'\n"
                           "echo read >> ~/reads\n"
                           "export A=$'two\\nlines = \\'quoted\\'' EMPTY= PATH=~/bin:$PATH\n"
                           "export LATIN=$'caf\\xe9 $A'\n"
                           "export BASH_ENV=~/chatter\nunexported=1\n"
                           "trap 'echo Bye' EXIT\n"));
-    ASSERT_TRUE(writeFile(machine.path(QStringLiteral("chatter")), "echo chatter\n"));
-    const QString print = QStringLiteral(
+    ASSERT_TRUE(writeFile(machine.path(text("chatter")), "echo chatter\n"));
+    const QString print = text(
         "export LC_ALL=C; env -0 | sort -z | tr '\\0\\n' '\\n|' | "
         "grep -av ^_= | sed $'s/\\xe9/<E9>/'");
     const QByteArray marked = "MARK\n" + shell.runShellSync(print, {}).output.toUtf8();
     QProcess login;
-    login.start(QStringLiteral("/bin/bash"),
-                {QStringLiteral("-lc"), QStringLiteral("echo; echo MARK; ") + print});
+    login.start(text("/bin/bash"), {text("-lc"), text("echo; echo MARK; ") + print});
     ASSERT_TRUE(login.waitForFinished());
     QByteArray expected = login.readAllStandardOutput();
     expected = expected.mid(expected.indexOf("MARK\n"));
@@ -129,9 +126,9 @@ TEST_F(ShellRunnerTest, CommandsSeeTheLoginShellsVariablesAndNothingElseOfIt) {
     EXPECT_TRUE(marked.contains("\nA=two|lines = 'quoted'\n"));
     EXPECT_TRUE(marked.contains("\nLATIN=caf<E9> $A\n"));
 
-    const CommandResult quiet = shell.runShellApart(QStringLiteral("true"), {});
+    const CommandResult quiet = shell.runShellApart(text("true"), {});
     EXPECT_EQ(quiet.output + quiet.errors, QString());
-    EXPECT_EQ(readFile(machine.path(QStringLiteral("reads"))), "read\nread\n");  // the other: ours
+    EXPECT_EQ(readFile(machine.path(text("reads"))), "read\nread\n");  // the other: ours
     EXPECT_EQ(shell.loginNotice(), QString());
 }
 
@@ -139,30 +136,29 @@ TEST_F(ShellRunnerTest, AProfileThatNeverEndsOrRunsSomethingElseIsLeftOutAndName
     qputenv("REELCRATE_TEST_OWN", "own");
     for (const char* profile : {"sleep 600\n", "exec true\n", "exit 0\n", "exec cat\n"}) {
         SCOPED_TRACE(profile);
-        ASSERT_TRUE(writeFile(machine.path(QStringLiteral(".bash_profile")), profile));
+        ASSERT_TRUE(writeFile(machine.path(text(".bash_profile")), profile));
         ShellRunner own(machine.supervisor, 0.5);
-        EXPECT_EQ(own.runShellSync(QStringLiteral("printf %s \"$REELCRATE_TEST_OWN\""), {}).output,
-                  QStringLiteral("own"));
+        EXPECT_EQ(own.runShellSync(text("printf %s \"$REELCRATE_TEST_OWN\""), {}).output,
+                  text("own"));
         EXPECT_THAT(own.loginNotice().toStdString(), testing::HasSubstr("login profile"));
     }
     qunsetenv("REELCRATE_TEST_OWN");
 }
 
 TEST_F(ShellRunnerTest, StopsAtTheTimeLimit) {
-    const CommandResult silent = shell.runShellSync(QStringLiteral("sleep 60"), 0.2);
+    const CommandResult silent = shell.runShellSync(text("sleep 60"), 0.2);
     EXPECT_EQ(silent.status, CommandResult::timedOut);
-    EXPECT_EQ(silent.output, QStringLiteral("Command timed out."));
+    EXPECT_EQ(silent.output, text("Command timed out."));
 
-    const CommandResult talking = shell.runShellSync(QStringLiteral("echo so far; sleep 60"), 1.0);
+    const CommandResult talking = shell.runShellSync(text("echo so far; sleep 60"), 1.0);
     EXPECT_EQ(talking.status, CommandResult::timedOut);
-    EXPECT_EQ(talking.output, QStringLiteral("so far\n"));
+    EXPECT_EQ(talking.output, text("so far\n"));
 }
 
 TEST_F(ShellRunnerTest, KillsWhatIgnoresTheRequestToTerminate) {
-    const QString ids = machine.path(QStringLiteral("ids"));
+    const QString ids = machine.path(text("ids"));
     const CommandResult result = shell.runShellSync(
-        QStringLiteral(
-            "trap '' TERM; sleep 60 & echo $! >> %1; echo $$ >> %1; while :; do sleep 1; done")
+        text("trap '' TERM; sleep 60 & echo $! >> %1; echo $$ >> %1; while :; do sleep 1; done")
             .arg(ids),
         0.5);
     EXPECT_EQ(result.status, CommandResult::timedOut);
@@ -171,13 +167,13 @@ TEST_F(ShellRunnerTest, KillsWhatIgnoresTheRequestToTerminate) {
 }
 
 TEST_F(ShellRunnerTest, AGrandchildThatHoldsThePipeIsNotWaitedForAndEnded) {
-    const QString ids = machine.path(QStringLiteral("ids"));
+    const QString ids = machine.path(text("ids"));
     QElapsedTimer timer;
     timer.start();
     const CommandResult result =
-        shell.runShellSync(QStringLiteral("sleep 600 & echo $! > %1; echo done").arg(ids), {});
+        shell.runShellSync(text("sleep 600 & echo $! > %1; echo done").arg(ids), {});
     EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.output, QStringLiteral("done\n"));
+    EXPECT_EQ(result.output, text("done\n"));
     EXPECT_LT(timer.elapsed(), 300'000);  // far below the grandchild's life
     EXPECT_TRUE(pollUntil([&] { return !isAlive(processesIn(ids, 1).first()); }));
 }
@@ -185,9 +181,9 @@ TEST_F(ShellRunnerTest, AGrandchildThatHoldsThePipeIsNotWaitedForAndEnded) {
 TEST_F(ShellRunnerTest, StreamsPiecesThatEndAtCharacters) {
     QStringList pieces;
     const CommandResult result = shell.runShellStreaming(
-        QStringLiteral("printf 'x\\xf0\\x9f'; sleep 0.3; printf '\\x8e\\xb5'; sleep 0.3; echo y"),
+        text("printf 'x\\xf0\\x9f'; sleep 0.3; printf '\\x8e\\xb5'; sleep 0.3; echo y"),
         [&](const QString& piece) { pieces.append(piece); });
-    const QStringList expected{QStringLiteral("x"), QStringLiteral("🎵"), QStringLiteral("y\n")};
+    const QStringList expected{text("x"), text("🎵"), text("y\n")};
     EXPECT_EQ(pieces, expected);
     EXPECT_EQ(result.output, expected.join(QString()));
 }
@@ -196,24 +192,24 @@ TEST_F(ShellRunnerTest, LosesNothingOfALongOutput) {
     constexpr qsizetype size = 50'000'000;
     qsizetype streamed = 0;
     const CommandResult result =
-        shell.runShellStreaming(QStringLiteral("head -c %1 /dev/zero | tr '\\0' x").arg(size),
+        shell.runShellStreaming(text("head -c %1 /dev/zero | tr '\\0' x").arg(size),
                                 [&](const QString& piece) { streamed += piece.size(); });
     EXPECT_EQ(result.output.size(), size);
     EXPECT_EQ(streamed, size);
 }
 
 TEST_F(ShellRunnerTest, EndingStopsWhatRunsAndStartsNothingMore) {
-    const QString ids = machine.path(QStringLiteral("ids"));
+    const QString ids = machine.path(text("ids"));
     BackgroundTasks background;
     std::atomic<int> status = 0;
     background.run([&](const std::stop_token&) {
-        status = shell
-                     .runShellStreaming(
-                         QStringLiteral("trap '' TERM; sleep 600 & echo $! >> %1; echo $$ >> %1; "
+        status =
+            shell
+                .runShellStreaming(text("trap '' TERM; sleep 600 & echo $! >> %1; echo $$ >> %1; "
                                         "while :; do sleep 1; done")
-                             .arg(ids),
-                         {})
-                     .status;
+                                       .arg(ids),
+                                   {})
+                .status;
     });
     const QList<pid_t> processes = processesIn(ids, 2);
     shell.endEverything();
@@ -222,25 +218,25 @@ TEST_F(ShellRunnerTest, EndingStopsWhatRunsAndStartsNothingMore) {
     background.join();
     EXPECT_NE(status, 0);
 
-    const QString trace = machine.path(QStringLiteral("trace"));
-    const CommandResult late = shell.runShellSync(QStringLiteral("touch %1").arg(trace), {});
+    const QString trace = machine.path(text("trace"));
+    const CommandResult late = shell.runShellSync(text("touch %1").arg(trace), {});
     EXPECT_EQ(late.status, CommandResult::couldNotStart);
     EXPECT_FALSE(QFile::exists(trace));
 }
 
 TEST_F(ShellRunnerTest, APieceOfWorkIsStoppedAlone) {
-    const QString ids = machine.path(QStringLiteral("ids"));
+    const QString ids = machine.path(text("ids"));
     std::stop_source work;
     ShellRunner part(shell, work.get_token());
     BackgroundTasks background;
     CommandResult stopped;
     // One child takes the request for success, its own child takes no notice of it.
     background.run([&](const std::stop_token&) {
-        stopped = part.runShellSync(
-            QStringLiteral("trap 'exit 0' TERM; (trap '' TERM; exec sleep 600) & "
-                           "echo $! >> %1; echo $$ >> %1; while :; do sleep 0.1; done")
-                .arg(ids),
-            {});
+        stopped =
+            part.runShellSync(text("trap 'exit 0' TERM; (trap '' TERM; exec sleep 600) & "
+                                   "echo $! >> %1; echo $$ >> %1; while :; do sleep 0.1; done")
+                                  .arg(ids),
+                              {});
     });
     const QList<pid_t> processes = processesIn(ids, 2);
     work.request_stop();
@@ -248,8 +244,8 @@ TEST_F(ShellRunnerTest, APieceOfWorkIsStoppedAlone) {
     EXPECT_EQ(stopped.status, CommandResult::stopped);
     for (pid_t process : processes)
         EXPECT_TRUE(pollUntil([&] { return !isAlive(process); }));
-    EXPECT_EQ(part.runShellSync(QStringLiteral("true"), {}).status, CommandResult::couldNotStart);
-    EXPECT_EQ(shell.runShellSync(QStringLiteral("true"), {}).status, 0);
+    EXPECT_EQ(part.runShellSync(text("true"), {}).status, CommandResult::couldNotStart);
+    EXPECT_EQ(shell.runShellSync(text("true"), {}).status, 0);
 }
 
 }  // namespace

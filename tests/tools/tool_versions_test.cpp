@@ -1,12 +1,10 @@
 #include "tools/tool_versions.h"
 
 #include "support/machine.h"
-#include "support/printers.h"
+#include "support/texts.h"
 #include "tools/shell_runner.h"
 
 #include <QDir>
-
-#include <gtest/gtest.h>
 
 namespace reelcrate {
 namespace {
@@ -24,13 +22,12 @@ TEST(ToolVersions, TheAgeIsThatOfTheRelease) {
         {"4.4.3", std::nullopt},      {"", std::nullopt},
     };
     for (const auto& [version, days] : cases)
-        EXPECT_EQ(ageInDays(QString::fromLatin1(version), today), days) << version;
+        EXPECT_EQ(ageInDays(text(version), today), days) << version;
 }
 
 TEST(ToolVersions, AnOldOneSaysWhatToDo) {
     const auto line = [](const char* version, std::optional<qint64> days, const QString& detail) {
-        return versionLine({QStringLiteral("yt-dlp"), QString::fromLatin1(version), days,
-                            QStringLiteral("/x/yt-dlp"), detail})
+        return versionLine({text("yt-dlp"), text(version), days, text("/x/yt-dlp"), detail})
             .toStdString();
     };
     const QString system = ResolvedTool::readyOnSystem;
@@ -60,35 +57,33 @@ TEST(ToolVersions, EachToolSaysItInItsOwnWay) {
         {"spotdl", "4.4.3\n", "4.4.3"},
     };
     for (const auto& [command, output, version] : cases) {
-        EXPECT_EQ(versionIn(QString::fromLatin1(command), QString::fromLatin1(output)),
-                  QString::fromLatin1(version));
+        EXPECT_EQ(versionIn(text(command), text(output)), text(version));
     }
 }
 
 TEST(ToolVersions, SetupsFolderTellsItWithoutStartingTheTool) {
     Machine machine;
     ShellRunner shell(machine.supervisor);
-    const QString tools = QDir::cleanPath(machine.toolFolder() + QStringLiteral("/.."));
-    const QString link = machine.toolFolder() + QStringLiteral("/yt-dlp");
+    const QString tools = QDir::cleanPath(machine.toolFolder() + text("/.."));
+    const QString link = machine.toolFolder() + text("/yt-dlp");
     const ToolDiscovery discovery(shell, machine.places());
     for (const char* folder : {"yt-dlp-2026.10.26", "yt-dlp-2026.10.26-2"}) {
-        const QString build = tools + u'/' + QString::fromLatin1(folder);
+        const QString build = tools + u'/' + text(folder);
         QDir().mkpath(build);
-        machine.installScript(QStringLiteral("../%1/yt-dlp_linux").arg(QLatin1String(folder)),
+        machine.installScript(text("../%1/yt-dlp_linux").arg(QLatin1String(folder)),
                               "#!/bin/bash\necho asked\n");
         QFile::remove(link);
-        QFile::link(QStringLiteral("../%1/yt-dlp_linux").arg(QLatin1String(folder)), link);
-        const auto tool = discovery.resolvedTool(QStringLiteral("yt-dlp"));
+        QFile::link(text("../%1/yt-dlp_linux").arg(QLatin1String(folder)), link);
+        const auto tool = discovery.resolvedTool(text("yt-dlp"));
         ASSERT_TRUE(tool);
-        EXPECT_EQ(askedVersion(QStringLiteral("yt-dlp"), *tool, shell).version,
-                  QStringLiteral("2026.10.26"));
+        EXPECT_EQ(askedVersion(text("yt-dlp"), *tool, shell).version, text("2026.10.26"));
     }
     QFile::remove(link);
-    machine.installScript(QStringLiteral("yt-dlp"), "#!/bin/bash\necho 2024.08.06\n");
-    const auto tool = discovery.resolvedTool(QStringLiteral("yt-dlp"));
+    machine.installScript(text("yt-dlp"), "#!/bin/bash\necho 2024.08.06\n");
+    const auto tool = discovery.resolvedTool(text("yt-dlp"));
     ASSERT_TRUE(tool);
-    const ToolVersion found = askedVersion(QStringLiteral("yt-dlp"), *tool, shell);
-    EXPECT_EQ(found.version, QStringLiteral("2024.08.06"));
+    const ToolVersion found = askedVersion(text("yt-dlp"), *tool, shell);
+    EXPECT_EQ(found.version, text("2024.08.06"));
     EXPECT_TRUE(found.isStale());
 }
 
