@@ -313,7 +313,15 @@ TEST_F(EngineTest, RunsHoldEachOthersLinksAndShareTheSlots) {
     EXPECT_EQ(row(8).status, QueueStatus::queued);
     release(text("5"));
     ASSERT_TRUE(waitUntil([this] { return row(8).status == QueueStatus::complete; }));
-    release(text("qst678"));
+    release(text("s678"));
+    ASSERT_TRUE(waitUntil([this] {
+        return controller.runs().activeDownloadRuns() == 2 &&
+               row(6).status == QueueStatus::complete;
+    }));
+    release(text("q"));
+    ASSERT_TRUE(waitUntil([this] { return controller.runs().activeDownloadRuns() == 1; }));
+    EXPECT_EQ(controller.activeSummary(), text("Downloading 1 song at once"));
+    release(text("t"));
     waitForEnd();
     EXPECT_EQ(countWith(QueueStatus::complete), 14);
     EXPECT_EQ(most, 6);
@@ -368,6 +376,15 @@ TEST_F(EngineTest, CompleteIsWhatIsThereAndPlays) {
         controller.eventFolder() + text("/.reelcrate/") + songKey(row(3).url, 0) + text(".mp3");
     QDir().mkpath(stale);
     writeFile(stale + text("/d [d].mp3.part"), "of no use");
+    writeFile(stale + text("/d [d].webm"), "a page");
+    const QString abandoned = controller.eventFolder() + text("/.reelcrate/abandoned");
+    QDir().mkpath(abandoned);
+    std::filesystem::last_write_time(abandoned.toStdString(),
+                                     std::filesystem::file_time_type::clock::now() - 73h);
+    writeFile(machine.path(text(".bash_profile")), "exec true\n");
+    const_cast<QueueStore&>(controller.queue()).update(row(4).id, [](DownloadItem& each) {
+        each.duration = text("3:45");
+    });
     downloadAll();
     EXPECT_EQ(allDetails(), QStringList({failed, failed, saved, saved, saved}));
     EXPECT_TRUE(waitUntil([this] { return left().size() == 6; }))
@@ -376,7 +393,11 @@ TEST_F(EngineTest, CompleteIsWhatIsThereAndPlays) {
               QStringList({text("c [c].mp3"), text("d [d].mp3"), text("first [1].mp3"),
                            text("second [2].mp3"), text("whole [whole].mp3")}));
     EXPECT_TRUE(log().contains(text("there is no file"))) << log().toStdString();
+    EXPECT_TRUE(log().contains(text("d [d].webm was fetched, but is not whole")));
+    EXPECT_TRUE(waitUntil([this] { return log().contains(text("login profile")); }));
+    EXPECT_TRUE(waitUntil([&] { return !QFileInfo::exists(abandoned); }));
     EXPECT_EQ(row(4).outputPath, eventFile(text("second [2].mp3")));
+    EXPECT_EQ(row(4).note, QString()) << "the length is of neither";
 }
 
 TEST_F(EngineTest, WhatIsThereIsLookedForAgainBeforeADownload) {
@@ -436,8 +457,10 @@ TEST_F(EngineTest, EachOfSeveralSongsOnAPageIsARow) {
 }
 
 TEST_F(EngineTest, ASpotifyRowIsSearchedForAndFailsInItsOwnWords) {
-    machine.tell(text("spotdl.txt"), sample("spotdl_playlist.txt").toUtf8());
+    const QString leftOut = text("x generated an exception: y\n");
+    machine.tell(text("spotdl.txt"), (leftOut + sample("spotdl_playlist.txt")).toUtf8());
     addAndRead(text("https://open.spotify.com/playlist/x"));
+    EXPECT_TRUE(log().contains(leftOut));
     ASSERT_GT(controller.queue().size(), 1);
     EXPECT_EQ(row(0).source, SourceType::spotify);
     machine.installScript(
@@ -571,6 +594,8 @@ TEST_F(EngineTest, ASongOfAListIsFoundLikeASpotifyRow) {
     QDir().mkpath(controller.eventFolder());
     const QString there = eventFile(text("Queen - Bicycle Race [x].mp3"));
     writeFile(there, silentMp3());
+    writeFile(eventFile(text("ABBA - Waterloo [y].mp3")),
+              silentMp3());  // which is another's length
     QSignalSpy noted(&controller, &Controller::songListNoted);
     const auto add = [&](const char* list) {
         return controller.addSongList(textOfList(QByteArray(list)), text("The list"));
@@ -625,6 +650,7 @@ TEST_F(EngineTest, ASpotifyLinkThatWasNotListedIsReadAgainAndNeverSearchedFor) {
     machine.tell(text("spotdl.txt"), sample("spotdl_429.txt").toUtf8());
     addAndRead(text("https://open.spotify.com/playlist/x https://open.spotify.com/track/y"));
     controller.startDownloads();
+    controller.startDownloads();  // while they are read
     ASSERT_TRUE(waitUntil([this] { return !isReading(); }));
     EXPECT_EQ(countWith(QueueStatus::failed), 2);
     EXPECT_EQ(machine.calls().filter(text("download")).size(), 0);
@@ -666,11 +692,15 @@ TEST_F(EngineTest, RowsThatAreGoneStayGone) {
 }
 
 TEST_F(EngineTest, AnEmptyListingIsReadAsTheVideoThatTheLinkNames) {
-    addAndRead(text("http://site/song/watched?list=x&from=youtube.com"));
+    const QString list = text("http://site/song/watched?list=x&from=youtube.com");
+    addAndRead(list);
     EXPECT_EQ(machine.calls().size(), 2);
     EXPECT_EQ(row(0).source, SourceType::youtube);
     EXPECT_EQ(row(0).status, QueueStatus::waiting);
-    EXPECT_EQ(controller.eventAccount().cutListings.size(), 1);
+    addAndRead(link("song", "b"));
+    controller.editor().deleteQueueItems({row(0).id});
+    addAndRead(list);
+    EXPECT_EQ(controller.eventAccount().cutListings.size(), 1) << "twice the same";
     controller.clearQueue();
     EXPECT_EQ(controller.eventAccount().cutListings, QStringList());
 }
@@ -861,17 +891,26 @@ TEST_F(EngineTest, ARowThatIsHeldMayBeStoppedAlone) {
 }
 
 TEST_F(EngineTest, AStopThatComesTooLateForASongShowsIt) {
-    addReadRows({link("song", "late")});
-    controller.startDownloads();
-    ASSERT_TRUE(waitUntil([this] { return row(0).detail == text("Trimming Song"); }));
-    const QString song = eventFile(text("late [late].mp3"));
-    ASSERT_TRUE(pollUntil([&] { return QFile::exists(song); }));  // and nobody has told the row
-    EXPECT_TRUE(controller.stopQueueItems({row(0).id}));
-    EXPECT_EQ(row(0).status, QueueStatus::waiting);
-    waitForEnd();
-    EXPECT_EQ(row(0).status, QueueStatus::complete);
-    EXPECT_EQ(row(0).outputPath, song);
-    EXPECT_EQ(summaries.last(), text("Download run finished"));
+    const QString saved = text("Saved; trimmed silent start/end");
+    for (const bool isStartedAgain : {false, true}) {
+        const QString name = QString::number(int{isStartedAgain});
+        addReadRows({link("song", name)});
+        const qsizetype late = isStartedAgain;
+        controller.startDownloads();
+        ASSERT_TRUE(waitUntil([&] { return row(late).detail == text("Trimming Song"); }));
+        const QString song = eventFile(text("%1 [%1].mp3").arg(name));
+        ASSERT_TRUE(pollUntil([&] { return QFile::exists(song); }));  // and nobody told the row
+        EXPECT_TRUE(controller.stopQueueItems({row(late).id}));
+        EXPECT_EQ(row(late).status, QueueStatus::waiting);
+        if (isStartedAgain)
+            controller.startDownloads();
+        waitForEnd();
+        EXPECT_EQ(row(late).status, QueueStatus::complete);
+        EXPECT_EQ(row(late).outputPath, song);
+        EXPECT_EQ(row(late).detail, isStartedAgain ? text("Already Downloaded") : saved);
+        EXPECT_EQ(details.contains(saved), !isStartedAgain) << "of a row that has begun anew";
+        EXPECT_EQ(summaries.last(), text("Download run finished"));
+    }
 }
 
 TEST_F(EngineTest, AReadingThatIsStoppedIsMadeUpForAtTheStart) {
@@ -903,6 +942,9 @@ TEST_F(EngineTest, AReadingThatIsStoppedIsMadeUpForAtTheStart) {
     EXPECT_EQ(row(0).title, row(0).url);
     EXPECT_EQ(controller.runs().activeDownloadRuns(), 0);
     EXPECT_EQ(hasRead("c"), 0);
+    controller.resolution().retryResolveInfo(row(0));
+    ASSERT_TRUE(waitUntil([this] { return !isReading(); }));
+    EXPECT_EQ(row(0).status, QueueStatus::waiting);
 
     controller.startDownloads();
     ASSERT_TRUE(waitUntil([this] { return countWith(QueueStatus::complete) == 4; }));
@@ -916,6 +958,7 @@ TEST_F(EngineTest, WhatWasReadForADownloadWaitsForASlotUnlessItIsStopped) {
     const QSet<QUuid> unread{row(6).id, row(7).id};
     EXPECT_TRUE(controller.stopQueueItems(unread));
     controller.startDownloadRun(unread.values());
+    EXPECT_EQ(controller.activeSummary(), text("Reading link again"));
     machine.tell(text("go-read"));
     ASSERT_TRUE(
         waitUntil([this] { return row(6).title == text("a") && row(7).title == text("b"); }));

@@ -15,7 +15,9 @@ QString fields(const QString& output) {
         lines.append(QStringList({info.title, info.duration, info.thumbnailURL, info.resolvedURL,
                                   QString::number(info.playlistIndex)})
                          .join(u'|'));
-    return QString::number(found.counted) + u'\n' + lines.join(u'\n');
+    const QString ofSite =
+        found.onSite > found.counted ? text(" of %1").arg(found.onSite) : QString();
+    return QString::number(found.counted) + ofSite + u'\n' + lines.join(u'\n');
 }
 
 TEST(MediaInfoOutput, IsReadFromItsOwnLinesAlone) {
@@ -33,8 +35,8 @@ TEST(MediaInfoOutput, IsReadFromItsOwnLinesAlone) {
           "1\nOne Two|1:00|||0"},
          {"A title that says\r\nRCR_MEDIA: and no more\nRCR_MEDIA:[]\nRCR_MEDIA:{}", "1\n||||0"},
          {"RCR_MEDIA:{\"title\": \"A\", \"playlist_index\": 1, \"n_entries\": 3}\n"
-          "RCR_MEDIA:{\"title\": \"C\", \"playlist_index\": 3, \"n_entries\": 3}\n",
-          "3\nA||||1\nC||||3"},
+          "RCR_MEDIA:{\"title\": \"C\", \"n_entries\": 3, \"playlist_count\": 9}\n",
+          "3 of 9\nA||||1\nC||||0"},
          {"", "0\n"}});
 }
 

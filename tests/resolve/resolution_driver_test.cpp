@@ -155,6 +155,14 @@ TEST_F(ResolutionDriverTest, MakesARowOfEachEntryAndFindsWhatIsThere) {
     ASSERT_TRUE(writeFile(target.folder + text("/other title.mp3"), silentMp3(1000)));
     read(link("song/Other title"));
     EXPECT_EQ(summaries.last(), text("Found 1 already downloaded"));
+
+    // What the user has started meanwhile is the run's.
+    const DownloadItem started = makeRow(SourceType::song, text("Other Title"), text("song:x"));
+    queue.append({started});
+    makeDriver(quick)->lookForSongs({started}, {});
+    queue.update(started.id, [](DownloadItem& each) { each.status = QueueStatus::running; });
+    readAnother();
+    EXPECT_EQ(queue.find(started.id)->status, QueueStatus::running);
 }
 
 TEST_F(ResolutionDriverTest, ALinkThatCannotBeReadKeepsItsRow) {

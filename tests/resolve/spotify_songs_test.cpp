@@ -105,6 +105,8 @@ TEST(SpotifySearchQuery, AsksForTheTitleOrElseTheAddress) {
     EXPECT_EQ(query("\u3000A - B\n", DownloadMode::audio), text("ytsearch1:A - B official audio"));
     EXPECT_EQ(query("A - B", DownloadMode::video), text("ytsearch1:A - B official video"));
     EXPECT_EQ(query(" \t", DownloadMode::audio), text("ytsearch1:URL official audio"));
+    EXPECT_EQ(spotifyHitsQuery(makeRow(SourceType::spotify, text("A")), DownloadMode::audio),
+              text("ytsearch5:A official audio"));
 }
 
 TEST(SpotifyListCommand, PrintsTheList) {
