@@ -48,7 +48,11 @@ INSTANTIATE_TEST_SUITE_P(
                              "string http://site/1 /string", false, 0},
                     DropCase{"a.mp3", "http://site/1", "", false, 0}));
 
-TEST(DroppedText, OneLineLeftOutIsOne) {
+TEST(DroppedText, WhatIsNoFileIsNotReadAndOneLineLeftOutIsOne) {
+    const QTemporaryDir folder;
+    const QString device = folder.filePath(QStringLiteral("a.m3u"));
+    ASSERT_TRUE(QFile::link(QStringLiteral("/dev/zero"), device));
+    EXPECT_EQ(droppedText({QUrl::fromLocalFile(device)}, {}).links, QString());
     EXPECT_TRUE(leftOutRemark(1).contains(QStringLiteral("1 line without")));
 }
 

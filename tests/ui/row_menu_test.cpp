@@ -8,8 +8,8 @@ namespace {
 
 TEST_F(WindowTest, ARowsErrorAndLinksCanBeCopied) {
     open();
-    const QString twice = link("song", QStringLiteral("b"));
-    addReadRows({link("broken", QStringLiteral("a")), twice, twice});
+    const QString twice = link("song", u"b"_s);
+    addReadRows({link("broken", u"a"_s), twice, twice});
     controller().startDownloadRun({record(0).id});
     EXPECT_TRUE(waitForEnd());
     const auto choose = [this](const char* entry) {
@@ -26,7 +26,7 @@ TEST_F(WindowTest, ARowsErrorAndLinksCanBeCopied) {
     press(Qt::Key_Return);
     EXPECT_TRUE(waitForEnd());
     EXPECT_EQ(record(1).status, QueueStatus::complete);
-    EXPECT_EQ(machine.calls().count(QStringLiteral("download a")), 1) << "it was not ready";
+    EXPECT_EQ(machine.calls().count(u"download a"_s), 1) << "it was not ready";
 }
 
 TEST_F(WindowTest, TheMenuOfARowDeletesItOrTheSelection) {
@@ -40,17 +40,21 @@ TEST_F(WindowTest, TheMenuOfARowDeletesItOrTheSelection) {
         click("deleteFromRow");
         return offered;
     };
-    EXPECT_EQ(chooseFrom(3), QStringLiteral("Delete Song"));
+    EXPECT_EQ(chooseFrom(3), u"Delete Song"_s);
     EXPECT_EQ(controller().queue().size(), 4);
-    EXPECT_EQ(chooseFrom(1), QStringLiteral("Delete Selected Songs"));
+    EXPECT_EQ(chooseFrom(1), u"Delete Selected Songs"_s);
     EXPECT_EQ(controller().queue().size(), 2);
 
     addReadRows(links("hold", 1));
+    clickRow(0);
     click("downloadAll");
     click(inRow(0, "title"), Qt::RightButton);
     EXPECT_FALSE(isEnabled("deleteFromRow"));
+    EXPECT_EQ(text("deleteFromRow"), u"Delete Song"_s) << "alone in the selection";
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(item("deleteFromRow"))->role(),
+              QAccessible::MenuItem);
     press(Qt::Key_Escape);
-    machine.tell(QStringLiteral("go"));
+    machine.tell(u"go"_s);
     EXPECT_TRUE(waitForEnd());
     click("clearQueue");
     EXPECT_TRUE(isShown("emptyQueue"));
@@ -58,13 +62,13 @@ TEST_F(WindowTest, TheMenuOfARowDeletesItOrTheSelection) {
 
 TEST_F(WindowTest, TheQueuesMenuSavesThePlaylistOfWhatIsComplete) {
     open();
-    clipboard = QStringLiteral("ABBA - SOS");
+    clipboard = u"ABBA - SOS"_s;
     addReadRows(links("hold", 1));
     click("downloadAll");
     click(inRow(0, "title"), Qt::RightButton);
     EXPECT_FALSE(isEnabled("savePlaylist") || isEnabled("pasteSongList"));
     press(Qt::Key_Escape);
-    machine.tell(QStringLiteral("go"));
+    machine.tell(u"go"_s);
     ASSERT_TRUE(waitForEnd());
     click(inRow(0, "title"), Qt::RightButton);
     click("savePlaylist");
@@ -72,7 +76,7 @@ TEST_F(WindowTest, TheQueuesMenuSavesThePlaylistOfWhatIsComplete) {
     const QByteArray playlist = readFile(folder + u'/' + playlistName(folder));
     const QString song = controller().queue().rows().first().outputPath.section(u'/', -1);
     EXPECT_TRUE(playlist.endsWith('\n' + song.toUtf8() + '\n')) << playlist.toStdString();
-    EXPECT_EQ(controller().activeSummary(), QStringLiteral("Saved playlist of 1 song"));
+    EXPECT_EQ(controller().activeSummary(), u"Saved playlist of 1 song"_s);
 }
 
 TEST_F(WindowTest, TheQueuesMenuSwitchesTheTagsOfLoudness) {

@@ -133,6 +133,8 @@ TEST(RowPresentation, IconLabelAndActionFollowTheState) {
     // What is complete stays green while its link is read again.
     EXPECT_EQ(queueDetailColor(read(rowIn(complete))), queueDetailColor(rowIn(complete)));
     EXPECT_EQ(queueDetailColor(read(rowIn(failed))), queueDetailColor(rowIn(running)));
+    EXPECT_EQ(queueAccentColor(read(rowIn(waiting)), false),
+              queueAccentColor(rowIn(running), true));
 }
 
 TEST(RowPresentation, ProgressStaysWithinItsBounds) {
@@ -162,6 +164,9 @@ TEST(RowPresentation, AssistiveTechnologyIsToldTheWholeRow) {
     DownloadItem unmeasured = noted("");
     unmeasured.downloadedSeconds = 0;
     EXPECT_EQ(queueRowNoteHelp(unmeasured), text("7 s longer."));
+    DownloadItem unlisted = noted("");
+    unlisted.duration.clear();
+    EXPECT_EQ(queueRowNoteHelp(unlisted), text("7 s longer."));
     // A text too long to be shown is told at length, and never ends inside a character.
     DownloadItem longOne = rowIn(waiting);
     longOne.title = QString(longestShownText - 1, u'x') + text("\U0001F3B5 and more");

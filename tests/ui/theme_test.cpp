@@ -57,13 +57,11 @@ TEST(ShadowTest, IsABlurOfHalfItsRadius) {
 TEST_F(WindowTest, ProgressBarNeverLosesItsFill) {
     open();
     QQmlComponent component(qmlEngine(app->window()),
-                            QUrl(QStringLiteral("qrc:/qt/qml/Reelcrate/Theme/RowProgressBar.qml")));
+                            QUrl(u"qrc:/qt/qml/Reelcrate/Theme/RowProgressBar.qml"_s));
     const std::pair<double, double> cases[] = {{0, 8}, {-1, 8}, {0.001, 8}, {0.5, 150}, {1.5, 300}};
     for (const auto& [value, width] : cases) {
-        const std::unique_ptr<QObject> bar(
-            component.createWithInitialProperties({{QStringLiteral("value"), value},
-                                                   {QStringLiteral("tint"), TechTheme::gold},
-                                                   {QStringLiteral("width"), 300}}));
+        const std::unique_ptr<QObject> bar(component.createWithInitialProperties(
+            {{u"value"_s, value}, {u"tint"_s, TechTheme::gold}, {u"width"_s, 300}}));
         ASSERT_TRUE(bar) << component.errorString().toStdString();
         EXPECT_EQ(bar->property("fillWidth").toDouble(), width) << value;
     }

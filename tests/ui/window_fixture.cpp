@@ -18,8 +18,8 @@ QStringList& warnings() {
 
 void keepWarning(QtMsgType type, const QMessageLogContext& /*context*/, const QString& text) {
     // A screen that nobody sees takes no hints; a thumbnail that does not load is no fault.
-    const bool isExpected = text.startsWith(QStringLiteral("This plugin does not support")) ||
-                            text.contains(QStringLiteral("QueueThumbnail.qml"));
+    const bool isExpected = text.startsWith(u"This plugin does not support"_s) ||
+                            text.contains(u"QueueThumbnail.qml"_s);
     if ((type == QtWarningMsg || type == QtCriticalMsg) && !isExpected)
         warnings().append(text);
 }
@@ -32,14 +32,12 @@ WindowTest::WindowTest() {
     machine.linkConverter();
     machine.installSong();
     setup.toolPlaces = machine.places();
-    setup.desktopFolder = machine.path(QStringLiteral("Desktop"));
+    setup.desktopFolder = machine.path(u"Desktop"_s);
     setup.resolutionTiming = {10ms, 10ms, 1ms};
     setup.downloadTiming = {1ms, 1ms, 1ms};
     setup.clipboardText = [this] { return clipboard; };
-    setup.openFolder = [this](const QString& path) {
-        opened.append(QStringLiteral("folder ") + path);
-    };
-    setup.showFile = [this](const QString& path) { opened.append(QStringLiteral("file ") + path); };
+    setup.openFolder = [this](const QString& path) { opened.append(u"folder "_s + path); };
+    setup.showFile = [this](const QString& path) { opened.append(u"file "_s + path); };
     warnings().clear();
     qInstallMessageHandler(keepWarning);
 }
@@ -52,7 +50,7 @@ WindowTest::~WindowTest() {
 
 void WindowTest::open(FirstLinks links) {
     app = std::make_unique<ReelcrateApp>(machine.supervisor, setup, std::move(links));
-    app->controller().setEventName(QStringLiteral("Prom"));
+    app->controller().setEventName(u"Prom"_s);
     ASSERT_TRUE(app->show());
     ASSERT_TRUE(QTest::qWaitForWindowExposed(app->window()));
     app->window()->requestActivate();
@@ -166,13 +164,13 @@ void WindowTest::drop(const QString& text, bool asUrls) {
 }
 
 QString WindowTest::link(const char* kind, const QString& name) {
-    return QStringLiteral("http://site/%1/%2").arg(QString::fromLatin1(kind), name);
+    return u"http://site/%1/%2"_s.arg(QString::fromLatin1(kind), name);
 }
 
 QStringList WindowTest::links(const char* kind, int count) {
     QStringList all;
     for (int i = 1; i <= count; ++i)
-        all.append(QStringLiteral("http://site/%1/song%2").arg(QLatin1String(kind)).arg(i));
+        all.append(u"http://site/%1/song%2"_s.arg(QLatin1String(kind)).arg(i));
     return all;
 }
 
@@ -180,7 +178,7 @@ void WindowTest::addReadRows(const QStringList& links) {
     for (const DownloadItem& added : controller().addLinksToQueue(links)) {
         const QString title = added.url.section(u'/', -1);
         controller().resolution().applyResolution(
-            {{{added.url, added.source, title, QStringLiteral("3:45"), {}}}, {}}, added,
+            {{{added.url, added.source, title, u"3:45"_s, {}}}, {}}, added,
             controller().queue().indexOf(added.id));
     }
     settle();

@@ -16,6 +16,8 @@
 /// as a binding that fails, fails the test.
 namespace reelcrate {
 
+using namespace Qt::StringLiterals;
+
 class WindowTest : public testing::Test {
 protected:
     WindowTest();

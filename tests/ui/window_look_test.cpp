@@ -33,8 +33,7 @@ protected:
         m_image = app->window()->grabWindow();
         EXPECT_EQ(m_image.size(), size);
         const QString folder = qEnvironmentVariable("REELCRATE_SCREENSHOTS");
-        const QString file =
-            QStringLiteral("%1-%2x%3.png").arg(name).arg(size.width()).arg(size.height());
+        const QString file = u"%1-%2x%3.png"_s.arg(name).arg(size.width()).arg(size.height());
         EXPECT_TRUE(folder.isEmpty() || m_image.save(QDir(folder).filePath(file)));
     }
 
@@ -125,7 +124,7 @@ private:
 TEST_F(WindowLookTest, EmptyQueue) {
     open();
     for (const QSize& size : {preferred, minimum}) {
-        picture(size, QStringLiteral("empty"));
+        picture(size, u"empty"_s);
         expectBackgrounds();
         expectGoldButton("addSongs", true);
         expectGoldButton("downloadAll", false);
@@ -134,22 +133,22 @@ TEST_F(WindowLookTest, EmptyQueue) {
 
 TEST_F(WindowLookTest, MixedQueue) {
     open();
-    addReadRows({QStringLiteral("https://youtu.be/song/abcdefghijk"),
-                 link("broken", QStringLiteral("b")),
-                 QStringLiteral("https://open.spotify.com/song/c")});
+    addReadRows({u"https://youtu.be/song/abcdefghijk"_s, link("broken", u"b"_s),
+                 u"https://open.spotify.com/song/c"_s});
     for (const int index : {0, 1})
         controller().startDownloadRun({record(index).id});
     EXPECT_TRUE(waitForEnd());
-    controller().setPastedLinks(link("slowread", QStringLiteral("d")));
+    controller().setPastedLinks(link("slowread", u"d"_s));
     controller().addSongsFromFieldOrClipboard();
-    addReadRows({link("song", QStringLiteral("A title that is far too long for the room there is, "
-                                             "so that it has to be cut off somewhere"))});
+    addReadRows({link("song",
+                      u"A title that is far too long for the room there is, "
+                      "so that it has to be cut off somewhere"_s)});
     for (const QSize& size : {preferred, minimum}) {
         app->window()->resize(size);
         settle();
         clickRow(2);
         clickRow(0, Qt::ControlModifier);
-        picture(size, QStringLiteral("mixed"));
+        picture(size, u"mixed"_s);
         expectBackgrounds();
         expectGoldButton("downloadAll", true);
         expectRow(0, rgb(0.22, 0.64, 0.32), QueueStatus::complete, true);
@@ -158,18 +157,18 @@ TEST_F(WindowLookTest, MixedQueue) {
         expectRow(3, rgb(1.0, 0.70, 0.22), QueueStatus::waiting, false);
         expectRow(4, rgb(0.78, 0.81, 0.84, 0.80), QueueStatus::waiting, false);
     }
-    machine.tell(QStringLiteral("go-read"));
+    machine.tell(u"go-read"_s);
 }
 
 TEST_F(WindowLookTest, RunInProgress) {
     open();
     QStringList songs;
     for (int i = 1; i <= 8; ++i)
-        songs.append(link("hold", QStringLiteral("song%1").arg(i)));
+        songs.append(link("hold", u"song%1"_s.arg(i)));
     addReadRows(songs);
     click("downloadAll");
     for (const QSize& size : {preferred, minimum}) {
-        picture(size, QStringLiteral("running"));
+        picture(size, u"running"_s);
         expectBackgrounds();
         expectGoldButton("addSongs", false);
         expectGoldButton("downloadAll", false);
@@ -178,7 +177,7 @@ TEST_F(WindowLookTest, RunInProgress) {
         expectRow(0, TechTheme::gold, QueueStatus::running, false);
         expectRow(2, TechTheme::gold, QueueStatus::running, false);
     }
-    machine.tell(QStringLiteral("go"));
+    machine.tell(u"go"_s);
     EXPECT_TRUE(waitForEnd());
 }
 
