@@ -644,6 +644,7 @@ TEST_F(EngineTest, ASongOfAListIsFoundLikeASpotifyRow) {
     EXPECT_EQ(controller.activeSummary(), text("The list is empty."));
     controller.clearQueue();
     EXPECT_EQ(controller.eventAccount().unreadLines, QStringList());
+    EXPECT_EQ(log(), QString());
 }
 
 TEST_F(EngineTest, ASpotifyLinkThatWasNotListedIsReadAgainAndNeverSearchedFor) {
