@@ -11,6 +11,7 @@
 
 #include <QDir>
 
+#include <array>
 #include <chrono>
 #include <cstdlib>
 #include <fcntl.h>
@@ -96,8 +97,8 @@ TEST_F(HeadlessRunTest, OnATerminalWhatGoesOnStandsBelowWhatHasEnded) {
     ASSERT_TRUE(::grantpt(terminal) == 0 && ::unlockpt(terminal) == 0);
     std::FILE* stream = std::fopen(::ptsname(terminal), "w");
     ASSERT_TRUE(stream);
-    const winsize size{.ws_row = 4, .ws_col = 40, .ws_xpixel = 0, .ws_ypixel = 0};
-    ::ioctl(terminal, TIOCSWINSZ, &size);
+    const winsize window{.ws_row = 4, .ws_col = 40, .ws_xpixel = 0, .ws_ypixel = 0};
+    ::ioctl(terminal, TIOCSWINSZ, &window);
     const auto display = ProgressDisplay::on(stream, controller);
     for (const char* name : {"a", "b", "c", "d", "e"})
         controller.addLinksToQueue({text("http://site/song/") + text(name)});
@@ -115,8 +116,16 @@ TEST_F(HeadlessRunTest, OnATerminalWhatGoesOnStandsBelowWhatHasEnded) {
                            u'\n' + controller.activeSummary() + u'\n';
     const auto shown = [&] {
         display->finish();
-        QByteArray bytes(4096, '\0');
-        bytes.truncate(std::max<ssize_t>(0, ::read(terminal, bytes.data(), 4096)));
+        // A terminal may hand over what was written in pieces.
+        QByteArray bytes;
+        const QByteArray last = controller.activeSummary().toUtf8() + "\r\n";
+        std::array<char, 4096> piece{};
+        while (!bytes.endsWith(last)) {
+            const ssize_t size = ::read(terminal, piece.data(), piece.size());
+            if (size <= 0)
+                break;
+            bytes.append(piece.data(), size);
+        }
         return QString::fromUtf8(bytes).remove(u'\r');
     };
     EXPECT_EQ(shown(), text("\x1b[J") + fitted(statusLine(rows.at(0)), 39) + u'\n' +
