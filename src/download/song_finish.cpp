@@ -47,7 +47,9 @@ QString savedText(const TrimOutcome& trim, const EventTarget& target) {
 /// Of a song that is going to be cut, which decodes all that is kept of it: once is enough.
 std::optional<SongMeasure> endsToCut(const QString& file) {
     auto ends = hasExtension(file, QStringLiteral("mp3")) ? measureEnds(file) : std::nullopt;
-    return ends && TrimPlan::of(*ends).kind == TrimPlan::Kind::cut ? ends : std::nullopt;
+    const bool isToBeCut =
+        ends && !whyNoWholeSong(*ends) && TrimPlan::of(*ends).kind == TrimPlan::Kind::cut;
+    return isToBeCut ? ends : std::nullopt;
 }
 
 }  // namespace

@@ -62,6 +62,12 @@ TEST_F(SongFinishing, WhetherItIsCutOrNotASongIsDecodedAndItsDamageNamedOnce) {
     }
 }
 
+TEST_F(SongFinishing, WhatIsTooShortForASongIsNotCutIntoOne) {
+    const QString song = music.make(
+        text("song.mp3"), text("-f lavfi -i \"aevalsrc='sin(2000*t)*gt(t,0.06)':d=0.09\""));
+    EXPECT_FALSE(finisher.prepare(song, {}, {}, log));
+}
+
 TEST_F(SongFinishing, ASongThatIsCutHasItsLoudnessToo) {
     const QString song =
         music.make(text("song.mp3"), text("-f lavfi -i \"aevalsrc='sin(2000*t)*gt(t,2)':d=6\""));
